@@ -1,0 +1,256 @@
+/// `NxString`: a text with its code set and language.
+///
+///   NxString name("Caf\xe9");                // default 8-bit code set (Latin-1)
+///   name += NxString(" Zoo");
+///   if (name.Find(NxString("zoo"), 0, 0x0030) >= 0) ...   // ignoring case
+///
+/// Characters are one byte wide in code sets below 225 and two bytes (16-bit units
+/// of this machine's order) from there. Lengths, positions and counts are in
+/// characters and 16 bits wide unless said otherwise; -1 (65535) as a length means
+/// "to the end". A buffer never exceeds 65533 bytes, terminator included: a longer
+/// one is reported ("String overflow") and the operation leaves the string as it was.
+#ifndef NXSTRING_H
+#define NXSTRING_H
+
+#include "nxapi.h"
+
+class NxChar;
+class NxCharOperation;
+
+/// Result code: a code-set argument or order value that is not valid here.
+inline constexpr int kInvalidCodeSet = -2002;
+/// Result code of NxSplitList: the list is used up.
+inline constexpr int kEndOfList = -2005;
+/// Largest buffer in bytes, terminator included.
+inline constexpr unsigned long kMaxStringBytes = 65533;
+
+class NX_API NxString {
+ public:
+  // Construction. The default code sets and the default language are asked of the
+  // language context at the moment of the call. Null texts give empty strings.
+
+  /// Empty, default code set and language.
+  NxString();
+  /// Empty.
+  NxString(unsigned char codeSet, unsigned char language);
+  NxString(const NxString& s);
+  /// One character, or empty for 0.
+  NxString(char c);
+  NxString(unsigned short c);
+  /// A zero-terminated text in the default 8-bit or 16-bit code set.
+  NxString(const char* text);
+  NxString(const unsigned short* text);
+  /// Its first n characters as they stand; n 65535 means the whole text.
+  NxString(const char* text, unsigned short n);
+  NxString(const unsigned short* text, unsigned short n);
+  /// The number in decimal; an unsigned int is printed as a signed one.
+  NxString(short v);
+  NxString(int v);
+  NxString(unsigned int v);
+  NxString(long v);
+  NxString(unsigned long v);
+  /// The number with 15 significant digits.
+  NxString(double v);
+
+  ~NxString();
+  /// Releases the buffer and zeroes the other fields.
+  void Destroy();
+  void d_deactivate();
+
+  NxString& operator=(const NxString& s);
+  NxString& operator=(const char* text);
+  NxString& operator=(const unsigned short* text);
+  /// Moves s here; s keeps its code set and language and loses its text.
+  void Destruct(NxString& s);
+
+  /// The text, never null: a string without buffer hands out zeroString.
+  char* StrGet() const;
+  /// The library's one empty string.
+  static NxString& EmptyString();
+  /// Sets _nSize to size and returns a new zero-filled buffer of that many bytes,
+  /// not attached. The caller attaches or releases it with delete[].
+  char* Alloc(short size);
+
+  // Null state.
+
+  /// Makes the string null and returns 0.
+  int SetNullValue();
+  int IsNullValue() const;
+
+  // Code sets. -2002 leaves the string unchanged.
+
+  /// Relabels; -2002 when the character width would change.
+  int SetCodeSetCode(unsigned char cs);
+  /// Relabels, converting the characters only when the width changes.
+  int SetCodeSet(unsigned char cs);
+  /// Converts the characters; -2002 for code set 0.
+  int MapToCodeSet(unsigned char cs);
+  /// Becomes at most n (-1: all) characters of s in code set cs; returns how many,
+  /// or -2002 when s is this string.
+  int CopyMapped(const NxString& s, unsigned char cs, short n);
+
+  // Process-wide defaults, kept by the language context.
+
+  static unsigned char GetDefaultCodeSet();
+  static int SetDefaultCodeSet(unsigned char cs);
+  static unsigned char GetDefaultLanguage();
+  static int SetDefaultLanguage(unsigned char language);
+  static unsigned char GetDefault8CodeSet();
+  static unsigned char GetDefault16CodeSet();
+  static unsigned short GetDefaultCmpOp();
+  static int SetDefaultCmpOp(unsigned short op);
+
+  // Wildcards, as collation order values; process-wide.
+
+  static unsigned short GetAsterisk();
+  static unsigned short GetQuestion();
+  static unsigned short GetEscape();
+  static int SetAsterisk(const NxChar& c);
+  static int SetQuestion(const NxChar& c);
+  static int SetEscape(const NxChar& c);
+  /// The first order value of c, without changing any wildcard. Returns 0.
+  static int SetAQE(const NxChar& c, unsigned short& order);
+
+  // Length and emptiness.
+
+  unsigned short Len() const;
+  /// Bytes of the terminator: 1 or 2.
+  unsigned short NullLen() const;
+  int IsEmpty() const;
+  int operator!() const;
+
+  // Concatenation.
+
+  NxString& operator+=(const NxString& s);
+  /// Appends the character, text or number; an unsigned short is a number to an
+  /// 8-bit string and a character to a 16-bit one.
+  NxString& operator<<(char c);
+  NxString& operator<<(unsigned short c);
+  NxString& operator<<(const char* text);
+  NxString& operator<<(const unsigned short* text);
+  NxString& operator<<(const NxString& s);
+  NxString& operator<<(short v);
+  NxString& operator<<(int v);
+  NxString& operator<<(unsigned int v);
+  NxString& operator<<(long v);
+  NxString& operator<<(unsigned long v);
+  NxString& operator<<(float v);
+  NxString& operator<<(double v);
+
+  // Editing; each returns the string itself.
+
+  /// Nothing happens for a pos beyond the length.
+  NxString& Insert(const NxString& s, unsigned short pos);
+  /// Overwrites characters from pos; the length never changes.
+  NxString& Replace(const NxString& s, unsigned short pos);
+  /// Becomes n copies of c.
+  NxString& Fill(unsigned short n, char c);
+  NxString& Fill(unsigned short n, unsigned short c);
+  /// Appends copies of c up to length n.
+  NxString& Expand(unsigned short n, char c);
+  NxString& Expand(unsigned short n, unsigned short c);
+  /// Removes count (-1: all) characters from pos.
+  NxString& Cut(unsigned short pos, short count);
+  NxString Copy(unsigned short pos, short count) const;
+  NxString Left(unsigned short n) const;
+  NxString Right(unsigned short n) const;
+
+  // Trimming: a space is a character that orders as one (blanks and controls).
+
+  NxString& LeftTrim();
+  NxString& RightTrim();
+  NxString& Trim();
+
+  // Case, by the string's code set; characters may become several (ß, SS).
+
+  NxString& ToUpper();
+  NxString& ToLower();
+  NxString& Transform(NxCharOperation& op);
+
+  // Searching. op is a compare option word (nxtypcmp.h), 65535 the default one.
+
+  /// Position of the first match at or after start, or -1.
+  short Find(const NxString& pattern, unsigned short start, unsigned short op) const;
+  short Find(char c, unsigned short start, unsigned short op) const;
+  short Find(unsigned short c, unsigned short start, unsigned short op) const;
+  short SubStringPos(const NxString& pattern, unsigned short op) const;
+  NxString& ReplaceAll(const NxString& from, const NxString& to, unsigned short start);
+  NxString& ReplaceAll(char from, char to, unsigned short start);
+  NxString& ReplaceAll(unsigned short from, unsigned short to, unsigned short start);
+
+  // Comparison by collation, under the default options for the operators: with
+  // wildcards on (the default), "*" and "?" of the right operand are wildcards.
+
+  int operator==(const NxString& s) const;
+  int operator!=(const NxString& s) const;
+  int operator<(const NxString& s) const;
+  int operator>(const NxString& s) const;
+  int operator<=(const NxString& s) const;
+  int operator>=(const NxString& s) const;
+  /// Negative, 0 or positive over the first len (-1: all) characters.
+  int Compare(const NxString& s, short len, unsigned short op) const;
+  int EqualsIgnoreLanguage(const NxString& s) const;
+
+  // Numbers. Texts that do not parse give 0.
+
+  operator int() const;
+  operator short() const;
+  operator long() const;
+  operator double() const;
+  /// The number in base 10 (Atol) or by its C prefix (Strtol). 0, or -1 with v 0
+  /// when the text does not begin with a digit or "-".
+  int Atol(long& v) const;
+  int Strtol(long& v) const;
+
+  /// Character i, bound to the text: assigning to it changes the string. Outside
+  /// the text a detached zero character.
+  NxChar operator[](int i);
+
+  // Buffer building: every edit ends here.
+
+  /// Becomes n (-1: all) characters of text, a text in code set cs. mode is the
+  /// byte order of its 16-bit units (255: 1).
+  void MakeString(const char* text, unsigned char cs, short n, unsigned char mode);
+  /// Puts srcLen characters from srcStart of src (in srcCodeSet), repeat times, at
+  /// destPos. buildMode: 1 overwrites, 2 inserts, 3 composes (keeps what stands
+  /// before destPos, drops the rest). src may be the string's own text.
+  void BuildString(const char* src, unsigned char srcCodeSet, unsigned short destPos, unsigned short srcStart,
+                   unsigned short srcLen, unsigned short repeat, unsigned short buildMode,
+                   unsigned char byteOrder);
+
+  char* _pBuffer;            // text and terminator, or null; allocated with new[]
+  unsigned short _nSize;     // bytes of the buffer, terminator included
+  unsigned char _nCodeSet;   //
+  unsigned char _nLanguage;  // 254: null
+
+  static unsigned short _nAsterisk;  // 0: not yet determined
+  static unsigned short _nQuestion;
+  static unsigned short _nEscape;
+};
+static_assert(sizeof(NxString) == 8, "values are walked in steps of 8 bytes");
+
+NX_API NxString operator+(const NxString& a, const NxString& b);
+
+/// Takes the item of list that begins at pos, up to the separator, trimmed, and
+/// moves pos past it. 0, or -2005 with item unchanged at the end of the list.
+NX_API int NxSplitList(NxString& list, NxString& item, const NxString& separator, unsigned short& pos);
+
+/// Copies bytes; with width 2 and byteOrder 2 as 16-bit units put through
+/// ShortStore. An odd last byte is not copied then.
+NX_API void NxMemCpy(char* dst, char* src, short width, unsigned char byteOrder, unsigned long bytes);
+
+/// Converts a whole text between code sets into a new buffer, released with
+/// delete[]. Returns its size in bytes. len and byteOrder are not read.
+NX_API unsigned short AllocMapped(unsigned char srcCodeSet, unsigned char dstCodeSet, char* src, char*& out,
+                                  unsigned short len, unsigned char byteOrder);
+/// Converts at most n (-1: all) characters into buffer, which is replaced when its
+/// size is too small. Returns the characters converted.
+NX_API int AllocMappedN(unsigned char srcCodeSet, unsigned char dstCodeSet, char* src, short n, char*& buffer,
+                        unsigned short& size);
+
+/// The text of strings without buffer: empty at either width.
+extern NX_API char* zeroString;
+extern NX_API unsigned int correctZeroLengthStringEvenForUnicode;
+extern NX_API NxString __theEmptyString;
+
+#endif
