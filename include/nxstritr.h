@@ -39,15 +39,18 @@ class NX_API NxStringIterator {
   /// Non-owning copies.
   NxStringIterator(NxStringIterator* it);
   NxStringIterator(const NxStringIterator& it);
-  NxStringIterator(NxString& s);
+  /// Over the text of s, read in memory form.
+  NxStringIterator(const NxString& s);
+  NxStringIterator(NxString&&) = delete;  // its text would be gone
   /// A code set, language or byte order of 255 means the default.
   NxStringIterator(const char* t, unsigned char cs, unsigned char lang, unsigned char byteOrder);
-  NxStringIterator(unsigned short* t, unsigned char cs, unsigned char lang, unsigned char byteOrder);
+  NxStringIterator(const unsigned short* t, unsigned char cs, unsigned char lang, unsigned char byteOrder);
   /// Owns a text of the one character.
-  NxStringIterator(NxChar& c);
+  NxStringIterator(const NxChar& c);
   ~NxStringIterator();
 
-  /// Takes all but the ownership; a text that was owned is released.
+  /// Takes all but the ownership; a text that was owned is released, unless `it` is a
+  /// place in it.
   NxStringIterator& operator=(const NxStringIterator& it);
   /// 1 when both positions are equal.
   int operator==(const NxStringIterator& it) const;
@@ -80,6 +83,7 @@ class NX_API NxStringIterator {
   unsigned char _nOverflowCodeSet;  // their code set; 254: order values
   unsigned char _nByteOrder;        // format code of the characters read
   unsigned char _bOwnsBuffer;       //
+  char* _pOwnedText;                // start of the text when it is owned, else null
 };
 
 /// The next order value of it, with the bits of mask cleared from a letter's. For
