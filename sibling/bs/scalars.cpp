@@ -9,22 +9,29 @@
 
 namespace {
 
-/// Converts n values of `Width` bytes; both directions are the same operation.
+bool SwapsBytes(unsigned char format) { return (format & kFormatCodeMask) == kFormatBigEndian; }
+
 template <unsigned Width>
-inline int Convert(void* dst, const void* src, unsigned char format, unsigned long n) {
+__attribute__((noinline)) int ConvertArray(void* dst, const void* src, unsigned char format,
+                                           unsigned long n) {
   const unsigned long bytes = n * Width;
-  if (Width > 1 && (format & kFormatCodeMask) == kFormatBigEndian) {
-    if (n == 1) {
-      SwapOne<Width>(dst, src);
-    } else {
-      SwapArray<Width>(dst, src, n);
-    }
-  } else if (n == 1) {
-    CopyOne<Width>(dst, src);
-  } else if (n != 0) {
-    std::memmove(dst, src, bytes);  // dst may equal src
+  if (SwapsBytes(format)) {
+    SwapArray<Width>(dst, src, n);
+  } else if (bytes != 0 && dst != src) {
+    std::memcpy(dst, src, bytes);
   }
   return static_cast<int>(bytes);
+}
+
+/// Converts n values of `Width` bytes; both directions are the same operation.
+/// Single fields are the commonest call, and kept free of the array's costs.
+template <unsigned Width>
+inline int Convert(void* dst, const void* src, unsigned char format, unsigned long n) {
+  if (n != 1) return ConvertArray<Width>(dst, src, format, n);
+  using Value = typename UintOf<Width>::Type;
+  const Value value = ReadValue<Value>(src);
+  WriteValue(dst, SwapsBytes(format) ? Swapped(value) : value);
+  return Width;
 }
 
 template <class T>
@@ -34,8 +41,8 @@ constexpr int StoredSize(unsigned long n) {
 
 }  // namespace
 
-int CharStore(void* dst, const void* src, unsigned char format, unsigned long n) {
-  return Convert<1>(dst, src, format, n);
+int CharStore(void* dst, const void* src, unsigned char /*format*/, unsigned long n) {
+  return Convert<1>(dst, src, kFormatNative, n);
 }
 int ShortStore(void* dst, const void* src, unsigned char format, unsigned long n) {
   return Convert<sizeof(short)>(dst, src, format, n);
