@@ -130,27 +130,7 @@ unsigned long NxCaseIStringHash(unsigned char, unsigned long, void*, unsigned lo
 }
 
 // Printing and scanning.
-NxString& CharPrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
-void* CharScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
-NxString& ShortPrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
-void* ShortScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
-NxString& IntPrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
-void* IntScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
-NxString& LongPrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
-void* LongScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
-NxString& FloatPrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
-void* FloatScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
-NxString& DoublePrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
-void* DoubleScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
-NxString& NxStringPrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
-void* NxStringScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
 NxString& NxIStringPrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
 void* NxIStringScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
 NxString& NxCaseIStringPrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
 void* NxCaseIStringScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
-NxString& Int64PrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
-void* Int64ScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
-NxString& BooleanPrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
-void* BooleanScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
-NxString& SealPrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
-void* SealScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }

@@ -1,0 +1,36 @@
+// Checks formats that callers hand in before they reach the C library's formatted
+// print and scan: a format whose conversions do not fit the values it would be given
+// could read or write any memory.
+#ifndef NXFORMAT_H
+#define NXFORMAT_H
+
+#include <cstring>
+#include <initializer_list>
+
+#include "nxtypfmt.h"
+
+/// A value that a conversion prints, or scans into.
+enum class NxFormatArg : unsigned char {
+  kByte,    // integers of 1, 2 and 4 bytes; printed as the last
+  kShort,   //
+  kWord,    //
+  kFloat,   // scanned only; printed as kDouble
+  kDouble,  //
+  kText,    // a text; scanned into an area as large as the input
+};
+
+/// True when the conversions of a print format fit args in their order; there may be
+/// fewer of them. Widths and precisions stand in the format and no text is longer than
+/// an NxString can be. False for null.
+bool NxPrintFormatFits(const char* format, std::initializer_list<NxFormatArg> args);
+
+/// The same of a scan format. An integer conversion fits that is no wider than its
+/// value, a suppressed one ("%*d") takes none.
+bool NxScanFormatFits(const char* format, std::initializer_list<NxFormatArg> args);
+
+/// True for a format of doubles that stands for mantissa and exponent.
+inline bool NxIsMantissaFormat(const char* format) {
+  return format && *format != '%' && std::strncmp(format, pSpecialDoubleFmt, 4) == 0;
+}
+
+#endif
