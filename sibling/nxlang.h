@@ -105,9 +105,16 @@ class NxCharTable {
  public:
   /// The record of a character value, or null for an unlisted value above 511.
   virtual const NxCharInfo* Find(unsigned short value) const = 0;
+  /// The same without a call for the values up to 511 of a 16-bit code set.
+  const NxCharInfo* Record(unsigned short value) const {
+    return low_ != nullptr && value < 512 ? low_ + value : Find(value);
+  }
 
  protected:
+  constexpr NxCharTable() = default;
   ~NxCharTable() = default;
+
+  const NxCharInfo* low_ = nullptr;  // records of the values 0 to 511, or null
 };
 
 /// Case mappings of one character, as characters of code set 253.
@@ -137,17 +144,25 @@ class NX_API NxCodeSet {
   /// For an 8-bit code set its 256 characters in code set 253; otherwise null.
   const unsigned short* FlatToUnicode() const { return flatToUnicode_; }
 
+  /// For an 8-bit code set the case mappings of its 256 characters (0 and 0 for
+  /// a character without case), which serve every language but Turkish;
+  /// otherwise null. The same that GetUnicodeProps() finds.
+  const NxUnicodeProps* FlatProps() const { return flatProps_; }
+
   /// Case mappings of a character of this code set under the rules of
-  /// `language`, or null when it has none.
+  /// `language`, or null when it has none. A mapping that the code set has no
+  /// character for is left out, so that the character stays as it is.
   const NxUnicodeProps* GetUnicodeProps(unsigned short value, unsigned char language) const;
 
  protected:
-  NxCodeSet() = default;
+  constexpr NxCodeSet() = default;
   ~NxCodeSet() = default;
 
   const NxCharTable* table_ = nullptr;
   const NxCharInfo* const* flatRecords_ = nullptr;
   const unsigned short* flatToUnicode_ = nullptr;
+  const NxUnicodeProps* flatProps_ = nullptr;
+  unsigned char number_ = 0;
 };
 
 /// A language known to the library.
