@@ -10,8 +10,10 @@
 
 #include "nxalloc.h"
 #include "nxbool.h"
+#include "nxcistr.h"
 #include "nxformat.h"
 #include "nxint64.h"
+#include "nxistr.h"
 #include "nxlang.h"
 #include "nxseal.h"
 #include "nxstring.h"
@@ -225,6 +227,20 @@ bool PrintText(NxString& out, const char* text, const char* fmt) {
   return true;
 }
 
+/// An alphabetic string: empty ones print nothing, whatever the format; none is null.
+template <class Alpha>
+NxString& PrintAlpha(NxString& out, const Alpha& value, const char* fmt) {
+  if (!value._pStr || !*value._pStr) return out = "";
+  PrintText(out, value._pStr, fmt);
+  return out;
+}
+
+template <class Alpha>
+void* ScanAlpha(void* value, NxString& in) {
+  if (value) *static_cast<Alpha*>(value) = ScanText(in).Chars();
+  return value;
+}
+
 }  // namespace
 
 // ---------------------------------------------------------------------------
@@ -332,6 +348,22 @@ void* NxStringScanFromNxString(void* value, NxString& in, const char* /*fmt*/, u
   else
     string = in;
   return value;
+}
+
+NxString& NxIStringPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long /*n*/) {
+  return PrintAlpha(out, *static_cast<NxIString*>(value), fmt);
+}
+
+void* NxIStringScanFromNxString(void* value, NxString& in, const char* /*fmt*/, unsigned long /*n*/) {
+  return ScanAlpha<NxIString>(value, in);
+}
+
+NxString& NxCaseIStringPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long /*n*/) {
+  return PrintAlpha(out, *static_cast<NxCaseIString*>(value), fmt);
+}
+
+void* NxCaseIStringScanFromNxString(void* value, NxString& in, const char* /*fmt*/, unsigned long /*n*/) {
+  return ScanAlpha<NxCaseIString>(value, in);
 }
 
 // ---------------------------------------------------------------------------

@@ -129,8 +129,3 @@ unsigned long NxCaseIStringHash(unsigned char, unsigned long, void*, unsigned lo
   return 0;
 }
 
-// Printing and scanning.
-NxString& NxIStringPrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
-void* NxIStringScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
-NxString& NxCaseIStringPrintToNxString(NxString& out, void*, const char*, unsigned long) { return out; }
-void* NxCaseIStringScanFromNxString(void* values, NxString&, const char*, unsigned long) { return values; }
