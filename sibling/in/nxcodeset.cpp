@@ -1,22 +1,17 @@
 /// The code sets: four of one byte, Unicode, and the order-value text in which
-/// every unit already is what a character orders by.
+/// every unit already is what a character orders by. All of them are constant.
 #include "nxlangdata.h"
 
-#include <array>
-
 namespace {
+
+using nxdata::kNoCharacter;
 
 /// Languages that change no place in the order share one selector, so that
 /// their texts compare with one another.
 constexpr unsigned char SelectorOf(unsigned char language) {
-  switch (language) {
-    case kLanguageSpanish:
-    case kLanguageSwedish:
-    case kLanguageDanish:
-      return language;
-    default:
-      return kLanguageEnglish;
-  }
+  return language == kLanguageSpanish || language == kLanguageSwedish || language == kLanguageDanish
+             ? language
+             : kLanguageEnglish;
 }
 
 /// Any code set's character in Unicode; order values stand for no character.
@@ -30,43 +25,45 @@ unsigned short ToUnicode(unsigned short value, unsigned char source) {
 class ByteTable final : public NxCharTable {
  public:
   constexpr explicit ByteTable(const NxCharInfo* const* records) : records_(records) {}
+  /// No byte is above 255; whoever asks for more gets what cannot be mapped.
   const NxCharInfo* Find(unsigned short value) const override {
-    return value < 256 ? records_[value] : NxUnicodeRecord(kNoCharacter);
+    return records_[value < 256 ? value : kNoCharacter];
   }
 
  private:
   const NxCharInfo* const* records_;
 };
 
+template <unsigned char kNumber, const auto& kToUnicode, const auto& kApart>
 class ByteCodeSet final : public NxCodeSet {
+  using Tables = nxdata::ByteTables<kToUnicode, kApart>;
+
  public:
-  explicit ByteCodeSet(unsigned char number) : tables_(NxByteTablesOf(number)), charTable_(tables_.records) {
-    number_ = number;
+  constexpr ByteCodeSet() {
+    number_ = kNumber;
     table_ = &charTable_;
-    flatRecords_ = tables_.records;
-    flatToUnicode_ = tables_.toUnicode;
-    flatProps_ = tables_.props;
+    flatRecords_ = Tables::kRecordsByByte.data();
+    flatToUnicode_ = kToUnicode;
+    flatProps_ = Tables::kPropsByByte.data();
   }
   unsigned char GetCollation(unsigned char language) const override { return SelectorOf(language); }
   unsigned short MapFrom(unsigned short value, unsigned char source) const override {
-    if (source == number_) return value;
-    return tables_.fromUnicode(ToUnicode(value, source));
+    return source == kNumber ? value : Tables::FromUnicode(ToUnicode(value, source));
   }
 
  private:
-  const NxByteTables& tables_;
-  ByteTable charTable_;
+  ByteTable charTable_{Tables::kRecordsByByte.data()};
 };
 
 class UnicodeTable final : public NxCharTable {
  public:
-  UnicodeTable() { low_ = NxUnicodeLowRecords(); }
-  const NxCharInfo* Find(unsigned short value) const override { return NxUnicodeRecord(value); }
+  constexpr UnicodeTable() { low_ = nxdata::kRecords; }
+  const NxCharInfo* Find(unsigned short value) const override { return nxdata::RecordOf(value); }
 };
 
 class UnicodeCodeSet final : public NxCodeSet {
  public:
-  UnicodeCodeSet() {
+  constexpr UnicodeCodeSet() {
     number_ = kCodeSetUnicode;
     table_ = &charTable_;
   }
@@ -79,26 +76,16 @@ class UnicodeCodeSet final : public NxCodeSet {
   UnicodeTable charTable_;
 };
 
-constexpr std::array<NxCharInfo, 512> MakeOrderValueRecords() {
-  std::array<NxCharInfo, 512> records{};
-  for (unsigned short order = 0; order < 512; ++order)
-    records[order] = {order, NxCharInfo::kNoCollation, nullptr, nullptr, nullptr};
-  return records;
-}
-constexpr std::array<NxCharInfo, 512> kOrderValueRecords = MakeOrderValueRecords();
-
 /// Every unit orders as itself: below 512 by its record, above without one.
 class OrderValueTable final : public NxCharTable {
  public:
-  OrderValueTable() { low_ = kOrderValueRecords.data(); }
-  const NxCharInfo* Find(unsigned short value) const override {
-    return value < kOrderValueRecords.size() ? &kOrderValueRecords[value] : nullptr;
-  }
+  constexpr OrderValueTable() { low_ = nxdata::kOrderValueRecords.data(); }
+  const NxCharInfo* Find(unsigned short value) const override { return value < 512 ? low_ + value : nullptr; }
 };
 
 class OrderValueCodeSet final : public NxCodeSet {
  public:
-  OrderValueCodeSet() {
+  constexpr OrderValueCodeSet() {
     number_ = kCodeSetOrderValues;
     table_ = &charTable_;
   }
@@ -107,7 +94,7 @@ class OrderValueCodeSet final : public NxCodeSet {
   unsigned short MapFrom(unsigned short value, unsigned char source) const override {
     if (source == kCodeSetOrderValues) return value;
     const unsigned short unicode = ToUnicode(value, source);
-    const NxCharInfo* record = NxUnicodeRecord(unicode);
+    const NxCharInfo* record = nxdata::RecordOf(unicode);
     return record != nullptr ? record->order : unicode;
   }
 
@@ -115,11 +102,17 @@ class OrderValueCodeSet final : public NxCodeSet {
   OrderValueTable charTable_;
 };
 
+constexpr ByteCodeSet<kCodeSetLatin1, nxdata::kLatin1ToUnicode, nxdata::kLatin1Apart> kLatin1;
+constexpr ByteCodeSet<kCodeSetWindows1252, nxdata::kWindows1252ToUnicode, nxdata::kWindows1252Apart>
+    kWindows1252;
+constexpr ByteCodeSet<kCodeSetLatin9, nxdata::kLatin9ToUnicode, nxdata::kLatin9Apart> kLatin9;
+constexpr ByteCodeSet<kCodeSetLatin2, nxdata::kLatin2ToUnicode, nxdata::kLatin2Apart> kLatin2;
+constexpr UnicodeCodeSet kUnicode;
+constexpr OrderValueCodeSet kOrderValues;
+
 // Turkish keeps the dot of i, and its absence, through a change of case.
-constexpr unsigned short kCapitalIWithDot = 0x130;
-constexpr unsigned short kSmallDotlessI = 0x131;
-constexpr NxUnicodeProps kTurkishSmallI = {kCapitalIWithDot, 0, nullptr};
-constexpr NxUnicodeProps kTurkishCapitalI = {0, kSmallDotlessI, nullptr};
+constexpr NxUnicodeProps kTurkishSmallI = {0x130, 0, nullptr};
+constexpr NxUnicodeProps kTurkishCapitalI = {0, 0x131, nullptr};
 
 }  // namespace
 
@@ -129,28 +122,22 @@ const NxUnicodeProps* NxCodeSet::GetUnicodeProps(unsigned short value, unsigned 
     if (flatProps_ != nullptr) return nullptr;  // none of the 8-bit code sets has the counterparts
     return value == 'i' ? &kTurkishSmallI : &kTurkishCapitalI;
   }
-  if (flatProps_ == nullptr) return NxUnicodeCase(value);
+  if (flatProps_ == nullptr) return nxdata::CaseOf(value);
   if (value > 0xFF || (flatProps_[value].upper | flatProps_[value].lower) == 0) return nullptr;
   return &flatProps_[value];
 }
 
 const NxCodeSet* NxLanguageContext::QueryCodeSet(unsigned char codeSet) {
-  static const ByteCodeSet latin1(kCodeSetLatin1);
-  static const ByteCodeSet windows1252(kCodeSetWindows1252);
-  static const ByteCodeSet latin9(kCodeSetLatin9);
-  static const ByteCodeSet latin2(kCodeSetLatin2);
-  static const UnicodeCodeSet unicode;
-  static const OrderValueCodeSet orderValues;
   switch (codeSet) {
     case kCodeSetWindows1252:
-      return &windows1252;
+      return &kWindows1252;
     case kCodeSetLatin9:
-      return &latin9;
+      return &kLatin9;
     case kCodeSetLatin2:
-      return &latin2;
+      return &kLatin2;
     case kCodeSetOrderValues:
-      return &orderValues;
+      return &kOrderValues;
     default:
-      return codeSet < kCodeSetFirst16Bit ? static_cast<const NxCodeSet*>(&latin1) : &unicode;
+      return codeSet < kCodeSetFirst16Bit ? static_cast<const NxCodeSet*>(&kLatin1) : &kUnicode;
   }
 }
