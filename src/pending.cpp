@@ -46,23 +46,6 @@ unsigned long StringOldHash(unsigned char, unsigned long, void*, unsigned long, 
   return 0;
 }
 
-// NxString: translation and bounds.
-int NxStringTranslate(void*, unsigned char, unsigned long, void*, unsigned char, unsigned long,
-                      unsigned long) {
-  return 0;
-}
-int NxStringOldTranslate(void*, unsigned char, unsigned long, void*, unsigned char, unsigned long,
-                         unsigned long) {
-  return 0;
-}
-float StringEvalAndBound(NxIdxBounds*, unsigned short&, void*, unsigned char, unsigned long, NxIdxBounds*) {
-  return 0;
-}
-float StringOldEvalAndBound(NxIdxBounds*, unsigned short&, void*, unsigned char, unsigned long,
-                            NxIdxBounds*) {
-  return 0;
-}
-
 // NxIString.
 void* NxIStringCreate(unsigned long) { return nullptr; }
 int NxIStringDelete(void*, unsigned long) { return 0; }
