@@ -81,9 +81,12 @@ class Unicode:
                 self.chars[int(f[0], 16)] = Char(f[1], f[2], compatible, mapping,
                                                  int(f[12] or '0', 16), int(f[13] or '0', 16))
         self.elements = {}
+        self.version = 'unknown'
         element = re.compile(r'\[[.*]([0-9A-F]+)\.([0-9A-F]+)\.([0-9A-F]+)\]')
         with open(os.path.join(directory, 'allkeys.txt'), encoding='utf-8') as lines:
             for line in lines:
+                if line.startswith('@version'):
+                    self.version = line.split()[1]
                 if re.match(r'[0-9A-F]', line):
                     chars, rest = line.split(';', 1)
                     found = element.findall(rest.split('#')[0])
@@ -205,8 +208,10 @@ class Letters:
         return cells
 
     def item(self, c):
-        """Cell, member of the cell (0 its first letter) and marks of a letter
-        that has one order value; None for the others."""
+        """Cell, member of the cell (0: the letter that accents with names go
+        with) and marks of a letter that has one order value; None for the
+        others. A letter of an extension always has an accent, for the text of
+        an order value names letters without accent by the ASCII letter."""
         parts = self.u.canonical(c)
         if parts:
             base = self.item(parts[0])
@@ -216,7 +221,7 @@ class Letters:
         if self.gap_of(c):
             letter, extension, position, members = self.gaps[self.u.primaries(c)[0]]
             stroke = members == 1 and 'WITH STROKE' in self.u.chars[c].name
-            return ((letter, extension), position, ('stroke',) if stroke else ())
+            return ((letter, extension), 0 if stroke else position + 1, ('stroke',) if stroke else ())
         elements = self.u.elements[(c,)]
         if len(self.u.primaries(c)) != 1 or self.u.chars[c].decomposition[1:]:
             return None
@@ -521,7 +526,7 @@ def write_code_set(w, name, codec, symbol_at):
 
 
 HEADER = '''\
-// Written by make_nxlangdata.py from Unicode's files; not to be edited.
+// Written by make_nxlangdata.py from the files of Unicode {version}; not to be edited.
 //
 // Collation records: {records} of 16 bytes (one a character; characters 0 to 0x24F lie at their
 // number, a two-level table of pages finds the rest), {small} further ones of languages and symbols.
@@ -537,7 +542,7 @@ def main(arguments):
                                                                   'nxlangdata.inc')
     unicode = Unicode(directory)
     records = Collation(unicode).records
-    # The double grave and inverted breve may leave holes below FIRST_UNLISTED: a null order marks them.
+    # Below FIRST_UNLISTED the letters that found no number leave holes, which kRecordIndex passes over.
     low = [records.get(c, plain_record([0])) for c in range(FIRST_UNLISTED)]
     high = [c for c in records if c >= FIRST_UNLISTED]
     numbers = {c: c + 1 for c in records if c < FIRST_UNLISTED}
@@ -547,7 +552,7 @@ def main(arguments):
     with open(output, 'w', encoding='utf-8', newline='\n') as out:
         w = Writer(out)
         size = (16 * (len(low) + len(high)) + 8 * len(cased) + 512 * 27) // 1024
-        out.write(HEADER.format(records=len(low) + len(high), small=len(symbols) + 60, cased=len(cased), size=size) + '\n')
+        out.write(HEADER.format(version=unicode.version, records=len(low) + len(high), small=len(symbols) + 60, cased=len(cased), size=size) + '\n')
         RecordWriter(w).write(low + [records[c] for c in high],
                               [plain_record([c], PLAIN_ORDER) for c in symbols])
         w.rows('constexpr unsigned short kSymbols[] = {', ['0x%04X' % c for c in symbols])
