@@ -77,17 +77,19 @@ class NX_API NxString {
   int SetNullValue();
   int IsNullValue() const;
 
-  // Code sets. -2002 leaves the string unchanged.
+  // Code sets. 0, or -2002 with the string unchanged.
 
   /// Relabels; -2002 when the character width would change.
   int SetCodeSetCode(unsigned char cs);
-  /// Relabels, converting the characters only when the width changes.
+  /// Relabels, converting the characters only when the width changes; -2002 when
+  /// they would not fit then.
   int SetCodeSet(unsigned char cs);
-  /// Converts the characters; -2002 for code set 0.
+  /// Converts the characters; -2002 for code set 0 and when they would not fit.
   int MapToCodeSet(unsigned char cs);
   /// Becomes at most n (-1: all) characters of s in code set cs; returns how many,
-  /// or -2002 when s is this string.
-  int CopyMapped(const NxString& s, unsigned char cs, short n);
+  /// or -2002 when s is this string. Room for n characters is kept, and so is a
+  /// present buffer that has it.
+  int CopyMapped(const NxString& s, unsigned char cs, short n = -1);
 
   // Process-wide defaults, kept by the language context.
 
@@ -150,8 +152,10 @@ class NX_API NxString {
   NxString& Expand(unsigned short n, char c);
   NxString& Expand(unsigned short n, unsigned short c);
   /// Removes count (-1: all) characters from pos.
-  NxString& Cut(unsigned short pos, short count);
-  NxString Copy(unsigned short pos, short count) const;
+  NxString& Cut(unsigned short pos, short count = -1);
+  /// count (-1: all) characters from pos. From the end or beyond: an empty string of
+  /// the default 8-bit code set and language.
+  NxString Copy(unsigned short pos, short count = -1) const;
   NxString Left(unsigned short n) const;
   NxString Right(unsigned short n) const;
 
@@ -169,14 +173,17 @@ class NX_API NxString {
 
   // Searching. op is a compare option word (nxtypcmp.h), 65535 the default one.
 
-  /// Position of the first match at or after start, or -1.
-  short Find(const NxString& pattern, unsigned short start, unsigned short op) const;
-  short Find(char c, unsigned short start, unsigned short op) const;
-  short Find(unsigned short c, unsigned short start, unsigned short op) const;
-  short SubStringPos(const NxString& pattern, unsigned short op) const;
-  NxString& ReplaceAll(const NxString& from, const NxString& to, unsigned short start);
-  NxString& ReplaceAll(char from, char to, unsigned short start);
-  NxString& ReplaceAll(unsigned short from, unsigned short to, unsigned short start);
+  /// Position of the first match at or after start, or -1. Positions from 32768 on
+  /// come out negative: as an unsigned short they are right, and only -1 means none.
+  short Find(const NxString& pattern, unsigned short start = 0, unsigned short op = 65535) const;
+  short Find(char c, unsigned short start = 0, unsigned short op = 65535) const;
+  short Find(unsigned short c, unsigned short start = 0, unsigned short op = 65535) const;
+  short SubStringPos(const NxString& pattern, unsigned short op = 65535) const;
+  /// Replaces every match under the default options, from start on. An empty `from`
+  /// matches nothing.
+  NxString& ReplaceAll(const NxString& from, const NxString& to, unsigned short start = 0);
+  NxString& ReplaceAll(char from, char to, unsigned short start = 0);
+  NxString& ReplaceAll(unsigned short from, unsigned short to, unsigned short start = 0);
 
   // Comparison by collation, under the default options for the operators: with
   // wildcards on (the default), "*" and "?" of the right operand are wildcards.
@@ -188,7 +195,7 @@ class NX_API NxString {
   int operator<=(const NxString& s) const;
   int operator>=(const NxString& s) const;
   /// Negative, 0 or positive over the first len (-1: all) characters.
-  int Compare(const NxString& s, short len, unsigned short op) const;
+  int Compare(const NxString& s, short len = -1, unsigned short op = 65535) const;
   int EqualsIgnoreLanguage(const NxString& s) const;
 
   // Numbers. Texts that do not parse give 0.
@@ -209,11 +216,13 @@ class NX_API NxString {
   // Buffer building: every edit ends here.
 
   /// Becomes n (-1: all) characters of text, a text in code set cs. mode is the
-  /// byte order of its 16-bit units (255: 1).
-  void MakeString(const char* text, unsigned char cs, short n, unsigned char mode);
-  /// Puts srcLen characters from srcStart of src (in srcCodeSet), repeat times, at
-  /// destPos. buildMode: 1 overwrites, 2 inserts, 3 composes (keeps what stands
-  /// before destPos, drops the rest). src may be the string's own text.
+  /// byte order of its 16-bit units (255: 1). A null text or n 0 leaves no buffer.
+  void MakeString(const char* text, unsigned char cs, short n = -1, unsigned char mode = 255);
+  /// Puts srcLen characters from srcStart of src (in srcCodeSet) at destPos; with
+  /// repeat other than 1, that many copies of the first character of src. buildMode:
+  /// 1 overwrites, 2 inserts, 3 composes (keeps what stands before destPos, drops the
+  /// rest). src may be the string's own text. Nothing happens when it is to overwrite
+  /// or insert outside the text, or puts an empty text there.
   void BuildString(const char* src, unsigned char srcCodeSet, unsigned short destPos, unsigned short srcStart,
                    unsigned short srcLen, unsigned short repeat, unsigned short buildMode,
                    unsigned char byteOrder);
@@ -240,11 +249,13 @@ NX_API int NxSplitList(NxString& list, NxString& item, const NxString& separator
 NX_API void NxMemCpy(char* dst, char* src, short width, unsigned char byteOrder, unsigned long bytes);
 
 /// Converts a whole text between code sets into a new buffer, released with
-/// delete[]. Returns its size in bytes. len and byteOrder are not read.
+/// delete[]. Returns its size in bytes. len and byteOrder are not read. A text whose
+/// size 16 bits cannot say is reported ("String overflow") and cut.
 NX_API unsigned short AllocMapped(unsigned char srcCodeSet, unsigned char dstCodeSet, char* src, char*& out,
                                   unsigned short len, unsigned char byteOrder);
 /// Converts at most n (-1: all) characters into buffer, which is replaced when its
-/// size is too small. Returns the characters converted.
+/// size is too small for n. Returns the characters converted; 0 with the buffer as it
+/// was after an overflow.
 NX_API int AllocMappedN(unsigned char srcCodeSet, unsigned char dstCodeSet, char* src, short n, char*& buffer,
                         unsigned short& size);
 

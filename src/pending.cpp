@@ -7,24 +7,6 @@
 #include "nxtypfmt.h"
 #include "nxtyphash.h"
 
-// NxString: life cycle, images, string arrays.
-void* NxStringCreate(unsigned long) { return nullptr; }
-int NxStringDelete(void*, unsigned long) { return 0; }
-void NxStringConstructor(void*, unsigned long, unsigned long) {}
-void NxStringDestructor(void*, unsigned long, unsigned long) {}
-void NxStringAssignment(void*, void*, unsigned long, int) {}
-void NxStringCopy(void*, void*, unsigned long, int) {}
-void* NxStringDefaultValue(unsigned long, int) { return nullptr; }
-int StringStore(void*, const void*, unsigned char, unsigned long) { return 0; }
-int StringLoad(void*, const void*, unsigned char, unsigned long) { return 0; }
-int StringNullSizeGet(unsigned long) { return 0; }
-int StringSizeGet(const void*, unsigned char, unsigned char, unsigned long) { return 0; }
-int StringSizeGetFromMemFile(MemFile*, unsigned char, unsigned long) { return 0; }
-int StringOldStore(void*, const void*, unsigned char, unsigned long) { return 0; }
-int StringOldSizeGet(const void*, unsigned char, unsigned char, unsigned long) { return 0; }
-int StringOldSizeGetFromMemFile(MemFile*, unsigned char, unsigned long) { return 0; }
-NxTypeConvertData* NxStringConvertToNxString(void*, unsigned long) { return nullptr; }
-void* NxStringConvertFromNxString(NxTypeConvertData*, unsigned long) { return nullptr; }
 
 // NxString: comparison and hashing.
 long StringCompare(unsigned char, unsigned long, void*, unsigned long, void*, unsigned short, unsigned long,

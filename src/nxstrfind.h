@@ -1,0 +1,14 @@
+// Searching in 32 bits: NxString::Find answers a signed 16-bit position, which is
+// negative for the second half of a long text.
+#ifndef NXSTRFIND_H
+#define NXSTRFIND_H
+
+#include "nxstring.h"
+#include "nxtypcmp.h"
+
+inline constexpr long kNotFound = -1;
+
+/// Position of the first match of pattern at or after start, or kNotFound.
+long NxFindText(const NxString& s, const NxString& pattern, unsigned long start, unsigned short op);
+
+#endif
