@@ -21,6 +21,13 @@ NX_API const char* NxDescribeDll(int* major, int* minor, int* build, int* patch,
 /// title and the version text. The texts are static.
 NX_API void GetNxTypeMgrInfo(const char** compilerName, int* compilerNumber, const char** versionInfo,
                              const char** buildDate, const char** shortName);
+
+/// What the functions tell: title, short name, build date, compiler.
+extern NX_API const char* DLLtitle;
+extern NX_API const char* DLLname;
+extern NX_API const char* DLLdate;
+extern NX_API const char* DLLcompilerName;
+extern NX_API int DLLcompilerNum;
 }
 
 #endif

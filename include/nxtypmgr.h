@@ -241,8 +241,17 @@ class NX_API NxTypeMgr {
   unsigned short factory;  // the effective database format number
 
  private:
+  /// The record of an identifier, or null when there is none.
+  NxTypeTab* Find(char id) const;
+  /// The same with the illegal type's for none.
   NxTypeTab& Record(char id) const;
+  void AssignEmptyText(char id, void* value);
 };
 static_assert(sizeof(NxTypeMgr) == 8, "a table pointer and a format number");
+
+/// What GetNullPrintString hands out; "{NULL}" when the library is loaded.
+extern NX_API NxString __NullPrintString;
+/// "0": what a type scans to be made null when it knows no other way.
+extern NX_API NxString SourceZeroString;
 
 #endif

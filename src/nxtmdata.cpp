@@ -1,0 +1,37 @@
+// The library's context: the default type manager, which start-up makes and shutdown
+// releases, and the options word.
+
+#include "nxtmdata.h"
+
+#include <new>
+
+#include "nxbase.h"
+#include "nxlang.h"
+#include "nxtypmgr.h"
+
+namespace {
+
+constexpr unsigned long kCurrentFactory = 5;
+
+NxTypeMgr* def_tmgr = nullptr;
+unsigned long typeMgrOptions = 0;
+
+}  // namespace
+
+NxTypeMgr* DefaultTypeMgr(NxTypeMgr* mgr) {
+  if (mgr) def_tmgr = mgr;
+  return def_tmgr;
+}
+
+void ___NxTypemgrContext(int start) {
+  ___NxI18NContext(start);
+  if (start == 0) {
+    delete def_tmgr;
+    def_tmgr = nullptr;
+    return;
+  }
+  def_tmgr = new (std::nothrow) NxTypeMgr(kCurrentFactory);
+  if (!def_tmgr) NxCallMemoryHandler(sizeof(NxTypeMgr));
+}
+
+unsigned long* ___NxTypeMgrOptions() { return &typeMgrOptions; }

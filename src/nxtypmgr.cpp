@@ -1,0 +1,323 @@
+// The type manager: finds the record of a type identifier and calls its slots; and
+// the few operations that are more than one call (printing arrays, making values
+// null, one text for many values).
+
+#include "nxtypmgr.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "nxconv.h"
+#include "nxstring.h"
+#include "nxtypcmp.h"
+#include "nxtypes.h"
+#include "nxtypfmt.h"
+
+NxString __NullPrintString("{NULL}");
+NxString SourceZeroString("0");
+
+namespace {
+
+constexpr unsigned long kLastEarlyFactory = 3;
+constexpr unsigned long kLastFactory = 10;
+
+/// The place in the table that an identifier names. May lie outside every table.
+int TableIndex(char id) {
+  const int number = static_cast<signed char>(id);
+  return number < kIllegalTypeId ? number : std::min(number - 60, kIllegalTypeIndex);
+}
+
+}  // namespace
+
+NxTypeMgr::NxTypeMgr(unsigned long factory) { SetFactory(factory); }
+
+void NxTypeMgr::SetFactory(unsigned long number) {
+  if (number == kLastFactory + 1)
+    number = kLastEarlyFactory;
+  else if (number > kLastFactory)
+    number = kLastEarlyFactory + 1;
+  factory = static_cast<unsigned short>(number);
+  table = number <= kLastEarlyFactory ? NxOldtypetab : NxNewtypetab;
+}
+
+NxTypeTab* NxTypeMgr::Find(char id) const {
+  const int index = TableIndex(id);
+  const int count = table == NxOldtypetab ? kOldTypeCount : kTypeCount;
+  return index >= 0 && index < count ? table[index] : nullptr;
+}
+
+NxTypeTab& NxTypeMgr::Record(char id) const {
+  NxTypeTab* record = Find(id);
+  return record ? *record : NxIllegalTab;
+}
+
+// ---------------------------------------------------------------------------
+// Identification and sizes
+
+int NxTypeMgr::IsValidType(char id) {
+  const int index = TableIndex(id);
+  return index >= 0 && index < static_cast<int>(kTypeCount);
+}
+
+char* NxTypeMgr::NameGet(char id, char* buffer) {
+  const char* name = Record(id).name;
+  return buffer ? std::strcpy(buffer, name) : const_cast<char*>(name);
+}
+
+int NxTypeMgr::Name2NxTypeId(const char* name, char& id) {
+  for (id = 0; const NxTypeTab* record = Find(id); ++id)
+    if (std::strcmp(record->name, name) == 0) return 0;
+  return 1;
+}
+
+unsigned short NxTypeMgr::IsFixed(char id) { return static_cast<unsigned short>(Record(id).flags >> 16); }
+
+unsigned short NxTypeMgr::MemLenGet(char id, unsigned long n) {
+  return static_cast<unsigned short>((Record(id).flags & 0xFFFF) * n);
+}
+
+int NxTypeMgr::SupportsNullValue(char id) { return Record(id).SetNull != nullptr; }
+
+void* NxTypeMgr::GetArrayElement(char id, void* base, unsigned long i, unsigned long n) {
+  const NxTypeTab* record = Find(id);
+  if (!record || (n != 0 && i >= n)) return nullptr;
+  return static_cast<char*>(base) + i * (record->flags & 0xFFFF);
+}
+
+// ---------------------------------------------------------------------------
+// Forwarding
+
+void* NxTypeMgr::Create(char id, unsigned long n) { return Record(id).Create(n); }
+
+int NxTypeMgr::Delete(char id, void* values, unsigned long n) { return Record(id).Delete(values, n); }
+
+void* NxTypeMgr::DefaultValue(char id, unsigned long n, int asNull) {
+  return Record(id).DefaultValue(n, asNull);
+}
+
+int NxTypeMgr::Store(char id, void* image, void* values, unsigned char format, unsigned long n) {
+  return Record(id).Store(image, values, format, n);
+}
+
+int NxTypeMgr::Load(char id, void* values, void* image, unsigned char format, unsigned long n) {
+  return Record(id).Load(values, image, format, n);
+}
+
+int NxTypeMgr::DiskLenGet(char id, void* p, unsigned char format, unsigned long n, unsigned char form) {
+  return Record(id).SizeGet(p, form, format, n);
+}
+
+int NxTypeMgr::DiskLenGetFromMemFile(char id, MemFile* file, unsigned char format, unsigned long n) {
+  return Record(id).SizeGetFromMemFile(file, format, n);
+}
+
+int NxTypeMgr::Translate(char id, void* dst, unsigned char dstForm, unsigned long dstLength, void* src,
+                         unsigned char srcForm, unsigned long srcLength, unsigned long n) {
+  return Record(id).Translate(dst, dstForm, dstLength, src, srcForm, srcLength, n);
+}
+
+long NxTypeMgr::Cmp(char id, void* value1, void* value2, unsigned short options, unsigned long count,
+                    unsigned char format) {
+  int error = 0;
+  return Record(id).Compare(format, 0, value1, 0, value2, options, count, error);
+}
+
+long NxTypeMgr::Cmp(char id, unsigned long len1, void* value1, unsigned long len2, void* value2,
+                    unsigned short options, unsigned long count, unsigned char format, int& error) {
+  return Record(id).Compare(format, len1, value1, len2, value2, options, count, error);
+}
+
+float NxTypeMgr::EvalAndBound(char id, NxIdxBounds* indexRange, unsigned short& relation, void* key,
+                              unsigned char format, unsigned long count, NxIdxBounds* bounds, NxEvalData*) {
+  return Record(id).EvalAndBound(indexRange, relation, key, format, count, bounds);
+}
+
+unsigned long NxTypeMgr::Hash(char id, unsigned long len, void* value, unsigned long count,
+                              unsigned char format, int& error) {
+  return Record(id).Hash(format, len, value, count, error);
+}
+
+int NxTypeMgr::IsNullValue(char id, void* value) { return Record(id).IsNull(value); }
+
+int NxTypeMgr::DiskIsNullValue(char, void*) { return kNotPossible; }
+
+void* NxTypeMgr::ScanFromNxString(char id, void* values, NxString& text, const char* format,
+                                  unsigned long n) {
+  const NxTypeTab& record = Record(id);
+  if (!record.ScanFromNxString) return values;
+  return record.ScanFromNxString(values, text, format ? format : record.format, n);
+}
+
+NxTypeConvertData* NxTypeMgr::ConvertTo(char id, void* values, unsigned long n) {
+  const NxTypeTab& record = Record(id);
+  if (!record.ConvertToNxString) return nullptr;
+  NxTypeConvertData* strings = record.ConvertToNxString(values, n);
+  if (strings) strings->mgr = this;
+  return strings;
+}
+
+void* NxTypeMgr::ConvertFrom(char id, NxTypeConvertData* strings, unsigned long n) {
+  if (strings) strings->mgr = this;
+  const NxTypeTab& record = Record(id);
+  return record.ConvertFromNxString ? record.ConvertFromNxString(strings, n) : nullptr;
+}
+
+// ---------------------------------------------------------------------------
+// Text and null values
+
+NxString& NxTypeMgr::GetNullPrintString() { return __NullPrintString; }
+
+NxString& NxTypeMgr::SetNullPrintString(const NxString& text) { return __NullPrintString = text; }
+
+NxString& NxTypeMgr::PrintToNxString(char id, NxString& out, void* values, const char* format,
+                                     unsigned long n) {
+  const NxTypeTab& record = Record(id);
+  const PrintFunc print = record.PrintToNxString;
+  if (!print) return out;
+  if (!format) format = record.format;
+  // The chars of an array are one text.
+  if (n < 2 || print == CharPrintToNxString) return print(out, values, format, n);
+  const NxString separator(",");
+  for (unsigned long i = 0; i < n; ++i) {
+    NxString element;
+    if (i != 0) out += separator;
+    out += print(element, GetArrayElement(id, values, i, n), format, 1);
+  }
+  return out;
+}
+
+int NxTypeMgr::SetNullValue(char id, void* value) {
+  const NxTypeTab& record = Record(id);
+  if (record.SetNull) {
+    const int result = record.SetNull(value);
+    if (result != kNotPossible) return result;
+  }
+  if (record.Assignment) {
+    AssignEmptyText(id, value);
+  } else if (record.ScanFromNxString) {
+    record.ScanFromNxString(value, SourceZeroString, record.format, 1);
+  }
+  return 0;
+}
+
+void NxTypeMgr::AssignEmptyText(char id, void* value) {
+  const NxTypeTab& record = Record(id);
+  NxTypeConvertData empty(kStringTypeId, 1, Record(kStringTypeId).Create(1), nullptr);
+  void* converted = ConvertFrom(id, &empty, 1);
+  if (!converted) return;
+  record.Assignment(value, converted, 1, 1);
+  record.Delete(converted, 1);
+}
+
+// ---------------------------------------------------------------------------
+// One text for many values
+
+namespace {
+
+constexpr unsigned short kNotFound = 65535;
+
+/// Where the separator stands in text from pos on; kNotFound for nowhere.
+unsigned short FindSeparator(const NxString& text, const NxString& separator, unsigned short pos) {
+  return static_cast<unsigned short>(text.Find(separator, pos, kWildcardsOff));
+}
+
+bool AnyContains(NxTypeConvertData& strings, const NxString& separator) {
+  int i = 0;
+  while (const NxString* s = strings.GetString(i++))
+    if (FindSeparator(*s, separator, 0) != kNotFound) return true;
+  return false;
+}
+
+/// The first character that occurs in no string; "," when all occur.
+NxString UnusedSeparator(NxTypeConvertData& strings) {
+  for (int code = 1; code < 255; ++code) {
+    NxString separator(static_cast<char>(code));
+    if (!AnyContains(strings, separator)) return separator;
+  }
+  return NxString(",");
+}
+
+/// The parts of text between separators, as an array of `count` strings; text keeps
+/// what follows the last separator. The part behind it stays empty.
+NxString* SplitParts(NxString& text, const NxString& separator, unsigned long& count) {
+  unsigned short pos = 0;
+  count = 1;
+  for (unsigned short at; (at = FindSeparator(text, separator, pos)) != kNotFound; ++count) pos = at + 1;
+
+  auto* parts = static_cast<NxString*>(NxStringCreate(count));
+  if (!parts) return nullptr;
+  pos = 0;
+  for (unsigned long i = 0; i + 1 < count; ++i) {
+    const unsigned short at = FindSeparator(text, separator, pos);
+    parts[i] = text.Copy(pos, static_cast<short>(at - pos));
+    pos = at + 1;
+  }
+  text.Cut(0, static_cast<short>(pos));
+  return parts;
+}
+
+}  // namespace
+
+NxString* NxTypeMgr::ConvertToNxStringOld(void* values, char id, unsigned long n) {
+  NxTypeConvertData* strings = ConvertTo(id, values, n);
+  if (!strings) return nullptr;
+  const NxString separator = UnusedSeparator(*strings);
+  auto* text = static_cast<NxString*>(NxStringCreate(1));
+  for (unsigned long i = 0; text && i < n; ++i) {
+    if (const NxString* s = strings->GetString(static_cast<int>(i))) *text += *s;
+    *text += separator;
+  }
+  delete strings;
+  return text;
+}
+
+void* NxTypeMgr::ConvertFromNxStringOld(NxString* text, char id, unsigned long n) {
+  const NxString separator = text->IsEmpty() ? NxString(",") : text->Right(1);
+  unsigned long count;
+  NxString* parts = SplitParts(*text, separator, count);
+  if (!parts) return nullptr;
+  NxTypeConvertData record(kStringTypeId, count, parts, this);
+  return ConvertFrom(id, &record, n);
+}
+
+// ---------------------------------------------------------------------------
+// Slots
+
+namespace {
+
+/// Answers what the slot held, and puts value there unless it is null.
+template <class T>
+T Exchange(T& slot, T value) {
+  T before = slot;
+  if (value) slot = value;
+  return before;
+}
+
+}  // namespace
+
+NxTypeMgr::StoreFunc NxTypeMgr::StorePtrGet(char id) { return Record(id).Store; }
+NxTypeMgr::LoadFunc NxTypeMgr::LoadPtrGet(char id) { return Record(id).Load; }
+NxTypeMgr::CompareFunc NxTypeMgr::CmpFuncPtrGet(char id) { return Record(id).Compare; }
+NxTypeMgr::PlaceFunc NxTypeMgr::ConstructorPtrGet(char id) { return Record(id).Constructor; }
+NxTypeMgr::PlaceFunc NxTypeMgr::DestructorPtrGet(char id) { return Record(id).Destructor; }
+NxTypeMgr::CopyFunc NxTypeMgr::AssignmentPtrGet(char id) { return Record(id).Assignment; }
+NxTypeMgr::CopyFunc NxTypeMgr::CopyPtrGet(char id) { return Record(id).Copy; }
+NxTypeMgr::NullFunc NxTypeMgr::IsNullPtrGet(char id) { return Record(id).IsNull; }
+NxTypeMgr::NullFunc NxTypeMgr::SetNullPtrGet(char id) { return Record(id).SetNull; }
+NxTypeMgr::CompareFunc NxTypeMgr::ComparePtrGet(char) { return nullptr; }
+
+const char* NxTypeMgr::ExchangeFormat(char id, const char* format) {
+  return Exchange(Record(id).format, format);
+}
+
+NxTypeMgr::CompareFunc NxTypeMgr::ExchangeNxTypeCmpFunc(char id, CompareFunc function) {
+  return Exchange(Record(id).Compare, function);
+}
+
+NxTypeMgr::PrintFunc NxTypeMgr::ExchangePrintToNxStringFunc(char id, PrintFunc function) {
+  return Exchange(Record(id).PrintToNxString, function);
+}
+
+NxTypeMgr::ScanFunc NxTypeMgr::ExchangeScanFromNxStringFunc(char id, ScanFunc function) {
+  return Exchange(Record(id).ScanFromNxString, function);
+}
