@@ -8,26 +8,6 @@
 #include "nxtyphash.h"
 
 
-// NxString: comparison and hashing.
-long StringCompare(unsigned char, unsigned long, void*, unsigned long, void*, unsigned short, unsigned long,
-                   int& error) {
-  error = 0;
-  return 0;
-}
-long StringOldCompare(unsigned char, unsigned long, void*, unsigned long, void*, unsigned short,
-                      unsigned long, int& error) {
-  error = 0;
-  return 0;
-}
-unsigned long StringHash(unsigned char, unsigned long, void*, unsigned long, int& error) {
-  error = 0;
-  return 0;
-}
-unsigned long StringOldHash(unsigned char, unsigned long, void*, unsigned long, int& error) {
-  error = 0;
-  return 0;
-}
-
 // NxIString.
 void* NxIStringCreate(unsigned long) { return nullptr; }
 int NxIStringDelete(void*, unsigned long) { return 0; }

@@ -1,0 +1,194 @@
+// The comparison of two texts level by level, as NxStrCmp needs it: the algorithm
+// itself, which is the truth, and the tables and the plain walk that stand before it
+// where the characters allow.
+#ifndef NXSTRCMP_H
+#define NXSTRCMP_H
+
+#include <cstring>
+#include <limits>
+#include <memory>
+
+#include "nxlang.h"
+#include "nxstritr.h"
+#include "nxtypcmp.h"
+
+/// The character of a text at p, which needs no alignment.
+template <class Unit>
+unsigned NxUnitAt(const char* p) {
+  Unit unit;
+  std::memcpy(&unit, p, sizeof unit);
+  return unit;
+}
+
+/// How each of the first 256 characters of a code set orders in one language. Tables
+/// are built when first asked for and never change.
+class NxOrderTable {
+ public:
+  // Marks in bits that no compare key of these characters uses.
+  static constexpr unsigned kNotPlain = 0x80;           // not a digit or letter of its own
+  static constexpr unsigned kNeedsIterator = 0x800000;  // several characters or order values are involved
+  static constexpr unsigned kMarks = kNotPlain | kNeedsIterator;
+
+  struct Entry {
+    unsigned key;  // compare key and marks
+    unsigned short order;
+    unsigned char selector;
+  };
+
+  /// The table of a code set and language, or null when none is kept for them.
+  static const NxOrderTable* Find(unsigned char codeSet, unsigned char language);
+
+  Entry entries[256];
+
+ private:
+  void Build(unsigned char codeSet, unsigned char language);
+};
+
+/// Reads a text as collation order values with their compare keys. A table spares the
+/// iterator most characters; it must be that of the text's code set and language, and
+/// collation selectors must be updated while reading.
+class NxOrderReader {
+ public:
+  NxOrderReader() = default;
+  NxOrderReader(const char* text, unsigned char codeSet, unsigned char language, unsigned char byteOrder,
+                const NxOrderTable* table)
+      : it(text, codeSet, language, byteOrder), table_(table) {}
+
+  /// Reads the next order value; 0 at the end, where the reader stays.
+  void Next(unsigned short updateCollation) {
+    if (!table_ || !TakeFromTable()) TakeFromIterator(updateCollation);
+  }
+  void TakeEnd() { order = 0, key = 0; }
+
+  NxStringIterator it;
+  unsigned short order = 0;  // what was read last
+  unsigned key = 0;          //
+
+ private:
+  bool TakeFromTable();
+  void TakeFromIterator(unsigned short updateCollation);
+
+  const NxOrderTable* table_ = nullptr;
+};
+
+/// A text to be compared.
+struct NxComparedText {
+  unsigned char codeSet;
+  unsigned char language;
+  const char* text;
+};
+
+/// The level comparison with wildcards.
+///
+/// A digit, letter or HAN character is significant, a space or symbol ignorable; pairs
+/// of significant characters decide by base letter at once, and by accent, case and
+/// ignorable characters when the texts end without such a difference. While a "*" is
+/// pending each character of the text stands for itself, and the pattern's part after
+/// the star is matched from every place where it can begin: the earliest of them is
+/// the match that goes on, the later ones are nodes of a list.
+class ProcessCharInfo {
+ public:
+  static constexpr unsigned short kFirst = 0;   // sides of ProcessChar: the text
+  static constexpr unsigned short kSecond = 1;  // the text compared with, or pattern
+  static constexpr unsigned short kNode = 2;    // the node that is being advanced
+  static constexpr unsigned kNoLimit = std::numeric_limits<unsigned>::max();
+
+  /// A place in one of the texts.
+  struct Side {
+    NxOrderReader reader;
+    unsigned count = 0;            // characters read
+    unsigned short ignorable = 0;  // the ignorable character of this advance
+  };
+
+  ProcessCharInfo(const NxOrderReader& first, const NxOrderReader& second, unsigned short op, short len,
+                  int* outPos);
+
+  int Run() {
+    while (!Round()) {
+    }
+    return Result();
+  }
+  /// Compares one pair of characters; true at the end of the comparison.
+  bool Round();
+  /// What the levels say when the rounds have ended.
+  int Result() const;
+
+  /// Reads a side up to the next character to be compared or recorded. 1 when that is
+  /// an ignorable one that counts, else 0; `stop` is set at a wildcard.
+  unsigned short ProcessChar(unsigned short side, unsigned short updateCollation, unsigned short& stop);
+
+  bool IsStarPending() const { return pending_ != 0; }
+
+  Side first;
+  Side second;
+  int primary = 0;     // the running result
+  int accent = 0;      // difference of the last pair that differs in it
+  int letterCase = 0;  // difference of the first pair that differs in it
+  int ignorable = 0;   // difference of the last step that has one
+
+ private:
+  /// A place of the pattern from which the match can go on.
+  struct Restart {
+    Side side;
+    int accent = 0;
+    int letterCase = 0;
+  };
+
+  void Advance();
+  void AddNode();
+  bool PassAsterisks();
+  void AdvanceNodes();
+  void TakeLevels();
+  void MoveMatch();
+  void Report() const;
+  bool IsIgnored(unsigned short bit) const { return (op_ & bit) != 0; }
+  unsigned MaskedKey(const Side& side) const { return side.reader.key & mask_; }
+
+  const unsigned short op_;
+  const short len_;
+  const unsigned limit_;  // characters read per side
+  int* const outPos_;
+  const bool wildcards_;
+  const unsigned short update_;  // collation selectors follow the text
+  const unsigned short asterisk_;
+  const unsigned short question_;
+  const unsigned mask_;  // what counts of a key after a star
+
+  Side* node_ = nullptr;   // side kNode of ProcessChar
+  int stepIgnorable_ = 0;  // difference of the ignorable characters of this advance
+  unsigned pending_ = 0;   // masked key of the first character after the star
+  bool pendingQuestion_ = false;
+  Restart afterStar_;
+
+  std::unique_ptr<Restart[]> nodes_;  // in order of their making
+  unsigned nodeHead_ = 0;
+  unsigned nodeEnd_ = 0;
+  unsigned nodeCapacity_ = 0;
+};
+
+/// The three differences of a pair of compare keys.
+inline int NxPrimaryDifference(unsigned k0, unsigned k1) {
+  return static_cast<int>((k0 & ~127u) - (k1 & ~127u));
+}
+inline int NxAccentDifference(unsigned k0, unsigned k1) {
+  return static_cast<int>((k0 & ~96u) - (k1 & ~96u));
+}
+/// Lower case sorts first, though its key is the greater.
+inline int NxCaseDifference(unsigned k0, unsigned k1) { return static_cast<int>((k1 & ~31u) - (k0 & ~31u)); }
+/// What counts of a compare key where a pattern is matched after a star.
+constexpr unsigned NxWildcardKeyMask(unsigned short op) {
+  return ~((op & kIgnoreAccents ? 31u : 0u) | (op & kIgnoreCase ? 96u : 0u));
+}
+
+/// The comparison for texts of one width that have tables, which leaves to the level
+/// comparison only what needs it. False, with `result` unset, where it cannot serve.
+/// The code sets are not 0 and the texts not null.
+bool NxComparePlain(const NxComparedText& a, const NxComparedText& b, unsigned short op, short len,
+                    unsigned char byteOrder, int* outPos, int& result);
+
+/// NxStrCmp by the level comparison alone, without tables.
+int NxStrCmpGeneral(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2,
+                    unsigned char lang2, const char* s2, unsigned short op, short len,
+                    unsigned char byteOrder, int* outPos);
+
+#endif
