@@ -19,5 +19,7 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/nx21RtmsConfigVersion.cm
 install(FILES "${PROJECT_BINARY_DIR}/nx21RtmsConfig.cmake" "${PROJECT_BINARY_DIR}/nx21RtmsConfigVersion.cmake"
         DESTINATION ${packageDir})
 
+# The file finds the prefix from its own place, so that the installed tree can be moved.
+file(RELATIVE_PATH pcToPrefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/nx21Rtms.pc.in" "${PROJECT_BINARY_DIR}/nx21Rtms.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/nx21Rtms.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -9,14 +9,17 @@
 
 namespace {
 
-bool SwapsBytes(unsigned char format) { return (format & kFormatCodeMask) == kFormatBigEndian; }
+template <unsigned Width>
+bool SwapsBytes(unsigned char format) {
+  return Width > 1 && (format & kFormatCodeMask) == kFormatBigEndian;
+}
 
 template <unsigned Width>
 __attribute__((noinline)) int ConvertArray(void* dst, const void* src, unsigned char format,
                                            unsigned long n) {
   const unsigned long bytes = n * Width;
-  if (SwapsBytes(format)) {
-    SwapArray<Width>(dst, src, n);
+  if (SwapsBytes<Width>(format)) {
+    if constexpr (Width > 1) SwapArray<Width>(dst, src, n);
   } else if (bytes != 0 && dst != src) {
     std::memcpy(dst, src, bytes);
   }
@@ -30,7 +33,7 @@ inline int Convert(void* dst, const void* src, unsigned char format, unsigned lo
   if (n != 1) return ConvertArray<Width>(dst, src, format, n);
   using Value = typename UintOf<Width>::Type;
   const Value value = ReadValue<Value>(src);
-  WriteValue(dst, SwapsBytes(format) ? Swapped(value) : value);
+  WriteValue(dst, SwapsBytes<Width>(format) ? Swapped(value) : value);
   return Width;
 }
 
@@ -41,8 +44,8 @@ constexpr int StoredSize(unsigned long n) {
 
 }  // namespace
 
-int CharStore(void* dst, const void* src, unsigned char /*format*/, unsigned long n) {
-  return Convert<1>(dst, src, kFormatNative, n);
+int CharStore(void* dst, const void* src, unsigned char format, unsigned long n) {
+  return Convert<1>(dst, src, format, n);
 }
 int ShortStore(void* dst, const void* src, unsigned char format, unsigned long n) {
   return Convert<sizeof(short)>(dst, src, format, n);
