@@ -16,6 +16,7 @@
 #include <cstddef>
 
 #include "nxapi.h"
+#include "nxcalendar.h"
 
 class NxString;
 
@@ -24,7 +25,7 @@ class NX_API NxDate {
   /// Today's local date.
   NxDate();
   /// The date of a day number.
-  NxDate(long dayNumber);
+  NxDate(long dayNumber) { dateabs(dayNumber); }
   NxDate(const NxDate& d) = default;
   NxDate& operator=(const NxDate& d) = default;
 
@@ -67,12 +68,17 @@ class NX_API NxDate {
   int IsDate() const;
   int IsLastDayOfTheMonth() const;
   /// The day number.
-  long dayabs() const;
+  long dayabs() const { return NxCalendar::DayNumber(year, month, day); }
   operator long() const { return dayabs(); }
   /// Days to the first day of the next month: 1 on the last day of a month.
   long daynxtmonth() const;
   /// Becomes the date of a day number.
-  void dateabs(long dayNumber);
+  void dateabs(long dayNumber) {
+    const NxCalendar::CivilDate date = NxCalendar::DateOf(dayNumber);
+    year = date.year;
+    month = date.month;
+    day = date.day;
+  }
   /// Quotient towards zero. b is not 0.
   long divide(long a, long b) const;
   /// |a| mod |b|, negated when the signs of a and b differ. b is not 0.

@@ -52,10 +52,14 @@ class NX_API NxInt64 {
   NxInt64 operator-(const NxInt64& v) const { return FromBits(Bits() - v.Bits()); }
   NxInt64 operator*(const NxInt64& v) const { return FromBits(Bits() * v.Bits()); }
   /// Division by zero is reported and gives 0.
-  NxInt64 operator/(const NxInt64& v) const { return Division(v, 0); }
+  NxInt64 operator/(const NxInt64& v) const {
+    return v.IsPlainDivisor() ? FromWide(Wide() / v.Wide()) : Division(v, 0);
+  }
   /// The remainder has the sign of this value. By zero: reported, 0 (the lowest
   /// value gives -1).
-  NxInt64 operator%(const NxInt64& v) const { return Division(v, 1); }
+  NxInt64 operator%(const NxInt64& v) const {
+    return v.IsPlainDivisor() ? FromWide(Wide() % v.Wide()) : Division(v, 1);
+  }
   NxInt64 operator|(const NxInt64& v) const { return FromBits(Bits() | v.Bits()); }
   NxInt64 operator&(const NxInt64& v) const { return FromBits(Bits() & v.Bits()); }
   NxInt64 operator-() const { return FromBits(0 - Bits()); }
@@ -97,6 +101,8 @@ class NX_API NxInt64 {
   unsigned long long Bits() const {
     return static_cast<unsigned long long>(static_cast<unsigned long>(high)) << 32 | low;
   }
+  /// True for all but 0 and -1, by which the lowest value cannot be divided as it is.
+  bool IsPlainDivisor() const { return Bits() + 1 > 1; }
   static NxInt64 FromBits(unsigned long long bits) {
     return NxInt64(static_cast<unsigned long>(bits), static_cast<long>(bits >> 32));
   }

@@ -4,7 +4,6 @@
 #include "nxcomp.h"
 
 #include "nxbase.h"
-#include "nxcalendar.h"
 #include "nxstring.h"
 
 const char* const nx_months[12] = {"Januar", "Februar", "March",     "April",   "May",      "June",
@@ -57,8 +56,6 @@ void Carry(NxTime& t) {
 
 NxDate::NxDate() { Today(); }
 
-NxDate::NxDate(long dayNumber) { dateabs(dayNumber); }
-
 NxDate& NxDate::Today() {
   bdate today = {};
   bksgetdate(&today);
@@ -99,16 +96,7 @@ int NxDate::IsDate() const { return day >= 1 && day <= 31 && month >= 1 && month
 
 int NxDate::IsLastDayOfTheMonth() const { return daynxtmonth() == 1; }
 
-long NxDate::dayabs() const { return NxCalendar::DayNumber(year, month, day); }
-
 long NxDate::daynxtmonth() const { return NxCalendar::DayNumber(year, month + 1, 1) - dayabs(); }
-
-void NxDate::dateabs(long dayNumber) {
-  const NxCalendar::CivilDate date = NxCalendar::DateOf(dayNumber);
-  year = date.year;
-  month = date.month;
-  day = date.day;
-}
 
 long NxDate::divide(long a, long b) const {
   const unsigned long quotient = Magnitude(a) / Magnitude(b);

@@ -59,11 +59,8 @@ NxInt64 NxInt64::Division(const NxInt64& b, int wantRemainder) const {
     // The lowest value is divided as the value next to it and corrected by one.
     return wantRemainder && Bits() == kLowest ? NxInt64(-1) : NxInt64();
   }
-  const unsigned long long dividend = Abs().Bits();
-  const unsigned long long divisor = b.Abs().Bits();
-  const bool negative = wantRemainder ? high < 0 : (high ^ b.high) < 0;
-  const unsigned long long magnitude = wantRemainder ? dividend % divisor : dividend / divisor;
-  return FromBits(negative ? 0 - magnitude : magnitude);
+  if (b.Wide() == -1) return wantRemainder ? NxInt64() : -*this;
+  return FromWide(wantRemainder ? Wide() % b.Wide() : Wide() / b.Wide());
 }
 
 NxString& NxInt64::PrintToNxString(NxString& out, const char* format) const {

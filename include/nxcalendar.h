@@ -1,0 +1,110 @@
+/// The calendar as arithmetic: day numbers (Julian Day Numbers of the proleptic
+/// Gregorian calendar) from dates, dates from day numbers, weekdays.
+///
+///   NxCalendar::DayNumber(2000, 1, 1);   // 2451545
+///   NxCalendar::DateOf(2451545);         // {2000, 1, 1}
+///   NxCalendar::Weekday(2000, 1, 1);     // 5: Saturday
+///
+/// Fields outside a valid date are computed as they come.
+#ifndef NXCALENDAR_H
+#define NXCALENDAR_H
+
+namespace NxCalendar {
+
+struct CivilDate {
+  short year;         // astronomical
+  signed char month;  // [1:12]
+  signed char day;    // [1:31]
+};
+
+inline constexpr long kFirstYear = -4800;    // the first of the 400-year cycle that holds day 0
+inline constexpr long kFirstMarch = -32044;  // day number of its first of March
+inline constexpr long kLastDay = 13689325;   // 32767-12-31
+
+/// -1 for January and February, which close the year that begins with March; 0 for
+/// the other months of a valid date.
+constexpr long YearShift(long month) { return (month - 14) / 12; }
+
+/// DayNumber for any fields. All divisions truncate towards zero. Kept out of line, as
+/// loops over dates would otherwise compute both ways.
+[[gnu::noinline]] constexpr long GeneralDayNumber(long year, long month, long day) {
+  const long shift = YearShift(month);
+  const long y = year + shift + 4800;
+  return 1461 * y / 4 + day - 32075 + (367 * (month - 12 * shift) - 734) / 12 - 3 * ((y + 100) / 100) / 4;
+}
+
+/// The day number of a date. Month 13 counts as January of the next year. The
+/// arguments have the range of the fields of a date (one more for the month).
+constexpr long DayNumber(long year, long month, long day) {
+  if (year <= kFirstYear || month < 1 || month > 13) return GeneralDayNumber(year, month, day);
+  // Nothing is negative here: shifts do for most divisions. The months from March (3)
+  // on begin 0, 31, 61, 92 ... days into their year.
+  const bool early = month <= 2;
+  const unsigned long y = static_cast<unsigned long>(year - kFirstYear) - early;
+  const unsigned long m = static_cast<unsigned long>(month) + (early ? 12 : 0);
+  const unsigned long century = y / 100;
+  return static_cast<long>((1461 * y >> 2) - century + (century >> 2) + ((979 * m - 2919) >> 5)) + day - 1 +
+         kFirstMarch;
+}
+
+/// Sum and product that wrap in 32 bits, as day numbers far beyond any date do.
+constexpr long WrapAdd(long a, long b) {
+  return static_cast<long>(static_cast<unsigned long>(a) + static_cast<unsigned long>(b));
+}
+constexpr long WrapMul(long a, long b) {
+  return static_cast<long>(static_cast<unsigned long>(a) * static_cast<unsigned long>(b));
+}
+
+/// DateOf for any number. All divisions truncate towards zero.
+[[gnu::noinline]] constexpr CivilDate GeneralDateOf(long dayNumber) {
+  long l = WrapAdd(dayNumber, 68569);
+  const long n = WrapMul(4, l) / 146097;
+  l = WrapAdd(l, -(WrapAdd(WrapMul(146097, n), 3) / 4));
+  const long i = WrapMul(4000, WrapAdd(l, 1)) / 1461001;
+  l = WrapAdd(WrapAdd(l, -(WrapMul(1461, i) / 4)), 31);
+  const long j = WrapMul(80, l) / 2447;
+  const long day = WrapAdd(l, -(WrapMul(2447, j) / 80));
+  l = j / 11;
+  return {static_cast<short>(100 * n + i + l - 4900), static_cast<signed char>(j + 2 - 12 * l),
+          static_cast<signed char>(day)};
+}
+
+/// The date of a day number: the inverse of DayNumber for every date from day 0 to the
+/// last of year 32767.
+constexpr CivilDate DateOf(long dayNumber) {
+  if (dayNumber < 0 || dayNumber > kLastDay) return GeneralDateOf(dayNumber);
+  // Quotients by multiplication, remainders from the low half of the product, after
+  // C. Neri and L. Schneider, "Euclidean affine functions and their application to
+  // calendar algorithms" (2023). Years begin with March here.
+  const unsigned long quarters = 4 * static_cast<unsigned long>(dayNumber - kFirstMarch) + 3;
+  const unsigned long century = quarters / 146097;
+  const unsigned long long product = 2939745ULL * (quarters % 146097 | 3);
+  const unsigned long yearOfCentury = static_cast<unsigned long>(product >> 32);
+  const unsigned long dayOfYear = static_cast<unsigned long>(product) / 2939745 / 4;
+  const unsigned long monthAndDay = 2141 * dayOfYear + 197913;
+  const bool early = dayOfYear >= 306;  // January and February of the next year
+  return {static_cast<short>(static_cast<long>(100 * century + yearOfCentury + early) + kFirstYear),
+          static_cast<signed char>((monthAndDay >> 16) - (early ? 12 : 0)),
+          static_cast<signed char>((monthAndDay & 0xFFFF) / 2141 + 1)};
+}
+
+/// 0 for Monday to 6 for Sunday, for every date from year 1 on. For earlier years a
+/// negative congruence counts as Sunday.
+constexpr int Weekday(long year, long month, long day) {
+  const long y = year + YearShift(month);
+  const long m = month + 10 - (month + 10) / 13 * 12;  // March is 1
+  const long century = y / 100;
+  const long w = (13 * m - 1) / 5 + day + 5 * (y - 100 * century) / 4 + y / 400 - 2 * century + 77;
+  long r = w % 7;
+  if (r < 0 && year > 0) r += 7;
+  return r <= 0 ? 6 : static_cast<int>(r - 1);
+}
+
+static_assert(DayNumber(2000, 1, 1) == 2451545 && DayNumber(-4713, 11, 24) == 0);
+static_assert(DayNumber(32767, 12, 31) == kLastDay &&
+              DayNumber(kFirstYear + 1, 3, 1) == GeneralDayNumber(kFirstYear + 1, 3, 1));
+static_assert(Weekday(2000, 1, 1) == 5);
+
+}  // namespace NxCalendar
+
+#endif
