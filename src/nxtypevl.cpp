@@ -14,7 +14,6 @@
 #include "nxcomp.h"
 #include "nxelement.h"
 #include "nxint64.h"
-#include "nxlang.h"
 #include "nxseal.h"
 #include "nxtypcmp.h"
 
@@ -60,12 +59,6 @@ void SetBoundaries(NxIdxBounds* bounds, void* key, unsigned short relation, unsi
   if (!bounds) return;
   if (!bounds->lower && !(relation & kRelationLess)) SetBound(bounds->lower, bounds->lowerLen, key, size);
   if (!bounds->upper && !(relation & kRelationGreater)) SetBound(bounds->upper, bounds->upperLen, key, size);
-}
-
-unsigned char CalculateCodeSet(unsigned char codeSet, unsigned char format) {
-  if (codeSet == kCodeSetOrderValues) return codeSet;
-  if (codeSet != kCodeSetNone) return format & kFormatDropCodeSet ? kCodeSetNone : codeSet;
-  return format & kFormatNativeCodeSet ? NxLanguageContext::GetNativeCodeSet() : codeSet;
 }
 
 namespace {
