@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "bs/swapbytes.h"
 #include "nxbase.h"
-#include "swapbytes.h"
 
 namespace {
 
