@@ -9,6 +9,7 @@ docs/collation.md describes what the tables mean. A change that moves any two
 texts against each other needs a higher number in NxCollationVersion().
 """
 import bisect
+import io
 import os
 import re
 import sys
@@ -49,7 +50,8 @@ MOVED = {
               'ő': (31, 0, DOUBLE_ACUTE), 'œ': (31, 0, LIGATURE), 'ü': ('y', 0, LIGATURE),
               'ű': ('y', 0, DOUBLE_ACUTE)},
     DANISH: {'æ': (29, 0, 0), 'ä': (29, 0, DIAERESIS), 'ø': (30, 0, 0), 'ö': (30, 0, DIAERESIS),
-             'ő': (30, 0, DOUBLE_ACUTE), 'å': (31, 0, 0), 'ü': ('y', 0, LIGATURE), 'ű': ('y', 0, DOUBLE_ACUTE)},
+             'ő': (30, 0, DOUBLE_ACUTE), 'å': (31, 0, 0), 'ü': ('y', 0, LIGATURE),
+             'ű': ('y', 0, DOUBLE_ACUTE)},
 }
 # Pairs of letters that are one letter: index, extension, accent.
 CONTRACTIONS = {
@@ -57,7 +59,8 @@ CONTRACTIONS = {
     DANISH: {'aa': (31, 0, LIGATURE)},
 }
 
-CODE_SETS = [('Latin1', 'latin-1'), ('Windows1252', 'cp1252'), ('Latin9', 'iso8859-15'), ('Latin2', 'iso8859-2')]
+CODE_SETS = [('Latin1', 'latin-1'), ('Windows1252', 'cp1252'), ('Latin9', 'iso8859-15'),
+             ('Latin2', 'iso8859-2')]
 
 NO_COLLATION, PLAIN_ORDER = 255, 20
 FIRST_UNLISTED = 0x250  # from here on only letters that fit the layout have records
@@ -161,11 +164,10 @@ class Letters:
         for c in own:  # the other case of a listed letter
             chosen.update(x for x in (self.u.chars[c].upper, self.u.chars[c].lower) if 0 < x < 0x10000)
         for c in sorted(self.u.chars):  # what is composed of listed letters
-            if c < 0x10000 and self.u.chars[c].category.startswith('L') and 'LATIN' in self.u.chars[c].name or \
-                    c in (0x212A, 0x212B):
-                parts = self.u.canonical(c)
-                if parts and parts[0] in chosen or self.is_ligature(c):
-                    chosen.add(c)
+            parts = self.u.canonical(c)
+            latin = 'LATIN' in self.u.chars[c].name or c in (0x212A, 0x212B)  # the signs of K and Å
+            if c < 0x10000 and latin and (self.is_ligature(c) or parts and parts[0] in chosen):
+                chosen.add(c)
         return sorted(chosen)
 
     def is_ligature(self, c):
@@ -250,6 +252,10 @@ class Letters:
             return [ord(x.upper() if upper else x) for x in letters], None
         return list(written), None
 
+    @staticmethod
+    def part_code(part):
+        return part[0] if isinstance(part, tuple) else part
+
     def part_item(self, part):
         code, marks = part if isinstance(part, tuple) else (part, ())
         cell, member, own = self.item(code)
@@ -307,7 +313,7 @@ class Letters:
             order = self.order_of(single, self.case(c))
             return order and [order]
         parts, symbol = self.parts(c)
-        values = [self.order_of(self.part_item(p), self.case(p[0] if isinstance(p, tuple) else p)) for p in parts]
+        values = [self.order_of(self.part_item(p), self.case(self.part_code(p))) for p in parts]
         if None in values:
             return None
         return values + ([FIRST_SYMBOL + SYMBOLS[symbol]] if symbol else [])
@@ -325,7 +331,7 @@ def space_orders(unicode):
 def digit_values(unicode, c):
     """A digit; superscripts and fractions are digits with expansion: ² is 2
     and a caret, ½ is 1, a solidus and 2."""
-    written = [d for d in unicode.chars[c].decomposition]
+    written = unicode.chars[c].decomposition
     if not written:
         return [FIRST_DIGIT + 10 * (c - 0x30)]
     values = [FIRST_SYMBOL + SYMBOLS['/'] if d == 0x2044 else FIRST_DIGIT + 10 * (d - 0x30) for d in written]
@@ -341,22 +347,22 @@ class Collation:
         values = {0: [0]}
         values.update((c, [order]) for c, order in space_orders(unicode).items())
         values.update((ord(c), [FIRST_SYMBOL + n]) for c, n in SYMBOLS.items())
-        values.update((c, digit_values(unicode, c)) for c in range(0x100) if unicode.chars[c].category in ('Nd', 'No'))
+        values.update((c, digit_values(unicode, c)) for c in range(0x100)
+                      if unicode.chars[c].category in ('Nd', 'No'))
         values.update(self.letters.orders)
         variants = self.variants(values)
-        self.records = {c: plain_record(v)._replace(variants=tuple(sorted(variants.get(c, {}).items())) or None)
-                        for c, v in sorted(values.items())}
+        self.records = {}
+        for c, v in sorted(values.items()):
+            own = tuple(sorted(variants.get(c, {}).items()))
+            self.records[c] = plain_record(v)._replace(variants=own or None)
 
     def variants(self, values):
         """Per character, the records that languages give it."""
         found = {}
         for language, moved in MOVED.items():
-            for c in values:
-                place = self.moved_place(c, moved)
-                if place:
-                    index, extension, accent = place
-                    order = letter_order(ascii_index(index), extension, accent, self.letters.case(c))
-                    found.setdefault(c, {})[language] = plain_record([order])
+            for c, (index, extension, accent) in self.moved_places(moved, values).items():
+                order = letter_order(index, extension, accent, self.letters.case(c))
+                found.setdefault(c, {})[language] = plain_record([order])
         for language, pairs in CONTRACTIONS.items():
             for pair, (index, extension, accent) in pairs.items():
                 for c in (pair[0], pair[0].upper()):
@@ -370,18 +376,41 @@ class Collation:
                     found.setdefault(ord(c), {})[language] = base._replace(followers=tuple(followers))
         return found
 
-    def moved_place(self, c, moved):
-        """Where a language puts c, itself a moved letter or composed of one."""
+    def moved_places(self, moved, values):
+        """Where a language puts the letters that it moves and what is composed
+        of them: character -> (index, extension, accent)."""
+        found = {c: self.moved_base(c, moved) for c in values}
+        found = {c: base for c, base in found.items() if base}
+        taken = {self.place(values[c][0]) for c in values if len(values[c]) == 1 and c not in found}
+        places, accents = {}, {}
+        for c, (letter, marks) in found.items():  # the letters themselves before what is composed of them
+            if not marks:
+                index, extension, accent = moved[letter]
+                places[c] = (ascii_index(index), extension, accent)
+        taken.update(places.values())
+        for c, (letter, marks) in found.items():
+            if marks and (letter, marks) not in accents:
+                cell = (ascii_index(moved[letter][0]), moved[letter][1])
+                named = ACCENTS.get(marks[0]) if len(marks) == 1 and moved[letter][2] == 0 else None
+                free = [a for a in range(FIRST_FREE_ACCENT, LAST_ACCENT + 1) if cell + (a,) not in taken]
+                accents[letter, marks] = cell + (named or free[0],)
+                taken.add(accents[letter, marks])
+            if marks:
+                places[c] = accents[letter, marks]
+        return places
+
+    def moved_base(self, c, moved):
+        """The moved letter that c is or is composed of, and the further marks."""
         lower = chr(self.u.chars[c].lower or c)
         if lower in moved:
-            return moved[lower]
+            return lower, ()
         parts = self.u.canonical(c)
-        place = self.moved_place(parts[0], moved) if parts else None
-        if not place:
-            return None
-        if len(parts) == 1:  # another code for the same letter
-            return place
-        return place[:2] + (ACCENTS[parts[1]] if place[2] == 0 else FIRST_FREE_ACCENT,)
+        base = self.moved_base(parts[0], moved) if parts else None
+        return base and (base[0], base[1] + parts[1:])
+
+    @staticmethod
+    def place(order):
+        return order >> 2 & 0x1F, order & 3, order >> 7 & 0x1F
 
 
 # --------------------------------------------------------------------------
@@ -449,10 +478,11 @@ class ListPool:
 
     def write(self, w):
         values = [v for entry in self.pool for v in entry]
-        w.rows('constexpr unsigned short %sValues[] = {' % self.array, ['0x%04X' % v for v in values])
+        name = self.array.rstrip('s') + 'Values'
+        w.rows('constexpr unsigned short %s[] = {' % name, ['0x%04X' % v for v in values])
         cells, at = [], 0
         for entry in self.pool:
-            cells.append('{%sValues + %d, %d}' % (self.array, at, len(entry)))
+            cells.append('{%s + %d, %d}' % (name, at, len(entry)))
             at += len(entry)
         w.rows('constexpr NxWCharList %s[] = {' % self.array, cells)
 
@@ -470,6 +500,7 @@ class RecordWriter:
                                              self.expansions.reference(record.expansion))
 
     def write(self, records, symbols):
+        """Answers how many records there are beside those of `records`."""
         contracted, heads, followers, variants = Pool(), Pool(), Pool(), Pool()
         for record in records:
             for _, variant in record.variants or ():
@@ -480,7 +511,8 @@ class RecordWriter:
                         contracted.add(whole)
             if record.variants:
                 variants.add(record.variants)
-        body = [self.cell(r, '&kVariants[%d]' % variants.at[r.variants] if r.variants else '0') for r in records]
+        body = [self.cell(r, '&kVariants[%d]' % variants.at[r.variants] if r.variants else '0')
+                for r in records]
         self.expansions.write(self.w)
         self.w.rows('// What contractions stand for.\nconstexpr NxCharInfo kContracted[] = {',
                     [self.cell(r) for r in contracted])
@@ -491,8 +523,10 @@ class RecordWriter:
         self.entries('Variants', variants, 'kVariantRecords', heads)
         self.w.rows('// Characters 0 to 0x24F by their number, then those that kRecordIndex names.\n'
                     'constexpr NxCharInfo kRecords[] = {', body)
-        self.w.rows('// Characters of 8-bit code sets that have no record in Unicode: each orders as itself,\n'
-                    '// as it does there.\nconstexpr NxCharInfo kSymbolRecords[] = {', [self.cell(r) for r in symbols])
+        self.w.rows('// Characters of 8-bit code sets that have no record in Unicode: each orders as\n'
+                    '// itself, as it does there.\nconstexpr NxCharInfo kSymbolRecords[] = {',
+                    [self.cell(r) for r in symbols])
+        return sum(1 for pool in (contracted, heads, symbols) for _ in pool)
 
     def entries(self, kind, pool, array, targets):
         cells = ['{0x%02X, &%s[%d]}' % (key, array, targets.at[r]) for entry in pool for key, r in entry]
@@ -514,9 +548,10 @@ def write_pages(w, name, numbers):
     w.rows('constexpr unsigned short k%sIndex[][256] = {' % name,
            [cell for page in pages for cell in ['{' + str(page[0])] + [str(n) for n in page[1:255]] +
             [str(page[255]) + '}']])
+    return len(list(pages))
 
 
-def write_code_set(w, name, codec, symbol_at):
+def write_code_set(w, name, codec):
     chars = to_unicode(codec)
     w.rows('constexpr unsigned short k%sToUnicode[256] = {' % name, ['0x%04X' % c for c in chars])
     apart = sorted((c, b) for b, c in enumerate(chars) if b != c)
@@ -528,19 +563,16 @@ def write_code_set(w, name, codec, symbol_at):
 HEADER = '''\
 // Written by make_nxlangdata.py from the files of Unicode {version}; not to be edited.
 //
-// Collation records: {records} of 16 bytes (one a character; characters 0 to 0x24F lie at their
-// number, a two-level table of pages finds the rest), {small} further ones of languages and symbols.
-// Case mappings: {cased} of 8 bytes, found through pages of 256. In all about {size} KB, all of
-// it constant. Delta-coded case ranges would save about 20 KB and cost a search a character; records
-// packed into 4 bytes would save 10 KB and cost the reader a second look-up for lists.
+// Form: a record of 16 bytes a character ({records} of them; 0 to 0x24F lie at their number), {further}
+// more for languages and symbols, and {cased} case mappings of 8 bytes. Both are found through 256 page
+// numbers and pages of 256 numbers, {pages} pages in all. About {size} KB, all of it constant.
+// Smaller forms: records packed into 4 bytes save {packed} KB and cost every reader a second look-up for
+// variants and lists; case mappings as ranges with a distance save about {ranges} KB and cost a search each.
 '''
 
 
-def main(arguments):
-    directory = arguments[1] if len(arguments) > 1 else '/usr/share/unicode'
-    output = arguments[2] if len(arguments) > 2 else os.path.join(os.path.dirname(os.path.abspath(__file__)),
-                                                                  'nxlangdata.inc')
-    unicode = Unicode(directory)
+def write_tables(unicode, w):
+    """Writes every table; answers the counts that the header names."""
     records = Collation(unicode).records
     # Below FIRST_UNLISTED the letters that found no number leave holes, which kRecordIndex passes over.
     low = [records.get(c, plain_record([0])) for c in range(FIRST_UNLISTED)]
@@ -548,24 +580,37 @@ def main(arguments):
     numbers = {c: c + 1 for c in records if c < FIRST_UNLISTED}
     numbers.update((c, FIRST_UNLISTED + n + 1) for n, c in enumerate(high))
     symbols = sorted({c for _, codec in CODE_SETS for c in to_unicode(codec) if c not in records})
+    further = RecordWriter(w).write(low + [records[c] for c in high],
+                                    [plain_record([c], PLAIN_ORDER) for c in symbols])
+    w.rows('constexpr unsigned short kSymbols[] = {', ['0x%04X' % c for c in symbols])
+    w.out.write('// Number of the record of a character plus 1.\n')
+    pages = write_pages(w, 'Record', numbers)
+    for name, codec in CODE_SETS:
+        write_code_set(w, name, codec)
     cased = case_properties(unicode)
+    lists = ListPool('kFurtherUpper')
+    cells = ['{0x%04X, 0x%04X, %s}' % (u, l, lists.reference(f)) for _, (u, l, f) in sorted(cased.items())]
+    lists.write(w)
+    w.rows('// Entry 0 is for characters without case.\nconstexpr NxUnicodeProps kCases[] = {',
+           ['{0, 0, 0}'] + cells)
+    pages += write_pages(w, 'Case', {c: n + 1 for n, c in enumerate(sorted(cased))})
+    return {'records': len(low) + len(high), 'further': further, 'cased': len(cased), 'pages': pages}
+
+
+def main(arguments):
+    directory = arguments[1] if len(arguments) > 1 else '/usr/share/unicode'
+    output = arguments[2] if len(arguments) > 2 else os.path.join(os.path.dirname(os.path.abspath(__file__)),
+                                                                  'nxlangdata.inc')
+    unicode = Unicode(directory)
+    tables = io.StringIO()
+    counts = write_tables(unicode, Writer(tables))
+    pages = 512 * counts['pages']
+    size = 16 * (counts['records'] + counts['further']) + 8 * counts['cased'] + pages
     with open(output, 'w', encoding='utf-8', newline='\n') as out:
-        w = Writer(out)
-        size = (16 * (len(low) + len(high)) + 8 * len(cased) + 512 * 27) // 1024
-        out.write(HEADER.format(version=unicode.version, records=len(low) + len(high), small=len(symbols) + 60, cased=len(cased), size=size) + '\n')
-        RecordWriter(w).write(low + [records[c] for c in high],
-                              [plain_record([c], PLAIN_ORDER) for c in symbols])
-        w.rows('constexpr unsigned short kSymbols[] = {', ['0x%04X' % c for c in symbols])
-        out.write('// Number of the record of a character plus 1.\n')
-        write_pages(w, 'Record', numbers)
-        for name, codec in CODE_SETS:
-            write_code_set(w, name, codec, symbols)
-        further = ListPool('kFurtherUpper')
-        cells = ['{0, 0, 0}'] + ['{0x%04X, 0x%04X, %s}' % (u, l, further.reference(f))
-                                 for _, (u, l, f) in sorted(cased.items())]
-        further.write(w)
-        w.rows('// Entry 0 is for characters without case.\nconstexpr NxUnicodeProps kCases[] = {', cells)
-        write_pages(w, 'Case', {c: n + 1 for n, c in enumerate(sorted(cased))})
+        out.write(HEADER.format(version=unicode.version, size=size // 1024,
+                                packed=12 * counts['records'] // 1024,
+                                ranges=(8 * counts['cased'] + pages) * 4 // 5 // 1024, **counts))
+        out.write('\n' + tables.getvalue())
 
 
 if __name__ == '__main__':

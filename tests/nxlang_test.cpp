@@ -1,0 +1,478 @@
+// The language library: every character has an order of its own, code sets map
+// there and back, each mechanism of the collation data is at work in a language,
+// and the checked-in tables are what their script makes of Unicode's files.
+
+#include "nxlang.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "nxstring.h"
+#include "ord2str.h"
+#include "strwild.h"
+
+namespace {
+
+constexpr unsigned char kByteCodeSets[] = {kCodeSetLatin1, kCodeSetWindows1252, kCodeSetLatin9,
+                                           kCodeSetLatin2};
+constexpr unsigned short kNoCharacter = 0x7F;
+constexpr unsigned short kNoWildcards = 0x0010;
+constexpr unsigned short kIgnoreCase = 0x0020;
+constexpr unsigned short kIgnoreAccents = 0x0040;
+constexpr unsigned short kCaseMask = 0x3000;
+
+const NxCodeSet& CodeSet(unsigned char number) { return *NxLanguageContext::QueryCodeSet(number); }
+
+const NxCharInfo* Unicode(unsigned short value) { return CodeSet(kCodeSetUnicode).CharTable()->Find(value); }
+
+/// All order values of a record: its own and those of its expansion.
+std::vector<unsigned short> Orders(const NxCharInfo& info) {
+  std::vector<unsigned short> orders = {info.order};
+  for (short i = 0; info.expansion != nullptr && i < info.expansion->Count(); ++i)
+    orders.push_back(info.expansion->At(i));
+  return orders;
+}
+
+int Compare(unsigned char language, const std::u16string& a, const std::u16string& b,
+            unsigned short options = kNoWildcards) {
+  return NxStrCmp(kCodeSetUnicode, language, reinterpret_cast<const char*>(a.c_str()), kCodeSetUnicode,
+                  language, reinterpret_cast<const char*>(b.c_str()), options, -1, 1, nullptr);
+}
+
+bool IsLetter(unsigned short order) { return order >= kFirstLetterOrder && order < kFirstHanOrder; }
+
+// ---------------------------------------------------------------------------
+// Records
+
+TEST(Records, NoTwoCharactersHaveTheSameOrderValues) {
+  std::map<std::vector<unsigned short>, unsigned> seen;
+  for (unsigned value = 0; value < 0x10000; ++value) {
+    const NxCharInfo* info = Unicode(static_cast<unsigned short>(value));
+    if (value < 512) {
+      ASSERT_NE(info, nullptr) << value;
+      EXPECT_EQ(info, CodeSet(kCodeSetUnicode).CharTable()->Record(static_cast<unsigned short>(value)));
+    }
+    if (info == nullptr || value == 0x212A || value == 0x212B) continue;  // Kelvin and Ångström are K and Å
+    const auto [at, fresh] = seen.emplace(Orders(*info), value);
+    EXPECT_TRUE(fresh) << std::hex << value << " orders as " << at->second;
+  }
+  EXPECT_EQ(Orders(*Unicode(0x212A)), Orders(*Unicode('K')));
+  EXPECT_EQ(Orders(*Unicode(0x212B)), Orders(*Unicode(0xC5)));
+  for (const unsigned short unlisted : {0x258, 0x301, 0x3B1, 0x20AC, 0x4E00, 0xFFFF})
+    EXPECT_EQ(Unicode(unlisted), nullptr) << unlisted;
+}
+
+TEST(Records, OrderValuesFallIntoTheClassesOfTheirCharacters) {
+  for (unsigned short value = 0; value < 512; ++value) {
+    const unsigned short order = Unicode(value)->order;
+    const bool control = value < 0x21 || (value >= 0x7F && value <= 0xA0);
+    EXPECT_EQ(order < kFirstSymbolOrder, control) << value;
+    EXPECT_NE(order, 13) << value << " takes the undefined ordering indicator";
+    if (value >= 0x100) {
+      EXPECT_TRUE(IsLetter(order)) << value;
+    }
+    if (value >= '0' && value <= '9') {
+      EXPECT_EQ(order, kFirstDigitOrder + 10 * (value - '0'));
+    }
+    if ((value >= 'A' && value <= 'Z') || (value >= 'a' && value <= 'z')) {
+      const unsigned short lower = value >= 'a' ? 1 : 0;
+      EXPECT_EQ(order, 0x4000 | lower << 12 | ((value & 0x1F) + 2) << 2) << value;
+    }
+    for (const unsigned short part : Orders(*Unicode(value)))
+      EXPECT_EQ(part == 0, value == 0) << value << " would end its text";
+  }
+}
+
+TEST(Records, ByteCodeSetsHaveARecordForEveryByteAndOrderAsUnicodeDoes) {
+  for (const unsigned char number : kByteCodeSets) {
+    const NxCodeSet& codeSet = CodeSet(number);
+    std::map<std::vector<unsigned short>, unsigned> seen;
+    for (unsigned byte = 0; byte < 256; ++byte) {
+      const NxCharInfo* info = codeSet.FlatRecords()[byte];
+      ASSERT_NE(info, nullptr) << byte;
+      EXPECT_EQ(info, codeSet.CharTable()->Find(static_cast<unsigned short>(byte)));
+      EXPECT_TRUE(seen.emplace(Orders(*info), byte).second) << int{number} << " " << byte;
+      const char text[] = {static_cast<char>(byte), 0};
+      const unsigned short wide[] = {codeSet.FlatToUnicode()[byte], 0};
+      EXPECT_EQ(NxStrCmp(number, kLanguageGerman, text, kCodeSetUnicode, kLanguageGerman,
+                         reinterpret_cast<const char*>(wide), kNoWildcards, -1, 1, nullptr),
+                0)
+          << int{number} << " " << byte;
+    }
+  }
+}
+
+TEST(Records, CaseIsTheOnlyDifferenceBetweenACapitalAndItsSmallLetter) {
+  for (unsigned value = 1; value < 0x10000; ++value) {
+    const unsigned short capital = static_cast<unsigned short>(value);
+    const NxUnicodeProps* props = CodeSet(kCodeSetUnicode).GetUnicodeProps(capital, kLanguageNone);
+    if (props == nullptr || props->lower == 0 || Unicode(capital) == nullptr) continue;
+    // The dotted capital I has no small letter of its own, and neither have the signs of K and Å.
+    if (capital == 0x130) continue;
+    ASSERT_NE(Unicode(props->lower), nullptr) << std::hex << value;
+    const std::vector<unsigned short> big = Orders(*Unicode(capital));
+    const std::vector<unsigned short> small = Orders(*Unicode(props->lower));
+    ASSERT_EQ(big.size(), small.size()) << std::hex << value;
+    EXPECT_LT(big[0], small[0]) << std::hex << value;
+    for (std::size_t i = 0; i < big.size(); ++i)
+      EXPECT_EQ(big[i] & ~kCaseMask, small[i] & ~kCaseMask) << std::hex << value;
+  }
+}
+
+TEST(Records, SymbolsAndAccentedLettersOfLatin1AreNamedAsWhatTheyAre) {
+  // Symbols that one character names; the rest have a name of words.
+  for (const unsigned char c : std::string("_-,;:!?\"()[]{}@$*&#%+`^~<=>|")) {
+    unsigned char representative = 0;
+    NxConvertOrderToChar(Unicode(c)->order, kLanguageEnglish, representative, 0, nullptr);
+    EXPECT_EQ(representative, c);
+  }
+  const std::map<unsigned short, const char*> names = {
+      {'\'', "symbol apostrophe"},
+      {'\\', "symbol reverse solidus"},
+      {'/', "symbol solidus"},
+      {'.', "symbol full stop"},
+      {0xA1, "symbol inverted exclamation mark"},
+      {0xA2, "symbol cent sign"},
+      {0xA3, "symbol pound sign"},
+      {0xA4, "symbol currency sign"},
+      {0xA5, "symbol yen sign"},
+      {0xA6, "symbol broken bar"},
+      {0xA7, "symbol section sign"},
+      {0xA8, "symbol diaeresis"},
+      {0xA9, "symbol copyright sign"},
+      {0xAB, "symbol left pointing double angle quotation mark"},
+      {0xAC, "symbol not sign"},
+      {0xAD, "symbol soft hyphen"},
+      {0xAE, "symbol registered sign"},
+      {0xAF, "symbol macron sign"},
+      {0xB0, "symbol degree sign"},
+      {0xB1, "symbol plus minus sign"},
+      {0xB5, "symbol micron sign"},
+      {0xB6, "symbol pilcrow sign"},
+      {0xB7, "symbol middle dot"},
+      {0xB8, "symbol cedilla"},
+      {0xBB, "symbol right pointing double angle quotation mark"},
+      {0xBF, "symbol inverted question mark"},
+      {0xD7, "symbol multiplication sign"},
+      {0xF7, "symbol division sign"},
+      {'7', "digit 7"},
+      {0xB2, "digit 2 with expand"},
+      {0xBE, "digit 3 with expand"},
+      {0xC5, "upper letter A with ring above"},
+      {0x151, "lower letter o with accent double acute"},
+      {0x167, "lower letter t with stroke with extension"},
+      {' ', "space"}};
+  for (const auto& [value, name] : names) {
+    NxString text;
+    NxConvertOrderToString(Unicode(value)->order, kLanguageEnglish, text);
+    EXPECT_STREQ(text.StrGet(), name);
+  }
+  for (unsigned value = 0xC0; value < 0x100; ++value) {
+    if (value == 0xD7 || value == 0xF7) continue;
+    unsigned char representative = 0;
+    NxConvertOrderToChar(Unicode(static_cast<unsigned short>(value))->order, kLanguageEnglish, representative,
+                         1, nullptr);
+    EXPECT_EQ(representative, value);
+  }
+}
+
+TEST(Records, OrderValueTextOrdersByItsUnits) {
+  const NxCharTable* table = CodeSet(kCodeSetOrderValues).CharTable();
+  ASSERT_NE(table->Find(511), nullptr);
+  EXPECT_EQ(table->Find(511)->order, 511);
+  EXPECT_EQ(table->Record(300)->order, 300);
+  EXPECT_EQ(table->Find(512), nullptr);
+  EXPECT_EQ(NxChar(static_cast<unsigned short>(0x4010), kCodeSetOrderValues, 1).IsAlpha(), 1);
+}
+
+// ---------------------------------------------------------------------------
+// Languages
+
+struct Place {
+  unsigned char language;
+  const char16_t* before;
+  const char16_t* after;
+};
+
+TEST(Languages, LettersStandWhereTheLanguageHasThem) {
+  const Place places[] = {
+      // Letters with accents beside their base, ligatures beside their spelling.
+      {kLanguageGerman, u"Ähre", u"Ahrensburg"},
+      {kLanguageGerman, u"Masse", u"Maße"},
+      {kLanguageGerman, u"Maße", u"Masseur"},
+      {kLanguageFrench, u"cote", u"côte"},
+      {kLanguageFrench, u"côte", u"coté"},  // the last accent decides
+      {kLanguageFrench, u"coeur", u"cœur"},
+      {kLanguageFrench, u"cœur", u"coexister"},
+      {kLanguageEnglish, u"o", u"ø"},
+      {kLanguageEnglish, u"øa", u"ob"},
+      {kLanguageEnglish, u"zz", u"þ"},  // primary, after z
+      {kLanguageEnglish, u"nz", u"ŋ"},
+      {kLanguageEnglish, u"ŋ", u"o"},
+      // Swedish: z, å, ä, ö, and what is written for them elsewhere.
+      {kLanguageSwedish, u"zz", u"åa"},
+      {kLanguageSwedish, u"åz", u"äa"},
+      {kLanguageSwedish, u"äz", u"öa"},
+      {kLanguageSwedish, u"ä", u"æ"},
+      {kLanguageSwedish, u"æa", u"äb"},
+      {kLanguageSwedish, u"ö", u"ø"},
+      {kLanguageSwedish, u"zz", u"ǻ"},
+      {kLanguageSwedish, u"y", u"ü"},
+      {kLanguageSwedish, u"üa", u"yb"},
+      // Danish: z, æ, ø, å, and aa as å in any case.
+      {kLanguageDanish, u"zz", u"æa"},
+      {kLanguageDanish, u"æz", u"øa"},
+      {kLanguageDanish, u"øz", u"åa"},
+      {kLanguageDanish, u"øz", u"aa"},
+      {kLanguageDanish, u"Øz", u"Aalborg"},
+      {kLanguageDanish, u"åa", u"aab"},
+      {kLanguageDanish, u"aaa", u"åb"},
+      {kLanguageDanish, u"abz", u"aa"},
+      {kLanguageEnglish, u"aa", u"ab"},
+      // Spanish: ch follows c, ll follows l, ñ follows n.
+      {kLanguageSpanish, u"cz", u"ch"},
+      {kLanguageSpanish, u"ch", u"d"},
+      {kLanguageSpanish, u"CZ", u"Cha"},
+      {kLanguageSpanish, u"luz", u"llama"},
+      {kLanguageSpanish, u"LLAMA", u"m"},
+      {kLanguageSpanish, u"nz", u"ña"},
+      {kLanguageSpanish, u"ñ", u"o"},
+      {kLanguageSpanish, u"caz", u"cca"},  // c before another c is no contraction
+      {kLanguageEnglish, u"ch", u"cz"},
+  };
+  for (const Place& place : places) {
+    EXPECT_LT(Compare(place.language, place.before, place.after), 0)
+        << int{place.language} << " " << ::testing::PrintToString(std::u16string(place.before));
+    EXPECT_GT(Compare(place.language, place.after, place.before), 0);
+  }
+}
+
+TEST(Languages, ContractionsCoverAllCasesAndKeepThemApart) {
+  struct Contraction {
+    unsigned char language;
+    std::u16string spellings[4];  // in their order
+    const char16_t* neighbour;    // the letter of the same place, or null
+  };
+  const Contraction contractions[] = {{kLanguageSpanish, {u"ch", u"cH", u"Ch", u"CH"}, nullptr},
+                                      {kLanguageSpanish, {u"ll", u"lL", u"Ll", u"LL"}, nullptr},
+                                      {kLanguageDanish, {u"aa", u"aA", u"Aa", u"AA"}, u"å"}};
+  for (const Contraction& c : contractions) {
+    for (int i = 1; i < 4; ++i) {
+      EXPECT_LT(Compare(c.language, c.spellings[i - 1], c.spellings[i]), 0);
+      EXPECT_EQ(Compare(c.language, c.spellings[i - 1], c.spellings[i], kNoWildcards | kIgnoreCase), 0);
+    }
+    EXPECT_EQ(Compare(c.language, c.spellings[0], u"?", 0), 0) << "one letter, one question mark";
+    if (c.neighbour != nullptr) {
+      EXPECT_NE(Compare(c.language, c.spellings[0], c.neighbour), 0);
+      EXPECT_EQ(Compare(c.language, c.spellings[0], c.neighbour, kNoWildcards | kIgnoreAccents | kIgnoreCase),
+                0);
+    }
+  }
+}
+
+TEST(Languages, VariantsOfOneLanguageDoNotCollide) {
+  for (const unsigned char language : {kLanguageSpanish, kLanguageSwedish, kLanguageDanish}) {
+    ASSERT_TRUE(NxLanguageContext::QueryLanguage(language)->hasVariants);
+    std::map<std::vector<unsigned short>, unsigned> seen;
+    unsigned moved = 0;
+    for (unsigned value = 0; value < 0x2000; ++value) {
+      const NxCharInfo* info = Unicode(static_cast<unsigned short>(value));
+      if (info == nullptr) continue;
+      const NxCharInfo* variant = info->variants != nullptr ? info->variants->Find(language) : nullptr;
+      moved += variant != nullptr;
+      info = variant != nullptr ? variant : info;
+      EXPECT_TRUE(seen.emplace(Orders(*info), value).second) << int{language} << " " << std::hex << value;
+      for (short i = 0; info->followers != nullptr && i < info->followers->count; ++i)
+        EXPECT_TRUE(seen.emplace(Orders(*info->followers->entries[i].info), value).second)
+            << std::hex << value;
+    }
+    EXPECT_GT(moved, 0u);
+  }
+}
+
+TEST(Languages, SelectorsAreSharedByLanguagesOfOneOrder) {
+  const std::map<unsigned char, unsigned char> selectors = {{0, 1}, {1, 1}, {2, 1}, {3, 1},   {4, 4},  {5, 5},
+                                                            {6, 6}, {7, 1}, {8, 1}, {200, 1}, {255, 1}};
+  for (const auto& [language, selector] : selectors) {
+    EXPECT_EQ(CodeSet(kCodeSetLatin1).GetCollation(language), selector) << int{language};
+    EXPECT_EQ(CodeSet(kCodeSetUnicode).GetCollation(language), selector) << int{language};
+    EXPECT_EQ(CodeSet(kCodeSetOrderValues).GetCollation(language), language & 0x7F);
+  }
+  EXPECT_EQ(Compare(kLanguageGerman, u"Zoë", u"Zoë"), 0);
+  EXPECT_EQ(NxStrCmp(kCodeSetLatin1, kLanguageGerman, "Zo\xEB", kCodeSetLatin1, kLanguageFrench, "Zo\xEB",
+                     kNoWildcards, -1, 1, nullptr),
+            0);
+}
+
+TEST(Languages, UnknownNumbersAnswerAsTheFirst) {
+  for (const unsigned char unknown : {8, 77, 253, 254, 255})
+    EXPECT_EQ(NxLanguageContext::QueryLanguage(unknown)->number, kLanguageEnglish);
+  for (unsigned char known = 0; known <= kLanguageTurkish; ++known)
+    EXPECT_EQ(NxLanguageContext::QueryLanguage(known)->number, known);
+  for (const unsigned char unknown : {0, 5, 100, 224})
+    EXPECT_EQ(NxLanguageContext::QueryCodeSet(unknown), &CodeSet(kCodeSetLatin1)) << int{unknown};
+  for (const unsigned char unknown : {225, 252, 255})
+    EXPECT_EQ(NxLanguageContext::QueryCodeSet(unknown), &CodeSet(kCodeSetUnicode)) << int{unknown};
+}
+
+TEST(Languages, DefaultsAreSetAndSetUpAnew) {
+  EXPECT_EQ(NxLanguageContext::SetDefaultCodeSet(kCodeSetUnicode), 0);
+  EXPECT_EQ(NxLanguageContext::SetDefaultLanguage(kLanguageDanish), 0);
+  EXPECT_EQ(NxLanguageContext::SetDefaultCmpOp(0x0230), 0);
+  for (const unsigned char refused : {0, 254, 255})
+    EXPECT_EQ(NxLanguageContext::SetDefaultCodeSet(refused), -2002);
+  for (const unsigned char refused : {254, 255})
+    EXPECT_EQ(NxLanguageContext::SetDefaultLanguage(refused), -2002);
+  EXPECT_EQ(NxLanguageContext::GetDefaultCodeSet(), kCodeSetUnicode);
+  EXPECT_EQ(NxLanguageContext::GetDefault8CodeSet(), kCodeSetLatin1);
+  EXPECT_EQ(NxLanguageContext::GetDefault16CodeSet(), kCodeSetUnicode);
+  EXPECT_EQ(NxLanguageContext::GetDefaultLanguage(), kLanguageDanish);
+  EXPECT_EQ(NxLanguageContext::GetDefaultCmpOp(), 0x0230);
+
+  ___NxI18NContext(0);
+  ___NxI18NContext(1);
+  EXPECT_EQ(NxLanguageContext::GetDefaultCodeSet(), kCodeSetLatin1);
+  EXPECT_EQ(NxLanguageContext::GetDefaultLanguage(), kLanguageEnglish);
+  EXPECT_EQ(NxLanguageContext::GetDefaultCmpOp(), 0);
+}
+
+// ---------------------------------------------------------------------------
+// Mapping and case
+
+TEST(Mapping, EveryByteGoesToUnicodeAndBack) {
+  for (const unsigned char number : kByteCodeSets) {
+    const NxCodeSet& codeSet = CodeSet(number);
+    unsigned mapped = 0;
+    for (unsigned short byte = 0; byte < 256; ++byte) {
+      const unsigned short unicode = CodeSet(kCodeSetUnicode).MapFrom(byte, number);
+      EXPECT_EQ(unicode, codeSet.FlatToUnicode()[byte]);
+      EXPECT_EQ(codeSet.MapFrom(unicode, kCodeSetUnicode), byte) << int{number} << " " << byte;
+      EXPECT_EQ(unicode == 0, byte == 0);
+    }
+    for (unsigned value = 0; value < 0x10000; ++value)
+      mapped += codeSet.MapFrom(static_cast<unsigned short>(value), kCodeSetUnicode) != kNoCharacter;
+    EXPECT_EQ(mapped, 255u) << "only what the code set has may leave 0x7F";
+    EXPECT_EQ(codeSet.MapFrom(0x141, number == kCodeSetLatin1 ? kCodeSetLatin9 : kCodeSetLatin1),
+              kNoCharacter)
+        << "no 8-bit character is above 255";
+  }
+}
+
+TEST(Mapping, KnownCharactersBetweenCodeSets) {
+  struct Case {
+    unsigned short value;
+    unsigned char source, target;
+    unsigned short result;
+  };
+  const Case cases[] = {
+      {0x80, kCodeSetWindows1252, kCodeSetUnicode, 0x20AC},  // euro
+      {0xA4, kCodeSetLatin9, kCodeSetUnicode, 0x20AC},
+      {0x80, kCodeSetWindows1252, kCodeSetLatin9, 0xA4},
+      {0x80, kCodeSetWindows1252, kCodeSetLatin1, kNoCharacter},
+      {0x81, kCodeSetWindows1252, kCodeSetUnicode, 0x81},  // undefined there: the control
+      {0x80, kCodeSetLatin1, kCodeSetWindows1252, kNoCharacter},
+      {0x81, kCodeSetLatin1, kCodeSetWindows1252, 0x81},
+      {0xA9, kCodeSetLatin2, kCodeSetWindows1252, 0x8A},  // Š
+      {0xA9, kCodeSetLatin2, kCodeSetLatin9, 0xA6},
+      {0xA3, kCodeSetLatin2, kCodeSetLatin1, kNoCharacter},  // Ł
+      {0xE4, kCodeSetLatin2, kCodeSetNone, 0xE4},
+      {0x4E00, 250, kCodeSetUnicode, 0x4E00},
+      {'a', kCodeSetLatin1, kCodeSetOrderValues, 0x500C},
+      {0x4E00, kCodeSetUnicode, kCodeSetOrderValues, 0x4E00},
+      {0x500C, kCodeSetOrderValues, kCodeSetOrderValues, 0x500C},
+      {0x500C, kCodeSetOrderValues, kCodeSetUnicode, kNoCharacter},
+      {0, kCodeSetOrderValues, kCodeSetLatin2, 0},
+  };
+  for (const Case& c : cases)
+    EXPECT_EQ(CodeSet(c.target).MapFrom(c.value, c.source), c.result)
+        << std::hex << c.value << " of " << int{c.source} << " in " << int{c.target};
+}
+
+TEST(CaseMapping, PairsAndFurtherCapitals) {
+  struct Case {
+    unsigned short value;
+    unsigned char codeSet, language;
+    std::u16string upper;  // the first and the further ones; empty for none
+    unsigned short lower;
+  };
+  const Case cases[] = {
+      {'a', kCodeSetLatin1, 1, u"A", 0},
+      {0xC4, kCodeSetLatin1, 2, u"", 0xE4},
+      {0xDF, kCodeSetLatin1, 2, u"SS", 0},
+      {0xDF, kCodeSetUnicode, 2, u"SS", 0},
+      {0x149, kCodeSetUnicode, 1, u"\u02BCN", 0},
+      {0xFB03, kCodeSetUnicode, 1, u"FFI", 0},
+      {0x390, kCodeSetUnicode, 1, u"\u0399\u0308\u0301", 0},
+      {0x1E9E, kCodeSetUnicode, 2, u"", 0xDF},
+      {0x1C5, kCodeSetUnicode, 1, u"\u01C4", 0x1C6},
+      {0x10D0, kCodeSetUnicode, 1, u"\u1C90", 0},
+      {0xFF, kCodeSetLatin1, 3, u"", 0},  // Ÿ is not in the code set: ÿ stays
+      {0xFF, kCodeSetWindows1252, 3, u"\u0178", 0},
+      {0xB5, kCodeSetLatin1, 1, u"", 0},
+      {0xB5, kCodeSetUnicode, 1, u"\u039C", 0},
+      {0xB1, kCodeSetLatin2, 1, u"\u0104", 0},
+      {'i', kCodeSetUnicode, kLanguageTurkish, u"\u0130", 0},
+      {'I', kCodeSetUnicode, kLanguageTurkish, u"", 0x131},
+      {0x131, kCodeSetUnicode, kLanguageTurkish, u"I", 0},
+      {0x130, kCodeSetUnicode, kLanguageTurkish, u"", 'i'},
+      {'i', kCodeSetLatin1, kLanguageTurkish, u"", 0},
+      {'i', kCodeSetUnicode, kLanguageEnglish, u"I", 0},
+      {'7', kCodeSetLatin1, 1, u"", 0},
+      {0x4E00, kCodeSetUnicode, 1, u"", 0},
+      {0x500C, kCodeSetOrderValues, 1, u"", 0},
+  };
+  for (const Case& c : cases) {
+    const NxUnicodeProps* props = CodeSet(c.codeSet).GetUnicodeProps(c.value, c.language);
+    std::u16string upper;
+    if (props != nullptr && props->upper != 0) upper += static_cast<char16_t>(props->upper);
+    for (short i = 0; props != nullptr && props->furtherUpper != nullptr && i < props->furtherUpper->Count();
+         ++i)
+      upper += static_cast<char16_t>(props->furtherUpper->At(i));
+    EXPECT_EQ(upper, c.upper) << std::hex << c.value << " in " << int{c.codeSet};
+    EXPECT_EQ(props != nullptr ? props->lower : 0, c.lower)
+        << std::hex << c.value << " in " << int{c.codeSet};
+  }
+}
+
+// ---------------------------------------------------------------------------
+// The table source
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+/// The Unicode version that follows `mark` in a text.
+std::string VersionAfter(const std::string& text, const std::string& mark) {
+  const std::size_t at = text.find(mark);
+  if (at == std::string::npos) return "none";
+  return text.substr(at + mark.size(), text.find_first_of(";\r\n", at) - at - mark.size());
+}
+
+TEST(TableSource, IsWhatTheScriptMakes) {
+  const std::string here = __FILE__;
+  const std::string source = here.substr(0, here.rfind('/') + 1) + "../sibling/in/";
+  const std::string unicode = "/usr/share/unicode";
+  const std::string checkedIn = ReadFile(source + "nxlangdata.inc");
+  ASSERT_FALSE(checkedIn.empty());
+  if (std::system("python3 -c '' 2>/dev/null") != 0) GTEST_SKIP() << "python3 is not installed";
+  const std::string found = VersionAfter(ReadFile(unicode + "/allkeys.txt"), "@version ");
+  if (found != VersionAfter(checkedIn, "Unicode ")) GTEST_SKIP() << "Unicode's files here: " << found;
+
+  const std::string made = ::testing::TempDir() + "nxlangdata_made.inc";
+  const std::string command = "python3 '" + source + "make_nxlangdata.py' " + unicode + " '" + made + "'";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  EXPECT_TRUE(ReadFile(made) == checkedIn) << "run sibling/in/make_nxlangdata.py";
+  std::remove(made.c_str());
+}
+
+}  // namespace
