@@ -46,7 +46,10 @@ class OrderReader {
  private:
   unsigned short NextOfOrderValues();
   void ChooseTable(unsigned char codeSet);
-  unsigned short ValueOf(const NxChar& c) const { return mapped_ ? c.MapTo(kCodeSetUnicode) : c; }
+  unsigned short ValueOf(const NxChar& c) const {
+    if (mapped_) return c.MapTo(kCodeSetUnicode);
+    return c;  // a copy of c would have another byte order
+  }
   unsigned short TakeUnlisted(unsigned short value);
   const NxCharInfo* Contract(const NxCharInfo* info);
 
