@@ -59,11 +59,8 @@ unsigned char _NxCaseIDeMapByte(unsigned char k, unsigned char next, int& consum
   if (i != kNotFound && kOverC0toFF[i] == next && next != k) return static_cast<unsigned char>(0xC0 + i);
   consumed = 0;
   i = IndexOf(kFrom40to7F, k);
+  // A ligature begins with the key of a letter, so it comes back as two letters.
   if (i != kNotFound) return static_cast<unsigned char>(0x40 + i);
-  consumed = 1;
-  if (k == 0x90 && next == 0x69) return 0x8C;
-  if (k == 0xB3 && next == 0x01) return 0x9F;
-  consumed = 0;
   if (k >= 0xE0) return k - 0x60;
   return k >= 0xB0 && k <= 0xCF ? k - 0x10 : k;
 }
