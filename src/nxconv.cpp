@@ -23,15 +23,24 @@ NxTypeConvertData::NxTypeConvertData() : NxTypeConvertData(kIllegalTypeId, 0, nu
 NxTypeConvertData::NxTypeConvertData(char typeId, unsigned long count, void* data, NxTypeMgr* mgr)
     : mgr(mgr), data(data), count(count), typeId(typeId) {}
 
+namespace {
+
+/// Callers that destroy a record in storage of their own read its fields afterwards.
+/// Volatile, for a compiler may drop plain stores to an object that ends.
+template <class T>
+void PutLast(T& field, T value) {
+  *const_cast<volatile T*>(&field) = value;
+}
+
+}  // namespace
+
 NxTypeConvertData::~NxTypeConvertData() {
   if (mgr && data) {
     mgr->Delete(typeId, data, count);
-    data = nullptr;
+    PutLast<void*>(data, nullptr);
   }
-  // Callers that destroy a record in storage of their own read these afterwards;
-  // volatile, for a compiler may drop plain stores to an object that ends.
-  *const_cast<volatile unsigned long*>(&count) = 0;
-  *const_cast<volatile char*>(&typeId) = kIllegalTypeId;
+  PutLast(count, 0UL);
+  PutLast(typeId, kIllegalTypeId);
 }
 
 NxTypeConvertData* NxTypeConvertData::Make(char typeId, unsigned long count, void* data, NxTypeMgr* mgr) {
