@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr unsigned long kMaxWidth = 65533;  // bytes that an NxString holds at most
-
 bool OneOf(char c, const char* set) { return c && std::strchr(set, c); }
 
 /// One conversion of a format: "%-8.3ld" has length 'l' and specifier 'd'.
@@ -57,7 +55,7 @@ class FormatReader {
   bool ReadNumber(unsigned long& number) {
     for (; *p_ >= '0' && *p_ <= '9'; ++p_) {
       number = number * 10 + static_cast<unsigned long>(*p_ - '0');
-      if (number > kMaxWidth) return false;
+      if (number > kMaxFormatWidth) return false;
     }
     return true;
   }

@@ -16,12 +16,15 @@ enum class NxFormatArg : unsigned char {
   kWord,    //
   kFloat,   // scanned only; printed as kDouble
   kDouble,  //
-  kText,    // a text; scanned into an area as large as the input
+  kText,    // a text; scanned into an area for the whole input and the largest width
 };
 
+/// Largest width and precision of a conversion that fits: as many bytes as an NxString
+/// holds.
+inline constexpr unsigned long kMaxFormatWidth = 65533;
+
 /// True when the conversions of a print format fit args in their order; there may be
-/// fewer of them. Widths and precisions stand in the format and no text is longer than
-/// an NxString can be. False for null.
+/// fewer of them. Widths and precisions stand in the format. False for null.
 bool NxPrintFormatFits(const char* format, std::initializer_list<NxFormatArg> args);
 
 /// The same of a scan format. An integer conversion fits that is no wider than its

@@ -30,9 +30,9 @@ int ScanByte(const char* text, const char* fmt, T* out) {
 
 int MySscanf(const char* text, long /*len*/, const char* fmt, long n, NxString* out) {
   if (!NxScanFormatFits(fmt, {NxFormatArg::kText})) return 0;
-  // No conversion writes more than the input holds, so an area of its size always
-  // does; what would not have fitted into n bytes is cut afterwards.
-  char* area = NxNewZeroArray<char>(std::strlen(text) + 1);
+  // No conversion writes more than the input holds or its width says, so that this area
+  // always does; what would not have fitted into n bytes is cut afterwards.
+  char* area = NxNewZeroArray<char>(std::strlen(text) + kMaxFormatWidth + 1);
   if (!area) return 0;
   std::sscanf(text, fmt, area);
   const unsigned long room = n > 0 ? static_cast<unsigned long>(n) - 1 : 0;

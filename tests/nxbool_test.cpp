@@ -30,11 +30,17 @@ TEST(NxBoolean, ComparesWithNullFirst) {
   const struct {
     int a, b, equal, less, greater;
   } cases[] = {
-      {255, 255, 1, 0, 0}, {255, 0, 0, 1, 0}, {0, 255, 0, 0, 1}, {255, 128, 0, 1, 0}, {0, 0, 1, 0, 0},
-      {0, 1, 0, 1, 0},     {1, 0, 0, 0, 1},   {1, 2, 1, 0, 0},  // both true, and no lower for being the
-                                                                // smaller byte
-      {2, 1, 1, 0, 1},                                          // but greater
-      {128, 0, 0, 1, 0},                                        // -128
+      {255, 255, 1, 0, 0},
+      {255, 0, 0, 1, 0},
+      {0, 255, 0, 0, 1},
+      {255, 128, 0, 1, 0},
+      {0, 0, 1, 0, 0},
+      {0, 1, 0, 1, 0},
+      {1, 0, 0, 0, 1},
+      {1, 2, 1, 0, 0},    // both true, and no lower for being the
+                          // smaller byte
+      {2, 1, 1, 0, 1},    // but greater
+      {128, 0, 0, 1, 0},  // -128
       {0, 254, 0, 0, 1},
   };
   for (const auto& c : cases) {
