@@ -79,9 +79,11 @@ unsigned short OrderReader::Next() {
   return info->order;
 }
 
-/// Units of such a text are order values, low byte first.
+/// Units of such a text are order values, low byte first; only the text of a stored
+/// image with the most significant byte first has them that way round too.
 unsigned short OrderReader::NextOfOrderValues() {
-  const unsigned short order = it_._pPos ? ReadUnit(it_._pPos, kFormatNative) : 0;
+  const unsigned char byteOrder = it_._nByteOrder == kFormatBigEndian ? kFormatBigEndian : kFormatNative;
+  const unsigned short order = it_._pPos ? ReadUnit(it_._pPos, byteOrder) : 0;
   if (order != 0)
     ++it_;
   else if (!IsPending(it_))
