@@ -21,5 +21,6 @@ install(FILES "${PROJECT_BINARY_DIR}/nx21RtmsConfig.cmake" "${PROJECT_BINARY_DIR
 
 # The file finds the prefix from its own place, so that the installed tree can be moved.
 file(RELATIVE_PATH pcToPrefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+string(REGEX REPLACE "/$" "" pcToPrefix "${pcToPrefix}")
 configure_file("${PROJECT_SOURCE_DIR}/cmake/nx21Rtms.pc.in" "${PROJECT_BINARY_DIR}/nx21Rtms.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/nx21Rtms.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

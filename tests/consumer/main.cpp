@@ -18,14 +18,14 @@ void Expect(bool condition, const char* what) {
 void StoreALong(NxTypeMgr& manager) {
   char id = -1;
   Expect(manager.Name2NxTypeId("long", id) == 0 && id == 2, "the name long gives type 2");
-  const long value = 0x01020304;
+  long value = 0x01020304;
   unsigned char image[4] = {};
   Expect(manager.Store(id, image, &value, 2, 1) == 4, "a long is stored in four bytes");
   Expect(std::memcmp(image, "\1\2\3\4", 4) == 0, "format code 2 puts the most significant byte first");
 }
 
 void StoreAString(NxTypeMgr& manager) {
-  const NxString word("Fjord");
+  NxString word("Fjord");
   unsigned char image[32] = {};
   const int bytes = manager.Store(11, image, &word, 1, 1);
   Expect(bytes == 11, "five characters are stored in eleven bytes");
