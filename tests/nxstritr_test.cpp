@@ -1,0 +1,309 @@
+#include "nxstritr.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "nxlang.h"
+#include "nxstring.h"
+
+namespace {
+
+using Orders = std::vector<unsigned short>;
+
+constexpr unsigned short kCh[] = {'c', 'h'};
+constexpr unsigned short kCx[] = {'c', 'x', 'a'};
+const NxWCharList kListCh(kCh, 2), kListCx(kCx, 3), kFinished(kCh, 0);
+
+std::vector<unsigned short> Wide(const std::string& text) {
+  std::vector<unsigned short> units;
+  for (char c : text) units.push_back(static_cast<unsigned char>(c));
+  units.push_back(0);
+  return units;
+}
+
+Orders OrdersOf(const char* text, unsigned char language, unsigned char codeSet = 1) {
+  NxStringIterator it(text, codeSet, language, 1);
+  Orders orders;
+  while (unsigned short order = it.GetNextOrder(1)) orders.push_back(order);
+  EXPECT_EQ(it.GetNextOrder(1), 0);
+  EXPECT_TRUE(it.IsEOS());
+  return orders;
+}
+
+unsigned short OrderOf(char c) { return NxChar(c, 1, 1).GetOrder(); }
+
+TEST(StringIterator, StepsByTheWidthOfItsCharacters) {
+  const auto units = Wide("ab");
+  NxStringIterator bytes("ab", 1, 255, 255), wide(units.data(), 255, 2, 255);
+  for (NxStringIterator* it : {&bytes, &wide}) {
+    const NxStringIterator start(*it);
+    EXPECT_EQ(*it->operator++(0), 'a');
+    EXPECT_EQ(**it, 'b');
+    EXPECT_FALSE(it->IsEOS());
+    it->Step(7);
+    EXPECT_TRUE(it->IsEOS());
+    EXPECT_EQ(*(*it)--, '\0');
+    --*it;
+    EXPECT_TRUE(*it == start);
+    it->Step(0);
+    it->Step(1);
+    EXPECT_TRUE(*it == start);
+  }
+  EXPECT_EQ(bytes._nLanguage, NxLanguageContext::GetDefaultLanguage());
+  EXPECT_EQ(wide._nCodeSet, NxLanguageContext::GetDefault16CodeSet());
+}
+
+TEST(StringIterator, WithoutTextIsAtItsEnd) {
+  NxString empty, copy("x");
+  NxStringIterator none, overEmpty(empty), over(copy);
+  for (NxStringIterator* it : {&none, &overEmpty}) {
+    EXPECT_TRUE(it->IsEOS());
+    EXPECT_EQ(it->GetNextOrder(1), 0);
+    EXPECT_EQ(GetNextOrderValue(*it, 0), 0);
+  }
+  ++none;
+  --none;
+  EXPECT_TRUE(none.IsEOS());
+  NxCharToUpper op;
+  none.Transform(over, op);
+  EXPECT_EQ(copy.Len(), 0);
+  EXPECT_EQ(overEmpty._nByteOrder, 8);
+}
+
+TEST(StringIterator, OwnsTheTextOfACharacter) {
+  const char bigEndian[] = "\x20\xAC";
+  for (const NxChar& c : {NxChar('x', 1, 2), NxChar(static_cast<unsigned short>(0x20AC), 253, 2),
+                          NxChar(bigEndian, 253, 2, 2)}) {
+    NxStringIterator it(c);
+    EXPECT_EQ(it._bOwnsBuffer, 1);
+    EXPECT_EQ(static_cast<unsigned short>(*it), static_cast<unsigned short>(c));
+    const NxStringIterator start(it);
+    EXPECT_EQ(start._bOwnsBuffer, 0);
+    ++it;
+    EXPECT_TRUE(it.IsEOS());
+    ++it;        // past the terminator, as Transform leaves it
+    it = start;  // back in the text, which stays
+    EXPECT_EQ(static_cast<unsigned short>(*it), static_cast<unsigned short>(c));
+  }
+  NxStringIterator it(NxChar('x'));
+  it = NxStringIterator("yz", 1, 1, 1);
+  EXPECT_EQ(it._bOwnsBuffer, 0);
+  EXPECT_EQ(*it, 'y');
+}
+
+TEST(Overflow, ListIsDeliveredBeforeTheTextGoesOn) {
+  NxStringIterator it("aé", 1, 2, 2);
+  it.SetOverflow(&kListCh, 255);
+  EXPECT_EQ(it._nOverflowCodeSet, 1);
+  ++it;  // nothing moves while an entry is due
+  const NxStringIterator before(it);
+  NxChar c = *it;
+  EXPECT_EQ(c, 'c');
+  EXPECT_EQ(c._nCodeSet, 1);
+  EXPECT_EQ(*it, 'h');
+  EXPECT_FALSE(it.IsEOS());
+  EXPECT_EQ(*it, 'a');  // a finished list gives way to the text, and stays attached
+  EXPECT_EQ(it._pOverflow, &kListCh);
+  ++it;
+  EXPECT_EQ(it._pOverflow, nullptr);
+  EXPECT_EQ(*it, '\xC3');
+
+  NxStringIterator again(before);  // copies take the list with them
+  EXPECT_EQ(*again, 'c');
+  again = before;
+  EXPECT_EQ(*again, 'c');
+  --again;
+  EXPECT_EQ(again._pPos + 1, before._pPos);
+  EXPECT_EQ(*again, 'h');
+
+  NxStringIterator end("", 1, 1, 1);
+  end.SetOverflow(&kFinished, 254);
+  EXPECT_FALSE(end.IsEOS());
+}
+
+TEST(Transform, DeliversFurtherCharacters) {
+  NxCharToUpper toUpper;
+  NxCharToLower toLower;
+  char source[32] = "stra\337e \377\337";
+  char target[32];
+  std::memset(target, 0x55, sizeof target);
+  NxStringIterator from(source, 1, 2, 255), to(target, 1, 2, 255);
+  from.Transform(to, toUpper);
+  EXPECT_STREQ(target, "STRASSE \xFFSS");
+  EXPECT_EQ(to._pPos - target, 12);
+  EXPECT_EQ(from._pPos - source, 10);
+  EXPECT_EQ(target[12], 0x55);
+
+  std::memset(target, 0x55, sizeof target);  // into another code set
+  NxStringIterator again(source, 1, 2, 255), wide(target, 253, 2, 255);
+  again.Transform(wide, toUpper);
+  EXPECT_EQ(wide._pPos - target, 24);
+  const auto expected = Wide("STRASSE \xFFSS");
+  EXPECT_EQ(std::memcmp(target, expected.data(), 24), 0);
+  EXPECT_EQ(target[24], 0x55);
+
+  NxStringIterator back(target, 253, 2, 255), bytes(source, 1, 2, 255);
+  back.Transform(bytes, toLower);
+  EXPECT_STREQ(source, "strasse \xFFss");
+}
+
+TEST(NextOrder, OfOrderValueTexts) {
+  const unsigned short units[] = {0x4041, 0x0102, 0, 7};
+  NxStringIterator stored(units, 254, 2, 2);
+  EXPECT_EQ(stored.GetNextOrder(1), 0x4140);
+  NxStringIterator it(units, 254, 2, 8);
+  EXPECT_EQ(it._nCollation, 2);
+  EXPECT_EQ(it.GetNextOrder(1), 0x4041);
+  EXPECT_EQ(it.GetNextOrder(0), 0x0102);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(it.GetNextOrder(1), 0);
+  it.SetOverflow(&kFinished, 254);
+  EXPECT_EQ(it.GetNextOrder(1), 0);
+  EXPECT_TRUE(it.IsEOS());
+  --it;
+  it.SetOverflow(&kListCh, 254);
+  EXPECT_EQ(it.GetNextOrder(1), 0x0102);
+  EXPECT_EQ(it.GetNextOrder(1), 0x0102);  // a list holds the text
+}
+
+TEST(NextOrder, Contractions) {
+  const Orders c = OrdersOf("c", 4), ch = OrdersOf("ch", 4), h = OrdersOf("h", 4);
+  const Orders a = OrdersOf("a", 6), aa = OrdersOf("aa", 6);
+  ASSERT_EQ(ch.size(), 1U);
+  ASSERT_EQ(aa.size(), 1U);
+  EXPECT_EQ(OrdersOf("ch", 1), (Orders{c[0], h[0]}));
+  EXPECT_EQ(OrdersOf("cch", 4), (Orders{c[0], ch[0]}));
+  EXPECT_EQ(OrdersOf("chc", 4), (Orders{ch[0], c[0]}));
+  EXPECT_EQ(OrdersOf("hc", 4), (Orders{h[0], c[0]}));
+  EXPECT_EQ(OrdersOf("aaa", 6), (Orders{aa[0], a[0]}));
+  EXPECT_GT(ch[0] & 0x407F, c[0] & 0x407F);
+  EXPECT_LT(ch[0] & 0x407F, OrderOf('d') & 0x407F);
+
+  // Among the characters of a list, which is not stepped back over.
+  char text[] = "-cx";
+  NxStringIterator it(text + 1, 1, 4, 1);
+  it.SetOverflow(&kListCh, 1);
+  EXPECT_EQ(it.GetNextOrder(1), ch[0]);
+  EXPECT_EQ(it._pPos, text + 2);
+  it = NxStringIterator(text + 1, 1, 4, 1);
+  it.SetOverflow(&kListCx, 1);
+  EXPECT_EQ(it.GetNextOrder(1), c[0]);
+  EXPECT_EQ(it.GetNextOrder(1), OrderOf('x'));
+  EXPECT_EQ(it.GetNextOrder(1), a[0]);
+  EXPECT_EQ(it.GetNextOrder(1), OrderOf('x'));
+  EXPECT_EQ(it.GetNextOrder(1), 0);
+}
+
+TEST(NextOrder, Expansions) {
+  NxStringIterator it("\xE6z", 1, 1, 1);  // ae
+  EXPECT_EQ(it.GetNextOrder(1) & ~0x0F80, OrderOf('a'));
+  EXPECT_EQ(it._nOverflowCodeSet, 254);
+  EXPECT_EQ(static_cast<unsigned char>(*it._pPos), 0xE6);
+  const NxStringIterator within(it);
+  EXPECT_EQ(it.GetNextOrder(1) & ~0x0F80, OrderOf('e'));
+  EXPECT_EQ(it.GetNextOrder(1), OrderOf('z'));
+  NxStringIterator again(within);
+  EXPECT_EQ(again.GetNextOrder(0) & ~0x0F80, OrderOf('e'));
+  EXPECT_EQ(again.GetNextOrder(0), OrderOf('z'));
+}
+
+TEST(NextOrder, CharactersWithoutRecordSwitchToPlainOrder) {
+  const unsigned short text[] = {'a', 0x3042, 'b', 0xFFF0, 0xFFEF, 0};
+  NxStringIterator it(text, 253, 1, 8);
+  const struct {
+    unsigned short update, order;
+    int selector;
+  } steps[] = {{0, OrderOf('a'), 1}, {1, 0x3042, 20}, {1, OrderOf('b'), 1}, {1, 0xFFF0, 1}, {1, 0xFFEF, 20}};
+  for (const auto& step : steps) {
+    EXPECT_EQ(it.GetNextOrder(step.update), step.order);
+    EXPECT_EQ(it._nCollation, step.selector) << step.order;
+  }
+  NxStringIterator unlisted(text + 1, 253, 1, 8);
+  EXPECT_EQ(unlisted.GetNextOrder(0), 0x3042);
+  EXPECT_EQ(unlisted._nCollation, 1);
+  const unsigned short asterisk = NxString::GetAsterisk();
+  NxString::_nAsterisk = 0x3042;  // a wildcard of one's own does not switch
+  it = NxStringIterator(text + 1, 253, 1, 8);
+  EXPECT_EQ(it.GetNextOrder(1), 0x3042);
+  EXPECT_EQ(it._nCollation, 1);
+  NxString::_nAsterisk = asterisk;
+}
+
+/// An iterator that takes the general steps: a finished list is attached, which they
+/// drop and the short way does not know.
+unsigned short NextByTheSteps(NxStringIterator& it, unsigned short update) {
+  if (!it._pOverflow) it.SetOverflow(&kFinished, 254);
+  const unsigned short order = it.GetNextOrder(update);
+  if (it._pOverflow == &kFinished) it.SetOverflow(nullptr, 0), it._nOverflowCodeSet = 0;
+  return order;
+}
+
+void ExpectSameOrders(const char* text, unsigned char codeSet, unsigned char language,
+                      unsigned short update) {
+  NxStringIterator quick(text, codeSet, language, 1), general(quick);
+  for (;;) {
+    const unsigned short order = quick.GetNextOrder(update);
+    ASSERT_EQ(order, NextByTheSteps(general, update)) << +codeSet << " " << +language << " " << text;
+    ASSERT_EQ(quick._pPos, general._pPos);
+    ASSERT_EQ(quick._nCollation, general._nCollation);
+    ASSERT_EQ(quick._pOverflow, general._pOverflow);
+    ASSERT_TRUE(!quick._pOverflow || quick._nOverflowIndex == general._nOverflowIndex);
+    if (order == 0) break;
+  }
+}
+
+TEST(NextOrder, ShortWayAnswersAsTheSteps) {
+  std::mt19937 random(5);
+  const char letters[] = "aAcClLhHnN\xE5\xC5\xE6\xDF*? 1";
+  for (unsigned char codeSet : {0, 1, 2, 3, 4, 253})
+    for (unsigned char language : {0, 1, 2, 3, 4, 5, 6, 7, 99, 254}) {
+      for (int byte = 1; byte < 256; ++byte) {
+        const char text[] = {static_cast<char>(byte), 0, 0, 0};
+        ExpectSameOrders(text, codeSet, language, 0);
+        ExpectSameOrders(text, codeSet, language, 1);
+      }
+      for (int round = 0; round < 200; ++round) {
+        char text[28] = {};
+        for (int i = 0; i < 24; ++i)
+          text[i] = static_cast<char>(random() % 3 == 0 ? 1 + random() % 255 : letters[random() % 18]);
+        ExpectSameOrders(text, codeSet, language, round % 2);
+      }
+    }
+}
+
+// The order of a text does not depend on the code set that it is written in.
+TEST(NextOrder, IsThatOfTheTextInUnicode) {
+  std::mt19937 random(6);
+  for (unsigned char codeSet : {1, 2, 3, 4})
+    for (unsigned char language = 0; language < 8; ++language)
+      for (int round = 0; round < 100; ++round) {
+        std::string text;
+        for (int i = 0; i < 20; ++i)
+          text += static_cast<char>(random() % 3 ? "aclhnC"[random() % 6] : 1 + random() % 255);
+        std::vector<unsigned short> units;
+        for (char c : text) units.push_back(NxChar(c, codeSet, 1).MapTo(253));
+        units.push_back(0);
+        ASSERT_EQ(OrdersOf(reinterpret_cast<const char*>(units.data()), language, 253),
+                  OrdersOf(text.c_str(), language, codeSet));
+      }
+}
+
+TEST(NextOrderValue, ClearsBitsOfLettersAndReadsPlainBytes) {
+  NxStringIterator it(
+      "e\xE9"
+      "7",
+      1, 1, 1);
+  EXPECT_EQ(GetNextOrderValue(it, 0x3000), OrderOf('E'));
+  EXPECT_EQ(GetNextOrderValue(it, 0x3F80), OrderOf('E'));
+  EXPECT_EQ(GetNextOrderValue(it, 0xFFFF), OrderOf('7'));
+  EXPECT_EQ(GetNextOrderValue(it, 0), 0);
+  NxStringIterator bytes("\xE9", 0, 1, 1);
+  EXPECT_EQ(GetNextOrderValue(bytes, 0xFFFF), 0xE9);
+  EXPECT_EQ(GetNextOrderValue(bytes, 0), 0);
+  EXPECT_EQ(GetNextOrderValue(bytes, 0), 0);
+}
+
+}  // namespace
