@@ -1,0 +1,53 @@
+/// The commands of the workbench, one function each. They print to standard output
+/// and throw a Failure for input that is not right.
+#ifndef NXTM_COMMANDS_H
+#define NXTM_COMMANDS_H
+
+#include <string>
+#include <vector>
+
+namespace nxtm {
+
+/// How the looking commands read and write.
+struct LookOptions {
+  unsigned int format = 1;  // format byte of the images
+  std::string language = "1";
+  unsigned int codeSet = 0;  // of texts; 0 chooses
+  bool ignoreCase = false, ignoreAccents = false, skipSpaces = false, skipSymbols = false;
+  bool literally = false;    // no wildcards
+  bool orderValues = false;  // order values alone
+};
+
+// Looking at types, images and keys.
+
+void ListTypes();
+void ShowStored(const std::string& type, const std::vector<std::string>& texts, const LookOptions& options);
+void ShowLoaded(const std::string& type, const std::string& hex, const LookOptions& options);
+void ShowComparison(const std::string& type, const std::string& a, const std::string& b,
+                    const LookOptions& options);
+void ShowHash(const std::string& type, const std::string& text, const LookOptions& options);
+void ShowKey(const std::string& type, const std::string& text, const LookOptions& options);
+void ShowBounds(const std::string& type, const std::string& relation, const std::string& text,
+                const std::string& low, const std::string& high, const LookOptions& options);
+void ShowOrder(const std::string& text, const LookOptions& options);
+
+// Working on stores.
+
+void Import(const std::string& schemaFile, const std::string& dataFile, const std::string& storeFile,
+            bool header);
+void Export(const std::string& storeFile, bool header);
+void Check(const std::string& storeFile);
+void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash);
+void Reindex(const std::string& storeFile);
+
+struct QueryOptions {
+  bool explain = false;     // tell estimates, bounds and what was read
+  bool scan = false;        // read every record
+  bool count = false;       // print the number of records in their place
+  unsigned long limit = 0;  // records printed; 0 is all
+};
+void Query(const std::string& storeFile, const std::string& condition, const QueryOptions& options);
+
+}  // namespace nxtm
+
+#endif

@@ -1,0 +1,158 @@
+// nxtm: the workbench of the type manager. Looks at types, images and keys, and keeps
+// a small object store in which the library does all that it does for an engine.
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+#include "commands.h"
+#include "failure.h"
+#include "nxtmdata.h"
+
+namespace {
+
+using namespace nxtm;
+
+/// What the command line gives; one field serves every command that has it.
+struct Arguments {
+  std::string type, text, other, relation, low, high, hex, schema, data, store, attribute, condition;
+  std::vector<std::string> texts;
+  LookOptions look;
+  QueryOptions query;
+  bool hash = false, header = false;
+};
+
+void AddImageOptions(CLI::App* command, LookOptions& look) {
+  command
+      ->add_option("--format", look.format,
+                   "format byte of the images (1: this machine's order, 2: the other)")
+      ->capture_default_str();
+  command->add_option("--language", look.language, "language of texts, by name or number")
+      ->capture_default_str();
+  command->add_option("--codeset", look.codeSet, "code set of texts (0: Latin-1 where it does, else Unicode)")
+      ->capture_default_str();
+}
+
+void AddCompareOptions(CLI::App* command, LookOptions& look) {
+  command->add_flag("--ignore-case", look.ignoreCase, "letter case does not count");
+  command->add_flag("--ignore-accents", look.ignoreAccents, "accents do not count");
+  command->add_flag("--skip-spaces", look.skipSpaces, "spaces do not count");
+  command->add_flag("--skip-symbols", look.skipSymbols, "symbols do not count");
+  command->add_flag("--literally", look.literally, "* and ? are ordinary characters");
+  command->add_flag("--order-values", look.orderValues, "compare order values alone");
+}
+
+void AddLookingCommands(CLI::App& app, Arguments& a) {
+  app.add_subcommand("types", "list the types")->callback([] { ListTypes(); });
+
+  auto* store = app.add_subcommand("store", "stored images of values, in hex");
+  store->add_option("TYPE", a.type)->required();
+  store->add_option("TEXT", a.texts)->required();
+  AddImageOptions(store, a.look);
+  store->callback([&] { ShowStored(a.type, a.texts, a.look); });
+
+  auto* load = app.add_subcommand("load", "the value of a stored image in hex");
+  load->add_option("TYPE", a.type)->required();
+  load->add_option("HEX", a.hex)->required();
+  AddImageOptions(load, a.look);
+  load->callback([&] { ShowLoaded(a.type, a.hex, a.look); });
+
+  auto* compare = app.add_subcommand("compare", "compare two values; of texts the second is the pattern");
+  compare->add_option("TYPE", a.type)->required();
+  compare->add_option("A", a.text)->required();
+  compare->add_option("B", a.other)->required();
+  AddImageOptions(compare, a.look);
+  AddCompareOptions(compare, a.look);
+  compare->callback([&] { ShowComparison(a.type, a.text, a.other, a.look); });
+
+  auto* hash = app.add_subcommand("hash", "hash of a value");
+  hash->add_option("TYPE", a.type)->required();
+  hash->add_option("TEXT", a.text)->required();
+  AddImageOptions(hash, a.look);
+  hash->callback([&] { ShowHash(a.type, a.text, a.look); });
+
+  auto* key = app.add_subcommand("key", "index key of a value");
+  key->add_option("TYPE", a.type)->required();
+  key->add_option("TEXT", a.text)->required();
+  AddImageOptions(key, a.look);
+  key->callback([&] { ShowKey(a.type, a.text, a.look); });
+
+  auto* bounds =
+      app.add_subcommand("bounds", "scan bounds of a term, and its share of an index from LOW to HIGH");
+  bounds->add_option("TYPE", a.type)->required();
+  bounds->add_option("RELATION", a.relation, "=, !=, <, <=, > or >=")->required();
+  bounds->add_option("TEXT", a.text)->required();
+  bounds->add_option("LOW", a.low, "smallest value of the index");
+  bounds->add_option("HIGH", a.high, "largest value of the index");
+  AddImageOptions(bounds, a.look);
+  AddCompareOptions(bounds, a.look);
+  bounds->callback([&] { ShowBounds(a.type, a.relation, a.text, a.low, a.high, a.look); });
+
+  auto* order = app.add_subcommand("order", "collation order values of a text");
+  order->add_option("TEXT", a.text)->required();
+  AddImageOptions(order, a.look);
+  order->callback([&] { ShowOrder(a.text, a.look); });
+}
+
+void AddWorkingCommands(CLI::App& app, Arguments& a) {
+  auto* import = app.add_subcommand("import", "add the rows of a CSV file to a store, all or none");
+  import->add_option("SCHEMA", a.schema, "a line per column: name type [nullable] [language=L] [codeset=C]")
+      ->required();
+  import->add_option("DATA", a.data, "CSV in UTF-8; a field that is empty and not quoted is null")
+      ->required();
+  import->add_option("STORE", a.store)->required();
+  import->add_flag("--header", a.header, "the first row names the columns");
+  import->callback([&] { Import(a.schema, a.data, a.store, a.header);
+});
+
+auto* exporting = app.add_subcommand("export", "print the records of a store as CSV");
+exporting->add_option("STORE", a.store)->required();
+exporting->add_flag("--header", a.header, "print the names of the columns first");
+exporting->callback([&] { Export(a.store, a.header); });
+
+auto* check = app.add_subcommand("check", "walk every record and every index entry, both ways");
+check->add_option("STORE", a.store)->required();
+check->callback([&] { Check(a.store); });
+
+auto* index = app.add_subcommand("index", "make an index of an attribute");
+index->add_option("STORE", a.store)->required();
+index->add_option("ATTRIBUTE", a.attribute)->required();
+index->add_flag("--hash", a.hash, "by hash, for exact matches, in place of ordered");
+index->callback([&] { MakeIndex(a.store, a.attribute, a.hash); });
+
+auto* reindex = app.add_subcommand("reindex", "rebuild every index of a store");
+reindex->add_option("STORE", a.store)->required();
+reindex->callback([&] { Reindex(a.store); });
+
+auto* query = app.add_subcommand("query", "print the records that a condition selects");
+query->add_option("STORE", a.store)->required();
+query->add_option("CONDITION", a.condition, "such as: word = \"Haus*\" ignoring case and length > 5")
+    ->required();
+query->add_flag("--explain", a.query.explain, "tell the estimates, the bounds and what was read");
+query->add_flag("--scan", a.query.scan, "use no index");
+query->add_flag("--count", a.query.count, "print the number of records only");
+query->add_option("--limit", a.query.limit, "print at most so many records");
+query->callback([&] { Query(a.store, a.condition, a.query); });
+}  // namespace
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  ___NxTypemgrContext(1);
+  Arguments arguments;
+  CLI::App app("Workbench of the type manager");
+  app.require_subcommand(1);
+  AddLookingCommands(app, arguments);
+  AddWorkingCommands(app, arguments);
+  int status = 0;
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    status = app.exit(error) == 0 ? 0 : 2;
+  } catch (const std::exception& error) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "nxtm: %s\n", error.what());
+    status = 2;
+  }
+  ___NxTypemgrContext(0);
+  return status;
+}

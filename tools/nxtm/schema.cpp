@@ -1,0 +1,154 @@
+// Schemas, and records by them.
+
+#include "schema.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "failure.h"
+
+namespace nxtm {
+
+namespace {
+
+struct Word {
+  std::string text;
+  unsigned long column;  // from 1
+};
+
+std::vector<Word> SplitWords(const std::string& line) {
+  std::vector<Word> words;
+  for (unsigned long i = 0; i < line.size() && line[i] != '#';) {
+    unsigned long start = line.find_first_not_of(" \t\r", i);
+    if (start == std::string::npos || line[start] == '#') break;
+    i = std::min(line.find_first_of(" \t\r#", start), line.size());
+    words.push_back({line.substr(start, i - start), start + 1});
+  }
+  return words;
+}
+
+bool IsName(const std::string& text) {
+  return std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isalnum(c) || c == '_'; }) &&
+         !std::isdigit(static_cast<unsigned char>(text[0]));
+}
+
+unsigned char ParseCodeSet(const std::string& text) {
+  for (unsigned char codeSet : {1, 2, 3, 4, 253})
+    if (text == std::to_string(codeSet)) return codeSet;
+  throw Failure("there is no code set '" + text + "' (1, 2, 3, 4 or 253)");
+}
+
+void ApplyOption(Column& column, const std::string& word) {
+  bool isText = column.type == kStringTypeId;
+  if (word == "nullable")
+    column.nullable = true;
+  else if (isText && word.rfind("language=", 0) == 0)
+    column.style.language = FindLanguage(word.substr(9));
+  else if (isText && word.rfind("codeset=", 0) == 0)
+    column.style.codeSet = ParseCodeSet(word.substr(8));
+  else
+    throw Failure("'" + word + "' is no option of a column of type " +
+                  Manager().NameGet(column.type, nullptr));
+}
+
+}  // namespace
+
+Schema Schema::Parse(const std::string& text, const std::string& file) {
+  Schema schema;
+  unsigned long number = 0;
+  for (unsigned long at = 0; at < text.size();) {
+    unsigned long end = std::min(text.find('\n', at), text.size());
+    std::vector<Word> words = SplitWords(text.substr(at, end - at));
+    at = end + 1;
+    ++number;
+    if (words.empty()) continue;
+    Word place = words[0];
+    try {
+      Column column;
+      column.name = words[0].text;
+      if (!IsName(column.name)) throw Failure("'" + column.name + "' is not a name");
+      for (const Column& other : schema.columns_)
+        if (other.name == column.name) throw Failure("column '" + column.name + "' is there already");
+      if (words.size() < 2) throw Failure("column '" + column.name + "' has no type");
+      place = words[1];
+      column.type = FindType(words[1].text);
+      if (!IsUsable(column.type)) throw Failure("values of type " + words[1].text + " cannot be stored yet");
+      for (unsigned long i = 2; i < words.size(); ++i) {
+        place = words[i];
+        ApplyOption(column, words[i].text);
+      }
+      schema.columns_.push_back(column);
+    } catch (const Failure& failure) {
+      throw FailureAt(file, number, place.column, failure.what());
+    }
+  }
+  if (schema.columns_.empty()) throw FailureAt(file, 1, 1, "the schema names no column");
+  return schema;
+}
+
+Schema Schema::Read(const std::string& file) { return Parse(ReadFile(file), file); }
+
+std::string Schema::Text() const {
+  std::string text;
+  for (const Column& column : columns_) {
+    text += column.name + " " + Manager().NameGet(column.type, nullptr);
+    if (column.nullable) text += " nullable";
+    if (column.type == kStringTypeId) {
+      text += " language=" + std::to_string(column.style.language);
+      if (column.style.codeSet) text += " codeset=" + std::to_string(column.style.codeSet);
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+unsigned long Schema::Find(const std::string& name) const {
+  std::string names;
+  for (unsigned long i = 0; i < columns_.size(); ++i) {
+    if (columns_[i].name == name) return i;
+    names += (i ? ", " : "") + columns_[i].name;
+  }
+  throw Failure("there is no attribute '" + name + "' (" + names + ")");
+}
+
+std::vector<Field> Record::Split(const Schema& schema, std::string_view bytes) {
+  std::vector<Field> fields;
+  fields.reserve(schema.Columns().size());
+  for (const Column& column : schema.Columns()) {
+    Field field;
+    bool nullByte = column.HasNullByte();
+    if (nullByte) {
+      if (bytes.empty() || static_cast<unsigned char>(bytes[0]) > 1)
+        throw Failure("attribute '" + column.name + "' is damaged");
+      field.isNull = bytes[0] == 1;
+      bytes.remove_prefix(1);
+    }
+    if (!field.isNull) {
+      unsigned long size = ImageSize(column.type, bytes);
+      if (size == 0) throw Failure("attribute '" + column.name + "' is damaged");
+      field.image = Image(bytes.substr(0, size));
+      bytes.remove_prefix(size);
+      if (column.nullable && !nullByte) field.isNull = field.image == NullImage(column.type);
+    }
+    fields.push_back(std::move(field));
+  }
+  if (!bytes.empty()) throw Failure("there are bytes behind the last attribute");
+  return fields;
+}
+
+void Record::Append(std::string& bytes, const Column& column, const Field& field) {
+  if (column.HasNullByte()) bytes += field.isNull ? '\1' : '\0';
+  if (!field.isNull)
+    bytes += field.image;
+  else if (!column.HasNullByte())
+    bytes += NullImage(column.type);
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) throw Failure(path + ": cannot be read");
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+}  // namespace nxtm
