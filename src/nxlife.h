@@ -97,10 +97,32 @@ struct NxObjectValues {
   }
 };
 
-/// n null values in the object form, of a class with SetNullValue.
+/// The object form of classes whose constructor asks the clock: once for all values
+/// of an array.
 template <class T>
+struct NxClockForm {
+  static void* Create(unsigned long n) {
+    if (n < 2) return NxObjectForm<T>::Create(n);
+    void* values = NxNewArray<Room>(n);
+    if (values) NxPlainValues<T>::Construct(values, n);
+    return values;
+  }
+  static int Delete(void* values, unsigned long n) {
+    if (n < 2) return NxObjectForm<T>::Delete(values, n);
+    delete[] static_cast<Room*>(values);
+    return 0;
+  }
+
+ private:
+  struct Room {
+    alignas(T) unsigned char bytes[sizeof(T)];
+  };
+};
+
+/// n null values of a class with SetNullValue.
+template <class T, class Form = NxObjectForm<T>>
 void* NxNullValues(unsigned long n) {
-  auto* values = static_cast<T*>(NxObjectForm<T>::Create(n));
+  auto* values = static_cast<T*>(Form::Create(n));
   if (!values) return nullptr;
   for (unsigned long i = 0; i < n; ++i) values[i].SetNullValue();
   return values;

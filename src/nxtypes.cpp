@@ -48,8 +48,8 @@ NX_LIFE_CYCLE(Int, Int, NxArrayForm<int>, NxPlainValues<int>)
 NX_LIFE_CYCLE(Long, Long, NxArrayForm<long>, NxPlainValues<long>)
 NX_LIFE_CYCLE(Float, Float, NxArrayForm<float>, NxPlainValues<float>)
 NX_LIFE_CYCLE(Double, Double, NxArrayForm<double>, NxPlainValues<double>)
-NX_LIFE_CYCLE(NxDate, NxDate, NxObjectForm<NxDate>, NxPlainValues<NxDate>)
-NX_LIFE_CYCLE(NxTime, NxTime, NxObjectForm<NxTime>, NxPlainValues<NxTime>)
+NX_LIFE_CYCLE(NxDate, NxDate, NxClockForm<NxDate>, NxPlainValues<NxDate>)
+NX_LIFE_CYCLE(NxTime, NxTime, NxClockForm<NxTime>, NxPlainValues<NxTime>)
 NX_LIFE_CYCLE(NxInt64, Int64, NxObjectForm<NxInt64>, NxPlainValues<NxInt64>)
 NX_LIFE_CYCLE(NxBoolean, Boolean, NxObjectForm<NxBoolean>, NxPlainValues<NxBoolean>)
 NX_LIFE_CYCLE(NxSeal, Seal, NxObjectForm<NxSeal>, NxPlainValues<NxSeal>)
@@ -78,10 +78,12 @@ void* DoubleDefaultValue(unsigned long n, int) {
 void* Int64DefaultValue(unsigned long n, int) { return NxDefaultFromEmptyText(Int64ConvertFromNxString, n); }
 void* SealDefaultValue(unsigned long n, int) { return NxDefaultFromEmptyText(SealConvertFromNxString, n); }
 void* NxDateDefaultValue(unsigned long n, int asNull) {
-  return asNull ? NxNullValues<NxDate>(n) : NxDefaultFromEmptyText(NxDateConvertFromNxString, n);
+  return asNull ? NxNullValues<NxDate, NxClockForm<NxDate>>(n)
+                : NxDefaultFromEmptyText(NxDateConvertFromNxString, n);
 }
 void* NxTimeDefaultValue(unsigned long n, int asNull) {
-  return asNull ? NxNullValues<NxTime>(n) : NxDefaultFromEmptyText(NxTimeConvertFromNxString, n);
+  return asNull ? NxNullValues<NxTime, NxClockForm<NxTime>>(n)
+                : NxDefaultFromEmptyText(NxTimeConvertFromNxString, n);
 }
 void* NxBooleanDefaultValue(unsigned long n, int asNull) {
   return asNull ? NxNullValues<NxBoolean>(n) : NxDefaultFromEmptyText(BooleanConvertFromNxString, n);
