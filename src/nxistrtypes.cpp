@@ -151,7 +151,7 @@ template <class Text>
 void* ConvertFrom(NxTypeConvertData* strings, unsigned long n) {
   auto* values = static_cast<Text*>(NxObjectForm<Text>::Create(n));
   for (unsigned long i = 0; values && i < n; ++i) {
-    NxString* s = strings->GetString(static_cast<int>(i));
+    NxString* s = strings ? strings->GetString(static_cast<int>(i)) : nullptr;
     if (s && !s->IsNullValue()) values[i] = s->StrGet();
   }
   return values;
