@@ -8,8 +8,8 @@
 // ---------------------------------------------------------------------------
 // Texts
 
-unsigned long NxTextLength(const char* text, unsigned width, unsigned long limit) {
-  if (width == 1) return limit == ~0UL ? std::strlen(text) : strnlen(text, limit);
+unsigned long NxLimitedLength(const char* text, unsigned width, unsigned long limit) {
+  if (width == 1) return strnlen(text, limit);
   unsigned long length = 0;
   while (length < limit && NxUnitAt(text + 2 * length) != 0) ++length;
   return length;
@@ -18,8 +18,8 @@ unsigned long NxTextLength(const char* text, unsigned width, unsigned long limit
 void NxMemCpy(char* dst, char* src, short width, unsigned char byteOrder, unsigned long bytes) {
   if (width == 2 && byteOrder == kFormatBigEndian)
     ShortStore(dst, src, kFormatBigEndian, bytes / 2);
-  else if (bytes != 0)
-    std::memcpy(dst, src, bytes);
+  else
+    NxCopyBytes(dst, src, bytes);
 }
 
 void NxReportOverflow(int line) {
@@ -103,7 +103,7 @@ class TextBuilder {
       return true;
     }
     unsigned long wanted = piece_.repeat == 1 ? piece_.start + piece_.length : 1;
-    wanted = NxTextLength(source_, NxCharWidth(piece_.codeSet), wanted);
+    wanted = NxLimitedLength(source_, NxCharWidth(piece_.codeSet), wanted);
     converted_ = NxNewArray<char>(wanted * width_);
     if (!converted_) return false;
     available_ = NxMapText(piece_.codeSet, source_, s_._nCodeSet, converted_, wanted) * width_;

@@ -25,15 +25,40 @@ inline unsigned short NxCharAt(const char* p, unsigned width) {
 }
 
 /// Characters before the first zero character, or limit when it comes first.
-unsigned long NxTextLength(const char* text, unsigned width, unsigned long limit = ~0UL);
+unsigned long NxLimitedLength(const char* text, unsigned width, unsigned long limit);
+inline unsigned long NxTextLength(const char* text, unsigned width) {
+  return width == 1 ? std::strlen(text) : NxLimitedLength(text, width, ~0UL);
+}
 
-/// A new buffer of the first `bytes` bytes of text and a terminator of the width.
-inline char* NxCopyText(const char* text, unsigned long bytes, unsigned width) {
-  char* buffer = NxNewArray<char>(bytes + width);
-  if (!buffer) return nullptr;
-  std::memcpy(buffer, text, bytes);
-  std::memset(buffer + bytes, 0, width);
-  return buffer;
+/// The first and the last Size of n bytes.
+template <unsigned long Size>
+inline void NxCopyBlocks(char* dst, const char* src, unsigned long n) {
+  char first[Size], last[Size];
+  std::memcpy(first, src, Size);
+  std::memcpy(last, src + n - Size, Size);
+  std::memcpy(dst, first, Size);
+  std::memcpy(dst + n - Size, last, Size);
+}
+
+/// std::memcpy for texts, most of which are short: no call for up to 16 bytes.
+inline void NxCopyBytes(void* to, const void* from, unsigned long n) {
+  auto* dst = static_cast<char*>(to);
+  const auto* src = static_cast<const char*>(from);
+  if (n > 16) {
+    std::memcpy(dst, src, n);
+  } else if (n >= 8) {  // two blocks that overlap
+    NxCopyBlocks<8>(dst, src, n);
+  } else if (n >= 4) {
+    NxCopyBlocks<4>(dst, src, n);
+  } else {
+    for (unsigned long i = 0; i < n; ++i) dst[i] = src[i];
+  }
+}
+
+/// A zero character at p.
+inline void NxPutTerminator(char* p, unsigned width) {
+  p[0] = 0;
+  if (width == 2) p[1] = 0;
 }
 
 /// Takes buffer (of size bytes) in place of the present one.
@@ -41,6 +66,16 @@ inline void NxAttach(NxString& s, char* buffer, unsigned long size) {
   delete[] s._pBuffer;
   s._pBuffer = buffer;
   s._nSize = static_cast<unsigned short>(size);
+}
+
+/// A buffer of just size bytes for s: the present one when it is, which spares the
+/// allocation where a string takes text after text of equal length. Null, with s as
+/// it was, for want of memory.
+inline char* NxBufferFor(NxString& s, unsigned long size) {
+  if (s._pBuffer && s._nSize == size) return s._pBuffer;
+  char* buffer = NxNewArray<char>(size);
+  if (buffer) NxAttach(s, buffer, size);
+  return buffer;
 }
 
 enum class NxBuildMode : unsigned short { kOverwrite = 1, kInsert = 2, kCompose = 3 };

@@ -29,7 +29,7 @@ int CompareDefault(const NxString& a, const NxString& b) {
 /// behind them for as long as it takes.
 int CompareLong(const NxString& a, char* aText, const NxString& b, unsigned short op, unsigned long length) {
   const unsigned width = NxCharWidth(a._nCodeSet);
-  if (NxTextLength(aText, width, length) < length) return CompareTexts(a, aText, b, op, kWholeText);
+  if (NxLimitedLength(aText, width, length) < length) return CompareTexts(a, aText, b, op, kWholeText);
   char* end = aText + length * width;
   char kept[2];
   std::memcpy(kept, end, width);

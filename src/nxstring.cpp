@@ -43,15 +43,17 @@ struct NumberText {
 /// Gives s a text of its own: n characters in codeSet, in a buffer also when n is 0.
 /// The present text may be the source; it stays when the new one is too long.
 void AssignText(NxString& s, const char* text, unsigned char codeSet, unsigned long n) {
-  const unsigned long width = NxCharWidth(codeSet);
+  const unsigned width = NxCharWidth(codeSet);
   char* buffer = nullptr;
   if (text) {
     if (n >= kMaxStringBytes / width) {
       NxReportOverflow(kOverflowInBuild);
       return;
     }
-    buffer = NxCopyText(text, n * width, static_cast<unsigned>(width));
+    buffer = NxNewArray<char>((n + 1) * width);
     if (!buffer) return;
+    NxCopyBytes(buffer, text, n * width);
+    NxPutTerminator(buffer + n * width, width);
   }
   NxAttach(s, buffer, buffer ? (n + 1) * width : 0);
   s._nCodeSet = codeSet;
@@ -116,16 +118,16 @@ void NxString::d_deactivate() { Destroy(); }
 
 NxString& NxString::operator=(const NxString& s) {
   if (this == &s) return *this;
-  char* buffer = nullptr;
-  unsigned long size = 0;
   if (s._pBuffer) {
     const unsigned width = NxCharWidth(s._nCodeSet);
     const unsigned long bytes = NxTextLength(s._pBuffer, width) * width;
-    buffer = NxCopyText(s._pBuffer, bytes, width);
+    char* buffer = NxBufferFor(*this, bytes + width);
     if (!buffer) return *this;
-    size = bytes + width;
+    NxCopyBytes(buffer, s._pBuffer, bytes);
+    NxPutTerminator(buffer + bytes, width);
+  } else {
+    NxAttach(*this, nullptr, 0);
   }
-  NxAttach(*this, buffer, size);
   _nCodeSet = s._nCodeSet;
   _nLanguage = s._nLanguage;
   return *this;

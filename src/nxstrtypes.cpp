@@ -64,8 +64,8 @@ unsigned char* PutImage(unsigned char* image, const NxString& s, unsigned char c
   if (code == kFormatBigEndian && NxCharWidth(s._nCodeSet) == 2) {
     if (bytes % 2 != 0) text[bytes - 1] = 0;
     ShortStore(text, s._pBuffer, code, bytes / 2);
-  } else if (bytes != 0) {
-    std::memcpy(text, s._pBuffer, bytes);
+  } else {
+    NxCopyBytes(text, s._pBuffer, bytes);
   }
   text[bytes] = 0;
   text[bytes + 1] = kLastByte;
@@ -80,18 +80,18 @@ void TakeText(NxString& s, const unsigned char* text, unsigned long bytes, unsig
     NxAttach(s, nullptr, 0);
     return;
   }
-  // A buffer of the right size serves again, terminator and all: loading over the
-  // strings of the record before, or of equal length, costs no allocation.
-  if (!s._pBuffer || s._nSize != bytes + width) {
-    char* buffer = NxNewArray<char>(bytes + width);
-    NxAttach(s, buffer, buffer ? bytes + width : 0);
-    if (!buffer) return;
+  char* buffer = NxBufferFor(s, bytes + width);
+  if (!buffer) {
+    NxAttach(s, nullptr, 0);
+    return;
   }
-  if (width == 2)
-    ShortStore(s._pBuffer, text, code, bytes / 2);
-  else
-    std::memcpy(s._pBuffer, text, bytes);
-  std::memset(s._pBuffer + bytes, 0, width);
+  if (width == 2) {
+    ShortStore(buffer, text, code, bytes / 2);
+    std::memset(buffer + bytes, 0, 2);
+  } else {
+    NxCopyBytes(buffer, text, bytes);
+    buffer[bytes] = 0;
+  }
 }
 
 /// Reads one current image; returns its end. A damaged length that does not even
