@@ -42,7 +42,7 @@ void NxTypeMgr::SetFactory(unsigned long number) {
 
 NxTypeTab* NxTypeMgr::Find(char id) const {
   const int index = TableIndex(id);
-  const int count = table == NxOldtypetab ? kOldTypeCount : kTypeCount;
+  const int count = static_cast<int>(table == NxOldtypetab ? kOldTypeCount : kTypeCount);
   return index >= 0 && index < count ? table[index] : nullptr;
 }
 
