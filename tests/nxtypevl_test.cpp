@@ -142,8 +142,7 @@ TEST(Numbers, FloatsSelectSomething) {
   EXPECT_EQ(Term(NxDoubleTab, 1, 0.0, -1e308, 1e308).Eval(kEqual), least);
   EXPECT_EQ(Term(NxFloatTab, 1, 0.F, -1e30F, 1e30F).Eval(kEqual), least);
   EXPECT_EQ(Term(NxFloatTab, 1, 5.F, 6.F, 1e30F).Eval(kEqual), 0) << "an empty range stays one";
-  EXPECT_EQ(Term(NxDoubleTab, 1, 1.0, kNan, kNan).Eval(kLess), 1)
-      << "no numbers: the largest by the largest";
+  EXPECT_EQ(Term(NxDoubleTab, 1, 1.0, kNan, kNan).Eval(kLess), 1) << "no numbers: the largest by the largest";
 }
 
 TEST(Numbers, Wide) {
