@@ -6,6 +6,7 @@
 #include "nxapi.h"
 #include "nxchar.h"
 
+class NxCodeSet;
 class NxString;
 class NxWCharList;
 
@@ -83,7 +84,9 @@ class NX_API NxStringIterator {
   unsigned char _nOverflowCodeSet;  // their code set; 254: order values
   unsigned char _nByteOrder;        // format code of the characters read
   unsigned char _bOwnsBuffer;       //
+  unsigned char _nOpenCodeSet;      // what _pCodeSet was asked for
   char* _pOwnedText;                // start of the text when it is owned, else null
+  const NxCodeSet* _pCodeSet;       // asked for at opening, not for every character
 };
 
 /// The next order value of it, with the bits of mask cleared from a letter's. For

@@ -14,8 +14,9 @@
 
 namespace {
 
-unsigned char CollationOf(unsigned char codeSet, unsigned char language) {
-  return NxLanguageContext::QueryCodeSet(codeSet)->GetCollation(language);
+const NxCodeSet* CodeSetOf(const NxStringIterator& it) {
+  if (it._pCodeSet && it._nOpenCodeSet == it._nCodeSet) return it._pCodeSet;
+  return NxLanguageContext::QueryCodeSet(StatedCodeSet(it._nCodeSet));
 }
 
 bool IsPending(const NxStringIterator& it) {
@@ -31,9 +32,17 @@ const NxCharInfo* InLanguage(const NxCharInfo* info, unsigned char number) {
   return variant ? variant : info;
 }
 
+/// The record of a character by the code set's own table, or null.
+const NxCharInfo* RecordOf(const NxCodeSet* codeSet, unsigned short value) {
+  if (const NxCharInfo* const* records = codeSet->FlatRecords()) return records[value];
+  const NxCharTable* table = codeSet->CharTable();
+  return table ? table->Find(value) : nullptr;
+}
+
+/// Goes on with the selector that the record names, or else with the language's.
 void SelectCollation(NxStringIterator& it, const NxCharInfo* info) {
-  it._nCollation = info->collation != NxCharInfo::kNoCollation ? info->collation
-                                                               : CollationOf(it._nCodeSet, it._nLanguage);
+  const bool named = info->collation != NxCharInfo::kNoCollation;
+  it._nCollation = named ? info->collation : CodeSetOf(it)->GetCollation(it._nLanguage);
 }
 
 /// Takes one order value from an iterator.
@@ -128,24 +137,9 @@ const NxCharInfo* OrderReader::Contract(const NxCharInfo* info) {
   return info;
 }
 
-/// The short way: true when no list is attached and the record of the byte needs no
-/// look at its neighbours and has one value only.
-bool TakeSimpleByte(NxStringIterator& it, bool updateCollation, unsigned short& order) {
-  if (it._pOverflow || !it._pPos) return false;
-  const NxCodeSet* codeSet = NxLanguageContext::QueryCodeSet(StatedCodeSet(it._nCodeSet));
-  const NxCharInfo* const* records = codeSet->FlatRecords();
-  if (!records) return false;
-  const unsigned char byte = static_cast<unsigned char>(*it._pPos);
-  if (byte == 0) {
-    order = 0;
-    return true;
-  }
-  const NxCharInfo* info = InLanguage(records[byte], it._nLanguage);
-  if (info->followers || info->expansion) return false;
-  if (updateCollation) SelectCollation(it, info);
-  ++it._pPos;
-  order = info->order;
-  return true;
+/// Apart from the short way, which would otherwise save registers for it.
+__attribute__((noinline)) unsigned short NextBySteps(NxStringIterator& it, bool updateCollation) {
+  return OrderReader(it, updateCollation).Next();
 }
 
 }  // namespace
@@ -164,7 +158,9 @@ NxStringIterator::NxStringIterator()
       _nOverflowCodeSet(0),
       _nByteOrder(kFormatNative),
       _bOwnsBuffer(0),
-      _pOwnedText(nullptr) {}
+      _nOpenCodeSet(0),
+      _pOwnedText(nullptr),
+      _pCodeSet(nullptr) {}
 
 NxStringIterator::NxStringIterator(const char* t, unsigned char cs, unsigned char lang,
                                    unsigned char byteOrder)
@@ -172,7 +168,9 @@ NxStringIterator::NxStringIterator(const char* t, unsigned char cs, unsigned cha
   _pPos = const_cast<char*>(t);
   _nCodeSet = Stated8CodeSet(cs);
   _nLanguage = StatedLanguage(lang);
-  _nCollation = CollationOf(_nCodeSet, _nLanguage);
+  _pCodeSet = CodeSetOf(*this);
+  _nOpenCodeSet = _nCodeSet;
+  _nCollation = _pCodeSet->GetCollation(_nLanguage);
   _nByteOrder = StatedByteOrder(byteOrder);
 }
 
@@ -216,6 +214,8 @@ NxStringIterator& NxStringIterator::operator=(const NxStringIterator& it) {
   _nOverflowIndex = it._nOverflowIndex;
   _nOverflowCodeSet = it._nOverflowCodeSet;
   _nByteOrder = it._nByteOrder;
+  _nOpenCodeSet = it._nOpenCodeSet;
+  _pCodeSet = it._pCodeSet;
   return *this;
 }
 
@@ -271,10 +271,19 @@ void NxStringIterator::Transform(NxStringIterator& dst, NxCharOperation& op) {
   ++*this;
 }
 
+// The short way is for a character with no list attached whose record needs no look at
+// its neighbours and has one value only.
 unsigned short NxStringIterator::GetNextOrder(unsigned short updateCollation) {
-  unsigned short order;
-  if (TakeSimpleByte(*this, updateCollation != 0, order)) return order;
-  return OrderReader(*this, updateCollation != 0).Next();
+  if (_pOverflow || !_pPos || _nCodeSet == kCodeSetOrderValues) return NextBySteps(*this, updateCollation);
+  const unsigned short value = ReadCharacter(_pPos, _nCodeSet, _nByteOrder);
+  if (value == 0) return 0;
+  const NxCharInfo* info = RecordOf(CodeSetOf(*this), value);
+  if (!info) return NextBySteps(*this, updateCollation);
+  info = InLanguage(info, _nLanguage);
+  if (info->followers || info->expansion) return NextBySteps(*this, updateCollation);
+  _pPos += NxCharWidth(_nCodeSet);
+  if (updateCollation) SelectCollation(*this, info);
+  return info->order;
 }
 
 unsigned short GetNextOrderValue(NxStringIterator& it, unsigned short mask) {
