@@ -130,8 +130,8 @@ NX_API int CheckNxVersionNumber(int major, int minor, int build, int patch, int 
 // ---------------------------------------------------------------------------
 // Configuration
 
-/// Extra argument of a configuration query: the section that a key is read
-/// from when it names one ("debug"), and a reserved word.
+/// Extra argument of a configuration query: the section that a key is looked up
+/// in first ("debug"), null for none, and a reserved word.
 struct NxConfigScope {
   const char* section;
   unsigned long reserved;
@@ -157,7 +157,9 @@ class NX_API NxConfig {
 /// installs that configuration, which stays the caller's.
 ///
 /// Unless one was installed, the configuration is what the file says that the
-/// environment variable `NX21_CONFIG` names (`key=value` lines, read once).
+/// environment variable `NX21_CONFIG` names. It is read once. A line is
+/// `key=number` or `section.key=number`, blank, or a comment behind `#`; other
+/// lines are reported on standard error and left out.
 NX_API NxConfig* DefaultConfig(NxConfig* config);
 
 /// The argument with which `DefaultConfig` only asks.
