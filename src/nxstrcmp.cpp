@@ -113,7 +113,8 @@ void ProcessCharInfo::AddNode() {
     const unsigned capacity = nodeCapacity_ ? nodeCapacity_ * 2 : 16;
     std::unique_ptr<Restart[]> grown(NxNewArray<Restart>(capacity));
     if (!grown) return;
-    nodeEnd_ = static_cast<unsigned>(std::copy(&nodes_[nodeHead_], &nodes_[nodeEnd_], &grown[0]) - &grown[0]);
+    const Restart* const old = nodes_.get();
+    nodeEnd_ = static_cast<unsigned>(std::copy(old + nodeHead_, old + nodeEnd_, grown.get()) - grown.get());
     nodeHead_ = 0;
     nodes_ = std::move(grown);
     nodeCapacity_ = capacity;
@@ -236,6 +237,7 @@ int Compare(NxComparedText a, NxComparedText b, unsigned short op, short len, un
   if (IsNull(a.codeSet, a.language)) {
     if (IsNull(b.codeSet, b.language)) return 0;
     if (bytesDecide) return -1;  // otherwise a pattern may match it
+    if (!a.text) a.text = zeroString;
   } else if (IsNull(b.codeSet, b.language)) {
     return 1;
   }

@@ -343,8 +343,12 @@ int PlainWalk<Unit>::CompareLevels(unsigned char byteOrder, int* outPos) {
     p_ = it0._pPos;
     q_ = it1._pPos;
     if (Walk()) return result_;
+    if (p_ == it0._pPos) continue;
     it0._pPos = const_cast<char*>(p_);
     it1._pPos = const_cast<char*>(q_);
+    // The selectors as the characters walked over leave them.
+    it0._nCollation = EntryAt(tableA_, p_ - kUnitSize).selector;
+    it1._nCollation = EntryAt(tableB_, q_ - kUnitSize).selector;
   }
 }
 

@@ -136,6 +136,7 @@ TEST(NxStrCmp, NullValuesAndPlainBytes) {
   EXPECT_EQ(compare(0, 254, nullptr, 1, 1, "?", 0), -1);
   EXPECT_EQ(compare(254, 0, nullptr, 0, 1, "*", 0), 0);
   EXPECT_EQ(compare(1, 1, "", 0, 254, nullptr, 0), 1);
+  EXPECT_EQ(compare(0, 254, nullptr, 0, 1, "*", 0), 0);
   EXPECT_EQ(compare(1, 1, nullptr, 1, 1, "", 0), 0);
   // Bytes: no case, no collation; on one side only the native code set serves.
   EXPECT_EQ(compare(0, 0, "a", 0, 0, "B", 0), 'a' - 'B');
@@ -352,7 +353,9 @@ TEST(PlainWalk, AgreesOnRandomTexts) {
 }
 
 TEST(PlainWalk, LeavesWideCharactersAndByteOrdersToTheLevels) {
-  const Units texts[] = {u"a\u4E00", u"a\u4E01", u"\u0141a", u"la", u"a*", u"\u4E00?", u"aa"};
+  const Units texts[] = {u"a\u4E00", u"a\u4E01", u"\u0141a", u"la", u"a*", u"\u4E00?", u"aa",
+                         // U+0258 changes the collation selector, "a" changes it back, U+FFF5 keeps it.
+                         u"\u0258a\uFFF5", u"\u0258ab"};
   for (const Units& a : texts)
     for (const Units& b : texts)
       for (unsigned char order : {1, 2, 8}) {
