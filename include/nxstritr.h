@@ -84,7 +84,9 @@ class NX_API NxStringIterator {
   unsigned char _nOverflowCodeSet;  // their code set; 254: order values
   unsigned char _nByteOrder;        // format code of the characters read
   unsigned char _bOwnsBuffer;       //
-  unsigned char _nOpenCodeSet;      // what _pCodeSet was asked for
+  unsigned char _nOpenCodeSet;      // what _pCodeSet and _nOpenCollation were asked for
+  unsigned char _nOpenLanguage;     //
+  unsigned char _nOpenCollation;    // the language's selector
   char* _pOwnedText;                // start of the text when it is owned, else null
   const NxCodeSet* _pCodeSet;       // asked for at opening, not for every character
 };

@@ -95,9 +95,9 @@ NxChar::~NxChar() { _pChar = nullptr; }
 
 NxChar& NxChar::operator=(const NxChar& c) {
   if (!_pChar) {
-    unsigned short cell = 0;  // c may be this character
-    std::memcpy(&cell, c.Address(), NxCharWidth(c._nCodeSet));
-    _nChar = cell;
+    if (this == &c) return *this;
+    _nChar = 0;
+    std::memcpy(&_nChar, c.Address(), NxCharWidth(c._nCodeSet));
     _nCodeSet = c._nCodeSet;
     _nLanguage = c._nLanguage;
     _nByteOrder = c._nByteOrder;

@@ -1,7 +1,7 @@
 // NxStringIterator: stepping through texts, delivering characters that stand in no
 // text, and turning characters into collation order values. The order values come by
-// the steps of OrderReader; single bytes whose record is all there is to say take a
-// short way before it.
+// the steps of OrderReader; single characters whose record is all there is to say take
+// a short way before it.
 
 #include "nxstritr.h"
 
@@ -41,8 +41,12 @@ const NxCharInfo* RecordOf(const NxCodeSet* codeSet, unsigned short value) {
 
 /// Goes on with the selector that the record names, or else with the language's.
 void SelectCollation(NxStringIterator& it, const NxCharInfo* info) {
-  const bool named = info->collation != NxCharInfo::kNoCollation;
-  it._nCollation = named ? info->collation : CodeSetOf(it)->GetCollation(it._nLanguage);
+  if (info->collation != NxCharInfo::kNoCollation)
+    it._nCollation = info->collation;
+  else if (it._pCodeSet && it._nOpenCodeSet == it._nCodeSet && it._nOpenLanguage == it._nLanguage)
+    it._nCollation = it._nOpenCollation;
+  else
+    it._nCollation = CodeSetOf(it)->GetCollation(it._nLanguage);
 }
 
 /// Takes one order value from an iterator.
@@ -159,6 +163,8 @@ NxStringIterator::NxStringIterator()
       _nByteOrder(kFormatNative),
       _bOwnsBuffer(0),
       _nOpenCodeSet(0),
+      _nOpenLanguage(0),
+      _nOpenCollation(0),
       _pOwnedText(nullptr),
       _pCodeSet(nullptr) {}
 
@@ -170,7 +176,8 @@ NxStringIterator::NxStringIterator(const char* t, unsigned char cs, unsigned cha
   _nLanguage = StatedLanguage(lang);
   _pCodeSet = CodeSetOf(*this);
   _nOpenCodeSet = _nCodeSet;
-  _nCollation = _pCodeSet->GetCollation(_nLanguage);
+  _nOpenLanguage = _nLanguage;
+  _nOpenCollation = _nCollation = _pCodeSet->GetCollation(_nLanguage);
   _nByteOrder = StatedByteOrder(byteOrder);
 }
 
@@ -199,6 +206,7 @@ NxStringIterator::NxStringIterator(NxStringIterator* it) : NxStringIterator(*it)
 NxStringIterator::~NxStringIterator() { delete[] _pOwnedText; }
 
 NxStringIterator& NxStringIterator::operator=(const NxStringIterator& it) {
+  if (this == &it) return *this;
   const unsigned short textBytes = 2 * NxCharWidth(_nCodeSet);
   const bool staysInText = _pOwnedText && it._pPos >= _pOwnedText && it._pPos <= _pOwnedText + textBytes;
   if (!staysInText) {
@@ -215,6 +223,8 @@ NxStringIterator& NxStringIterator::operator=(const NxStringIterator& it) {
   _nOverflowCodeSet = it._nOverflowCodeSet;
   _nByteOrder = it._nByteOrder;
   _nOpenCodeSet = it._nOpenCodeSet;
+  _nOpenLanguage = it._nOpenLanguage;
+  _nOpenCollation = it._nOpenCollation;
   _pCodeSet = it._pCodeSet;
   return *this;
 }

@@ -6,7 +6,6 @@
 #include <string>
 
 #include "nxlang.h"
-#include "nxmbchar.h"
 #include "nxstring.h"
 #include "nxstritr.h"
 #include "nxwchar.h"
@@ -232,16 +231,6 @@ TEST(WideText, Numbers) {
     EXPECT_EQ(NxWStrToL(wide), test.i) << test.text;
     EXPECT_EQ(NxWStrToD(wide), test.d) << test.text;
   }
-}
-
-TEST(MultibyteText, IsNone) {
-  char dst[] = "x";
-  const char* text = "ab";
-  EXPECT_EQ(NxMBStrCpy(1, dst, text), nullptr);
-  EXPECT_STREQ(dst, "x");
-  EXPECT_EQ(NxMBStrLen(1, text), 0U);
-  EXPECT_EQ(NxMBStrNext(1, &text), 0);
-  EXPECT_STREQ(text, "ab");
 }
 
 }  // namespace

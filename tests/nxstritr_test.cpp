@@ -274,6 +274,21 @@ TEST(NextOrder, ShortWayAnswersAsTheSteps) {
     }
 }
 
+// What an iterator keeps from its opening gives way to fields that were changed since.
+TEST(NextOrder, FollowsChangedFields) {
+  NxStringIterator it("n\xB1", 1, 1, 1), filled;
+  it._nLanguage = kLanguageSpanish;
+  it.GetNextOrder(1);
+  EXPECT_EQ(it._nCollation, kLanguageSpanish);
+  it._nCodeSet = kCodeSetLatin2;
+  EXPECT_EQ(it.GetNextOrder(1), OrderOf('a') | 13 << 7);  // a with ogonek
+  filled._pPos = it._pPos - 2;
+  filled._nCodeSet = 1;
+  filled._nLanguage = kLanguageDanish;
+  EXPECT_EQ(filled.GetNextOrder(1), OrderOf('n'));
+  EXPECT_EQ(filled._nCollation, kLanguageDanish);
+}
+
 // The order of a text does not depend on the code set that it is written in.
 TEST(NextOrder, IsThatOfTheTextInUnicode) {
   std::mt19937 random(6);
