@@ -108,16 +108,20 @@ long TextDecoder::Run() {
 void TextDecoder::WidenPlainBlocks() {
   const unsigned long limit = std::min<unsigned long>(length_, kMaxUtf8Input + 1);
   const __m128i zero = _mm_setzero_si128();
-  while (consumed_ + kBlock <= limit && count_ + kBlock <= room_) {
-    const __m128i bytes = LoadBlock(text_ + consumed_);
+  unsigned long consumed = consumed_;  // what is stored could be the object, for all the compiler knows
+  unsigned long count = count_;
+  unsigned long taken = kBlock;
+  while (taken == kBlock && consumed + kBlock <= limit && count + kBlock <= room_) {
+    const __m128i bytes = LoadBlock(text_ + consumed);
     const unsigned int notPlain = NotPlain(bytes);
-    StoreBlock(units_ + count_, _mm_unpacklo_epi8(bytes, zero));
-    StoreBlock(units_ + count_ + kBlock / 2, _mm_unpackhi_epi8(bytes, zero));
-    const unsigned long taken = notPlain == 0 ? kBlock : FirstBit(notPlain);
-    consumed_ += taken;
-    count_ += taken;
-    if (taken < kBlock) return;
+    StoreBlock(units_ + count, _mm_unpacklo_epi8(bytes, zero));
+    StoreBlock(units_ + count + kBlock / 2, _mm_unpackhi_epi8(bytes, zero));
+    taken = notPlain == 0 ? kBlock : FirstBit(notPlain);
+    consumed += taken;
+    count += taken;
   }
+  consumed_ = consumed;
+  count_ = count;
 }
 
 /// nx_mbtowc, with sequences of two bytes decoded in place.
@@ -223,6 +227,7 @@ class TextEncoder {
 
  private:
   void NarrowPlainBlocks();
+  bool EncodeOne(unsigned short unit);
 
   const UnicodeText& text_;
   char* const out_;
@@ -235,11 +240,7 @@ long TextEncoder::Run() {
   while (next_ < text_.Length()) {
     if (text_.Units() && text_[next_] < 0x80) NarrowPlainBlocks();
     if (next_ == text_.Length()) break;
-    char sequence[kMaxSequence];
-    const int bytes = nx_wctomb(sequence, text_[next_]);
-    if (written_ + bytes > size_) return -static_cast<long>(written_);
-    std::memcpy(out_ + written_, sequence, bytes);
-    written_ += bytes;
+    if (!EncodeOne(text_[next_])) return -static_cast<long>(written_);
     ++next_;
   }
   if (written_ < size_) out_[written_] = 0;
@@ -250,20 +251,41 @@ long TextEncoder::Run() {
 /// holds, so what is written past that unit's byte is written over.
 void TextEncoder::NarrowPlainBlocks() {
   const unsigned short* const units = text_.Units();
+  const unsigned long length = text_.Length();
+  unsigned long next = next_;  // what is stored could be the object, for all the compiler knows
+  unsigned long written = written_;
+  unsigned long taken = kBlock;
   const __m128i notPlain = _mm_set1_epi16(static_cast<short>(0xFF80));
   const __m128i zero = _mm_setzero_si128();
-  while (next_ + kBlock <= text_.Length() && written_ + kBlock * kMaxSequence <= size_) {
-    const __m128i low = LoadBlock(units + next_);
-    const __m128i high = LoadBlock(units + next_ + kBlock / 2);
+  while (taken == kBlock && next + kBlock <= length && written + kBlock * kMaxSequence <= size_) {
+    const __m128i low = LoadBlock(units + next);
+    const __m128i high = LoadBlock(units + next + kBlock / 2);
     const __m128i plain = _mm_packs_epi16(_mm_cmpeq_epi16(_mm_and_si128(low, notPlain), zero),
                                           _mm_cmpeq_epi16(_mm_and_si128(high, notPlain), zero));
-    StoreBlock(out_ + written_, _mm_packus_epi16(low, high));
+    StoreBlock(out_ + written, _mm_packus_epi16(low, high));
     const unsigned int stops = ~static_cast<unsigned int>(_mm_movemask_epi8(plain)) & 0xFFFF;
-    const unsigned long taken = stops == 0 ? kBlock : FirstBit(stops);
-    next_ += taken;
-    written_ += taken;
-    if (taken < kBlock) return;
+    taken = stops == 0 ? kBlock : FirstBit(stops);
+    next += taken;
+    written += taken;
   }
+  next_ = next;
+  written_ = written;
+}
+
+/// nx_wctomb, with sequences of two bytes encoded in place. False when there is no room.
+bool TextEncoder::EncodeOne(unsigned short unit) {
+  if (unit >= 0x80 && unit <= 0x7FF && size_ - written_ >= 2) {
+    out_[written_] = static_cast<char>(0xC0 | unit >> 6);
+    out_[written_ + 1] = static_cast<char>(0x80 | (unit & 0x3F));
+    written_ += 2;
+    return true;
+  }
+  char sequence[kMaxSequence];
+  const unsigned long bytes = static_cast<unsigned long>(nx_wctomb(sequence, unit));
+  if (written_ + bytes > size_) return false;
+  std::memcpy(out_ + written_, sequence, bytes);
+  written_ += bytes;
+  return true;
 }
 
 /// Whether texts of the code set that hold ASCII only are UTF-8 as they stand.
