@@ -37,32 +37,38 @@ unsigned long CopyCut(void* dst, unsigned long dstLength, const void* image, uns
   return k;
 }
 
-/// Room for the images of n strings in memory. Wider than 16 bits, which the
-/// stored sizes are not.
-unsigned long RoomForImages(const NxString* strings, unsigned long n) {
-  unsigned long room = 2;
-  for (unsigned long i = 0; i < n; ++i) room += strings[i]._nSize + 8UL;
-  return room;
+/// Bytes of the images of n strings in memory. Wider than 16 bits, which the stored
+/// sizes are not.
+unsigned long ImageBytes(const NxString* strings, unsigned long n) {
+  unsigned long bytes = 0;
+  for (unsigned long i = 0; i < n; ++i) bytes += StringSizeGet(strings + i, kFormatMemory, kFormatNative, 1);
+  return bytes;
+}
+
+/// The same for the one early image of all of them.
+unsigned long EarlyImageBytes(const NxString* strings, unsigned long n) {
+  unsigned long bytes = 2;
+  for (unsigned long i = 0; i < n; ++i)
+    bytes += StringOldSizeGet(strings + i, kFormatMemory, kFormatNative, 1) - 2;
+  return bytes;
 }
 
 using StringStoreFunc = int (*)(void*, const void*, unsigned char, unsigned long);
 
-/// Stores strings into a destination of dstLength bytes, cut when it is too small.
-int StoreCut(StringStoreFunc store, void* dst, unsigned long dstLength, void* src, unsigned char format,
-             unsigned long n) {
-  auto* strings = static_cast<NxString*>(src);
-  unsigned long room = RoomForImages(strings, n);
-  if (room <= dstLength) {
+/// Stores strings, whose images take `bytes`, into a destination of dstLength bytes,
+/// cut when it is too small.
+int StoreCut(StringStoreFunc store, unsigned long bytes, void* dst, unsigned long dstLength, void* src,
+             unsigned char format, unsigned long n) {
+  if (bytes <= dstLength) {
     std::memset(dst, 0, dstLength);
     return store(dst, src, format, n);
   }
-  char* image = NxNewZeroArray<char>(room);
+  char* image = NxNewZeroArray<char>(bytes);
   if (!image) return 0;
-  int stored = store(image, src, format, n);
-  bool fits = static_cast<unsigned long>(stored) <= dstLength;
-  unsigned long k = CopyCut(dst, dstLength, image, fits ? stored : room);
+  store(image, src, format, n);
+  unsigned long k = CopyCut(dst, dstLength, image, bytes);
   delete[] image;
-  return fits ? stored : static_cast<int>(k);
+  return static_cast<int>(k);
 }
 
 // ---------------------------------------------------------------------------
@@ -178,27 +184,32 @@ int CopyEarlyAsCurrent(CutWriter& out, const NxStoredString& image, unsigned cha
 }
 
 /// Writes one image of the universal code set with a byte for every unit; a unit
-/// that a byte cannot hold becomes 0x7F.
-void PutNarrowed(CutWriter& out, const NxStoredString& image, unsigned char codeSet, unsigned char format) {
+/// that a byte cannot hold becomes 0x7F. An image whose text its source cuts stays a
+/// cut one: its length still counts the whole text, and it has no trailer.
+void PutNarrowed(CutWriter& out, const NxStoredString& image, unsigned char codeSet, unsigned char srcFormat,
+                 unsigned char dstFormat) {
+  constexpr unsigned short kEmpty = NxStoredString::kEmptyLength;
   unsigned long units = image.TextBytes() / 2;
-  out.PutLength(static_cast<unsigned short>(units + NxStoredString::kEmptyLength), format);
+  int stated = (std::max(image.n, kEmpty) - kEmpty) / 2;
+  out.PutLength(static_cast<unsigned short>(stated + kEmpty), dstFormat);
   out.Put(codeSet);
   out.Put(image.language);
   for (unsigned long i = 0; i < units; ++i) {
     unsigned short unit;
-    ShortStore(&unit, image.Text() + 2 * i, format, 1);
+    ShortStore(&unit, image.Text() + 2 * i, srcFormat, 1);
     out.Put(unit < 256 ? static_cast<unsigned char>(unit) : 0x7F);
   }
+  if (units < static_cast<unsigned long>(stated)) return;
   out.Put(0x00);
   out.Put(0xFF);
 }
 
 int CopyNarrowed(CutWriter& out, const unsigned char* src, unsigned long length, unsigned long n,
-                 unsigned char codeSet, unsigned char format) {
+                 unsigned char codeSet, unsigned char srcFormat, unsigned char dstFormat) {
   for (unsigned long pos = 0; n > 0 && pos + NxStoredString::kHeadSize <= length; --n) {
-    NxStoredString image(src + pos, length - pos, format);
+    NxStoredString image(src + pos, length - pos, srcFormat);
     if (image.codeSet == kCodeSetUnicode)
-      PutNarrowed(out, image, codeSet, format);
+      PutNarrowed(out, image, codeSet, srcFormat, dstFormat);
     else
       out.Put(src + pos, std::min<unsigned long>(image.Size(), length - pos));
     pos += image.Size();
@@ -206,14 +217,15 @@ int CopyNarrowed(CutWriter& out, const unsigned char* src, unsigned long length,
   return out.Finish();
 }
 
-/// Copies stored images, the first one relabelled with the code set.
-int CopyImages(void* dst, unsigned long dstLength, const void* src, unsigned long srcLength,
-               unsigned char format, unsigned char codeSet, unsigned long n) {
-  NxStoredString image(src, srcLength, format);
+/// Copies stored images, the first one relabelled with the code set. What is copied
+/// as it is keeps the byte order of the source.
+int CopyImages(void* dst, unsigned long dstLength, unsigned char dstFormat, const void* src,
+               unsigned long srcLength, unsigned char srcFormat, unsigned char codeSet, unsigned long n) {
+  NxStoredString image(src, srcLength, srcFormat);
   CutWriter out(dst, dstLength);
-  if (image.early) return CopyEarlyAsCurrent(out, image, codeSet, format);
+  if (image.early) return CopyEarlyAsCurrent(out, image, codeSet, dstFormat);
   if (image.codeSet == kCodeSetUnicode && srcLength >= NxStoredString::kHeadSize && NarrowsUnicode())
-    return CopyNarrowed(out, image.bytes, srcLength, n, codeSet, format);
+    return CopyNarrowed(out, image.bytes, srcLength, n, codeSet, srcFormat, dstFormat);
   int k = static_cast<int>(CopyCut(dst, dstLength, src, srcLength));
   if (k > 2) static_cast<Bytes>(dst)[2] = codeSet;
   return k;
@@ -222,12 +234,11 @@ int CopyImages(void* dst, unsigned long dstLength, const void* src, unsigned lon
 /// The same for strings in memory, by way of their images.
 int CopyStrings(void* dst, unsigned long dstLength, NxString* strings, unsigned char format,
                 unsigned char codeSet, unsigned long n) {
-  unsigned long room = RoomForImages(strings, n);
-  char* images = NxNewZeroArray<char>(room);
+  char* images = NxNewZeroArray<char>(ImageBytes(strings, n));
   if (!images) return 0;
   unsigned long stored = 0;
   for (unsigned long i = 0; i < n; ++i) stored += StringStore(images + stored, strings + i, format, 1);
-  int k = CopyImages(dst, dstLength, images, stored, format, codeSet, n);
+  int k = CopyImages(dst, dstLength, format, images, stored, format, codeSet, n);
   delete[] images;
   return k;
 }
@@ -442,7 +453,7 @@ int NxStringTranslate(void* dst, unsigned char dstForm, unsigned long dstLength,
     return LoadWithin(static_cast<NxString*>(dst), src, srcFormat, srcLength, n);
   }
   if (InMemory(srcForm) && !IsKeyForm(dstForm))
-    return StoreCut(StringStore, dst, dstLength, src, dstFormat, n);
+    return StoreCut(StringStore, ImageBytes(strings, n), dst, dstLength, src, dstFormat, n);
   if (!IsKeyForm(dstForm) && srcForm != dstForm) {
     NEXO_assert("\"format combination not supported\" && 0", "src/nxtypes", 1509);
     return 0;
@@ -458,7 +469,7 @@ int NxStringTranslate(void* dst, unsigned char dstForm, unsigned long dstLength,
   if (needsKey)
     return PutImageKeys(static_cast<Bytes>(dst), dstLength, dstForm, first.bytes, srcLength, srcFormat, n);
   if (InMemory(srcForm)) return CopyStrings(dst, dstLength, strings, dstFormat, newCodeSet, n);
-  return CopyImages(dst, dstLength, src, srcLength, dstFormat, newCodeSet, n);
+  return CopyImages(dst, dstLength, dstFormat, src, srcLength, srcFormat, newCodeSet, n);
 }
 
 int NxStringOldTranslate(void* dst, unsigned char dstForm, unsigned long dstLength, void* src,
@@ -468,7 +479,10 @@ int NxStringOldTranslate(void* dst, unsigned char dstForm, unsigned long dstLeng
     if (ImagesFit(src, srcForm & kFormatCodeMask, srcLength, n)) return StringLoad(dst, src, srcForm, n);
     return LoadWithin(static_cast<NxString*>(dst), src, srcForm & kFormatCodeMask, srcLength, n);
   }
-  if (InMemory(srcForm)) return StoreCut(StringOldStore, dst, dstLength, src, dstForm, n);
+  if (InMemory(srcForm)) {
+    unsigned long bytes = EarlyImageBytes(static_cast<NxString*>(src), n);
+    return StoreCut(StringOldStore, bytes, dst, dstLength, src, dstForm, n);
+  }
 
   auto* from = static_cast<const unsigned char*>(src);
   NxStoredString image(src, srcLength, srcForm & kFormatCodeMask);

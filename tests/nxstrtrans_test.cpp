@@ -121,6 +121,18 @@ TEST(StringTranslate, NarrowsUnicodeTextsUnlessConfigured) {
   EXPECT_EQ(expected, dst);
   dst = Stored(NxStringTranslate, Image(s, 2), 0x22, 0x22, 7, &result);
   EXPECT_EQ((Bytes{0, 8, 0, 2, 'a', 'b', 0x7F}), dst) << "units are read in the format's order, then cut";
+  Bytes cut = Image(s, 1);
+  cut.resize(8);
+  dst = Stored(NxStringTranslate, cut, 1, 1, 7, &result);
+  EXPECT_EQ((Bytes{8, 0, 253, 2, 'a', 'b', 0}), dst) << "a cut image stays one";
+  EXPECT_EQ(6, result);
+}
+
+TEST(StringTranslate, CopiesUnderKeyFormReadInTheSourcesByteOrder) {
+  Bytes dst = Stored(NxStringTranslate, {0, 4, 'a', 'b', 'c', 0}, 2, 0x81, 9);
+  EXPECT_EQ((Bytes{7, 0, 0, 0, 'a', 'b', 'c', 0, 0xFF}), dst) << "early";
+  dst = Stored(NxStringTranslate, Image(Text("ab", 253, 2), 1), 1, 0xA2, 8);
+  EXPECT_EQ((Bytes{0, 6, 0, 2, 'a', 'b', 0, 0xFF}), dst) << "narrowed";
 }
 
 TEST(StringTranslate, KeyHoldsTheOrderValues) {
@@ -258,6 +270,17 @@ TEST(StringTranslate, StoringIntoASmallBufferCuts) {
     expected.resize(length, 0);
     EXPECT_EQ(expected, dst);
     EXPECT_EQ(static_cast<int>(std::min<unsigned long>(length, image.size())), k);
+  }
+}
+
+TEST(StringTranslate, StoringAnArrayOfMoreThan65535BytesFillsTheBuffer) {
+  NxString strings[3];
+  for (auto& s : strings) s = Text(std::string(30000, 'x').c_str(), 1, 1);
+  constexpr unsigned long kBytes = 3 * 30006;
+  for (unsigned long length : {kBytes - 1, kBytes}) {
+    Bytes dst(length, 0xEE);
+    NxStringTranslate(dst.data(), 1, length, strings, 8, 0, 3);
+    EXPECT_EQ('x', dst[kBytes - 3]) << length;
   }
 }
 
