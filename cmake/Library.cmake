@@ -5,7 +5,9 @@
 function(nx_library name exportName directory)
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${directory}/*.cpp")
   add_library(${name}Objects OBJECT ${sources})
-  target_compile_options(${name}Objects PRIVATE -fno-exceptions -fno-rtti -ffunction-sections -fdata-sections)
+  # Exported functions may be inlined: calls inside a library stay inside (see below).
+  target_compile_options(${name}Objects PRIVATE -fno-exceptions -fno-rtti -ffunction-sections -fdata-sections
+    -fno-semantic-interposition)
   target_include_directories(${name}Objects PRIVATE
     "${PROJECT_SOURCE_DIR}/include" "${PROJECT_SOURCE_DIR}/sibling" "${CMAKE_CURRENT_SOURCE_DIR}/${directory}")
 
