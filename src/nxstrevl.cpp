@@ -57,9 +57,10 @@ class ScanText {
   }
 
   unsigned short Width() const { return NxCharWidth(codeSet); }
-  /// Characters that an image of `length` bytes can hold behind its head.
-  unsigned short CountIn(unsigned long length) const {
-    return static_cast<unsigned short>(length > 4 ? (length - 4) / Width() : 0);
+  /// Characters that an image of `length` bytes can hold behind its head. For the
+  /// empty early image (3 bytes) that is unknown.
+  unsigned short CountIn(unsigned char length) const {
+    return static_cast<unsigned short>((length - 4) / Width());
   }
 
   char* text = local_;
@@ -207,11 +208,12 @@ class StringBounds {
   void Finish(BoundImage& image, void*& bound, unsigned char& boundLength, int line) const {
     unsigned long size = image.capped ? NxINDEX_MAX_KEYLEN : image.used + TrailerSize();
     if (!image.capped) image.bytes[image.used] = 0;
-    if (!oldForm_) {
-      auto length = static_cast<unsigned short>(image.used);
+    // An early image keeps the key's length, unless it has become longer than that.
+    if (!oldForm_ || image.used > keyLength_ + 1UL) {
+      auto length = static_cast<unsigned short>(oldForm_ ? image.used - 1 : image.used);
       ShortStore(image.bytes, &length, code_, 1);
-      if (!image.capped) image.bytes[image.used + 1] = 0xFF;
     }
+    if (!oldForm_ && !image.capped) image.bytes[image.used + 1] = 0xFF;
     if (size > NxINDEX_MAX_KEYLEN) NEXO_assert("actualLen <= NxINDEX_MAX_KEYLEN", "src/nxtypevl", line);
     bound = std::malloc(size);
     if (!bound) {
@@ -286,7 +288,7 @@ class StringBounds {
       bool same = true;
       for (int i = 0; i < kEnds; ++i) {
         value[i] = GetNextOrderValue(next[i], caseMask_ | accentMask_);
-        same = same && value[i] == value[0] && (taken > 0 || next[i]._nCollation == next[0]._nCollation);
+        same = same && value[i] == value[0] && next[i]._nCollation == next[0]._nCollation;
       }
       if (!same) break;
       for (int i = 0; i < kEnds; ++i) at[i] = next[i];

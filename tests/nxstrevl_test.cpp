@@ -155,6 +155,8 @@ TEST(StringBounds, PlainTextIsClosedByTheLargestByte) {
   EXPECT_EQ((Bytes{5, 0, 0, 0, 0xFF, 0, 0xFF}), b.upper);
   b = Evaluate({4, 0, 'a', 'b', 'c', 0}, kRelationEqual, 1, nullptr, true);
   EXPECT_EQ((Bytes{4, 0, 'a', 'b', 'c', 0}), b.lower) << "the early form has no code set";
+  b = Evaluate({1, 0, 0}, kRelationEqual | kSkipSymbols, 1, nullptr, true);
+  EXPECT_EQ((Bytes{2, 0, 0xFF, 0}), b.upper) << "longer than the key, and says so";
 }
 
 TEST(StringBounds, EnclosePartsThatTheOptionsIgnore) {
@@ -220,6 +222,18 @@ TEST(StringBounds, EstimatesGrowWithTheKey) {
     before = estimate;
   }
   EXPECT_LT(Evaluate(Image(Text("mmm", 1, 1), 1), kRelationEqual, 1, &range).estimate, 0.001F);
+}
+
+TEST(StringBounds, EstimatesGrowFromAnEmptyEarlyImage) {
+  Bytes low = {1, 0, 0}, high = {4, 0, 'z', 'z', 'z', 0};
+  NxIdxBounds range{low.data(), high.data(), 3, 6};
+  float before = 0.0F;
+  for (unsigned char c = 'a'; c <= 'z'; ++c) {
+    float estimate = Evaluate({2, 0, c, 0}, kRelationLess, 1, &range, true).estimate;
+    EXPECT_GT(estimate, before) << c;
+    before = estimate;
+  }
+  EXPECT_LT(before, 1.0F);
 }
 
 TEST(StringBounds, AnyBytesGiveBoundsOfAtMost254) {
