@@ -12,7 +12,7 @@ namespace nxtm {
 struct LookOptions {
   unsigned int format = 1;  // format byte of the images
   std::string language = "1";
-  unsigned int codeSet = 0;  // of texts; 0 chooses
+  std::string codeSet = "0";  // of texts; 0 chooses
   bool ignoreCase = false, ignoreAccents = false, skipSpaces = false, skipSymbols = false;
   bool literally = false;    // no wildcards
   bool orderValues = false;  // order values alone

@@ -11,16 +11,34 @@ namespace nxtm {
 
 struct CsvField {
   std::string text;
-  bool isNull = false;       // empty and not quoted
-  unsigned long line = 0;    // where the field begins, from 1
-  unsigned long column = 0;  // in bytes, from 1
+  bool isNull = false;  // empty and not quoted
 };
 
-using CsvRow = std::vector<CsvField>;
+struct CsvRow {
+  std::vector<CsvField> fields;
+  std::string_view rest;   // the file's text from the row on
+  unsigned long line = 0;  // where the row begins, from 1
+};
 
-/// Hands every row of a text to onRow; empty lines are no rows. Throws a Failure
-/// with file, line and column for a text that is not CSV.
-void ReadCsv(std::string_view text, const std::string& file, const std::function<void(CsvRow&)>& onRow);
+/// A place in a text; the column is in bytes. Both count from 1.
+struct Place {
+  unsigned long line;
+  unsigned long column;
+};
+
+/// Where a field of a row begins; for the number of its fields, where the row ends.
+Place PlaceOfField(const CsvRow& row, unsigned long field);
+
+/// What an empty line is.
+enum class EmptyLine {
+  kNoRow,   // nothing
+  kNullRow  // a row of one field that is null
+};
+
+/// Hands every row of a text to onRow. A byte order mark at its start is skipped.
+/// Throws a Failure with file, line and column for a text that is not CSV.
+void ReadCsv(std::string_view text, const std::string& file, EmptyLine emptyLine,
+             const std::function<void(const CsvRow&)>& onRow);
 
 /// A field as ReadCsv reads it back, quoted only where it must be.
 std::string CsvText(const std::string& text, bool isNull);

@@ -18,9 +18,8 @@ std::string Describe(const Store& store, const IndexInfo& index) {
          store.GetSchema().Columns()[index.attribute].name + "'";
 }
 
-void Put(Store& store, MDB_dbi table, std::string_view key, unsigned int number) {
-  MDB_val k = Val(key), data = ValOf(number);
-  CheckMdb(mdb_put(store.Txn(), table, &k, &data, 0), store.Path());
+bool HasApart(const Store& store, const IndexInfo& index) {
+  return !index.hash && IsText(store.GetSchema().Columns()[index.attribute].type);
 }
 
 /// The key of an image as the index's table holds it.
@@ -30,19 +29,69 @@ Image TableKey(const IndexInfo& index, char type, const Image& image) {
   return Image(reinterpret_cast<const char*>(&hash), sizeof hash);
 }
 
-/// Whether the index's table has the entry.
-bool Has(Store& store, MDB_dbi table, const Image& key, unsigned int number) {
-  Cursor cursor(store.Txn(), table);
-  MDB_val k = Val(key), data = ValOf(number);
-  return cursor.Get(k, data, MDB_GET_BOTH);
-}
+/// The entries that an index should have, in its order.
+class Entries {
+ public:
+  Entries(Store& store, const IndexInfo& index, MDB_dbi table) : store_(store), index_(index), table_(table) {
+    Progress progress("indexing", store.Count());
+    store.ForEach([&](unsigned int number, std::string_view record) {
+      Take(record, number);
+      progress.At(number);
+    });
+    std::sort(entries_.begin(), entries_.end(), [this](const Entry& a, const Entry& b) {
+      int order = Compare(KeyOf(a), KeyOf(b));
+      return order < 0 || (order == 0 && a.number < b.number);
+    });
+  }
 
-unsigned int NumberOf(const MDB_val& data, unsigned long count, const std::string& where) {
+  struct Entry {
+    unsigned long at;  // of the key among the keys
+    unsigned char size;
+    unsigned int number;
+  };
+
+  const std::vector<Entry>& Sorted() const { return entries_; }
+  const std::vector<unsigned int>& Apart() const { return apart_; }
+  MDB_val KeyOf(const Entry& entry) const { return Val({keys_.data() + entry.at, entry.size}); }
+  int Compare(MDB_val a, MDB_val b) const { return mdb_cmp(store_.Txn(), table_, &a, &b); }
+
+ private:
+  void Take(std::string_view record, unsigned int number) {
+    Field field = FieldOf(store_.GetSchema(), record, index_.attribute);
+    if (field.isNull) return;
+    char type = store_.GetSchema().Columns()[index_.attribute].type;
+    Image key = TableKey(index_, type, field.image);
+    if (index_.hash || IsWhole(type, key)) {
+      entries_.push_back({keys_.size(), static_cast<unsigned char>(key.size()), number});
+      keys_ += key;
+    } else {
+      apart_.push_back(number);
+    }
+  }
+
+  Store& store_;
+  const IndexInfo& index_;
+  MDB_dbi table_;
+  std::string keys_;
+  std::vector<Entry> entries_;
+  std::vector<unsigned int> apart_;
+};
+
+unsigned int NumberOf(const MDB_val& data) {
   unsigned int number = 0;
   if (data.mv_size == sizeof number) std::memcpy(&number, data.mv_data, sizeof number);
-  if (data.mv_size != sizeof number || number >= count)
-    throw Failure(where + " names a record that is not there");
   return number;
+}
+
+/// Compares what is listed apart with what should be.
+void CheckApart(Store& store, const IndexInfo& index, const std::vector<unsigned int>& expected) {
+  Cursor cursor(store, store.ApartTable(index, false));
+  MDB_val key, data;
+  bool equal = true;
+  for (unsigned int number : expected)
+    equal = equal && cursor.Get(key, data, MDB_NEXT) && NumberOf(key) == number;
+  if (!equal || cursor.Get(key, data, MDB_NEXT))
+    throw Failure(Describe(store, index) + ": the list of the records apart is damaged");
 }
 
 }  // namespace
@@ -59,6 +108,14 @@ Image OrderedKey(char type, const Image& image) {
                                  const_cast<char*>(image.data()), kFormatNative, image.size(), 1);
   key.resize(static_cast<unsigned>(size));
   return key;
+}
+
+bool IsCut(const Image& key) { return key.size() >= NxINDEX_MAX_KEYLEN; }
+
+bool IsWhole(char type, const Image& key) {
+  if (!IsText(type)) return true;
+  constexpr unsigned char kStopsEarly = 0x80;  // in the language byte of a string's key
+  return !IsCut(key) && (type != kStringTypeId || !(static_cast<unsigned char>(key[3]) & kStopsEarly));
 }
 
 unsigned int HashKey(char type, const Image& image) {
@@ -95,14 +152,21 @@ void RequireCurrent(const Store& store, const IndexInfo& index) {
 }
 
 void BuildIndex(Store& store, const IndexInfo& index) {
-  char type = store.GetSchema().Columns()[index.attribute].type;
   MDB_dbi table = store.IndexTable(index, true);
-  Progress progress("indexing", store.Count());
-  store.ForEach([&](unsigned int number, std::string_view record) {
-    Field field = FieldOf(store.GetSchema(), record, index.attribute);
-    if (!field.isNull) Put(store, table, TableKey(index, type, field.image), number);
-    progress.At(number);
-  });
+  Entries entries(store, index, table);
+  Cursor cursor(store, table);
+  const Entries::Entry* before = nullptr;
+  for (const Entries::Entry& entry : entries.Sorted()) {
+    // Entries in order are appended, which fills every page.
+    bool again = before && entries.Compare(entries.KeyOf(*before), entries.KeyOf(entry)) == 0;
+    unsigned int number = entry.number;
+    cursor.Put(entries.KeyOf(entry), ValOf(number), again ? MDB_APPENDDUP : MDB_APPEND);
+    before = &entry;
+  }
+  if (HasApart(store, index)) {
+    Cursor apart(store, store.ApartTable(index, true));
+    for (unsigned int number : entries.Apart()) apart.Put(ValOf(number), {}, MDB_APPEND);
+  }
   store.AddIndex({index.attribute, index.hash, NxCollationVersion()});
 }
 
@@ -111,46 +175,33 @@ void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& f
     const Field& field = fields[index.attribute];
     if (field.isNull) continue;
     char type = store.GetSchema().Columns()[index.attribute].type;
-    Put(store, store.IndexTable(index, false), TableKey(index, type, field.image), number);
+    Image key = TableKey(index, type, field.image);
+    if (index.hash || IsWhole(type, key))
+      Cursor(store, store.IndexTable(index, false)).Put(Val(key), ValOf(number), 0);
+    else
+      Cursor(store, store.ApartTable(index, false)).Put(ValOf(number), {}, MDB_APPEND);
   }
 }
 
 unsigned long CheckIndex(Store& store, const IndexInfo& index) {
   RequireCurrent(store, index);
-  char type = store.GetSchema().Columns()[index.attribute].type;
   const std::string where = Describe(store, index);
   MDB_dbi table = store.IndexTable(index, false);
+  Entries expected(store, index, table);
+  if (HasApart(store, index)) CheckApart(store, index, expected.Apart());
 
-  // From the records to the entries.
-  unsigned long expected = 0;
-  store.ForEach([&](unsigned int number, std::string_view record) {
-    Field field = FieldOf(store.GetSchema(), record, index.attribute);
-    if (field.isNull) return;
-    ++expected;
-    if (!Has(store, table, TableKey(index, type, field.image), number))
-      throw Failure(where + " has no entry for record " + std::to_string(number));
-  });
-
-  // From the entries to the records, in ascending order.
-  Cursor cursor(store.Txn(), table);
+  Cursor cursor(store, table);
   MDB_val key, data;
-  unsigned long entries = 0;
-  Image before;
-  for (; cursor.Get(key, data, MDB_NEXT); ++entries) {
-    unsigned int number = NumberOf(data, store.Count(), where);
-    Field field = FieldOf(store.GetSchema(), store.Get(number), index.attribute);
-    Image made = field.isNull ? Image() : TableKey(index, type, field.image);
-    MDB_val madeKey = Val(made), beforeKey = Val(before);
-    if (field.isNull || mdb_cmp(store.Txn(), table, &madeKey, &key) != 0)
-      throw Failure(where + ": the entry of record " + std::to_string(number) + " is not its key");
-    if (entries > 0 && mdb_cmp(store.Txn(), table, &beforeKey, &key) > 0)
-      throw Failure(where + " is out of order at the entry of record " + std::to_string(number));
-    before = Image(View(key));
+  for (const Entries::Entry& entry : expected.Sorted()) {
+    const std::string of = " of record " + std::to_string(entry.number);
+    if (!cursor.Get(key, data, MDB_NEXT)) throw Failure(where + " ends before the entry" + of);
+    if (data.mv_size != sizeof entry.number || NumberOf(data) != entry.number)
+      throw Failure(where + " has another entry in place of that" + of);
+    if (expected.Compare(expected.KeyOf(entry), key) != 0)
+      throw Failure(where + ": the entry" + of + " is not its key");
   }
-  if (entries != expected)
-    throw Failure(where + " has " + std::to_string(entries) + " entries for " + std::to_string(expected) +
-                  " records");
-  return entries;
+  if (cursor.Get(key, data, MDB_NEXT)) throw Failure(where + " has an entry too many");
+  return expected.Sorted().size() + expected.Apart().size();
 }
 
 }  // namespace nxtm

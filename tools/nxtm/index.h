@@ -1,8 +1,8 @@
 /// Indexes of a store: keys, building, checking.
 ///
 /// The key of an ordered index is the attribute's image; of a text its key form, at
-/// most 254 bytes. The key of a hash index is the hash of the image. Null attributes
-/// have no entry.
+/// most 254 bytes. Texts that have no key of their own are listed apart. The key of a
+/// hash index is the hash of the image. Null attributes have no entry.
 #ifndef NXTM_INDEX_H
 #define NXTM_INDEX_H
 
@@ -18,6 +18,12 @@ bool IsText(char type);
 
 /// The key of an attribute's image in an ordered index.
 Image OrderedKey(char type, const Image& image);
+/// Whether a text's key is cut short because it would be too long.
+bool IsCut(const Image& key);
+/// Whether a key stands for the whole of its text. One that does not (it is cut, or the
+/// text changes to another collation) says nothing of the rest, and two of such sort as
+/// their texts do only where a base letter differs. Their records are listed apart.
+bool IsWhole(char type, const Image& key);
 /// The key of an attribute's image in a hash index.
 unsigned int HashKey(char type, const Image& image);
 
@@ -33,7 +39,7 @@ void BuildIndex(Store& store, const IndexInfo& index);
 /// Adds a record that was appended to every index of the store.
 void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& fields);
 /// Compares an index with the records, both ways. Throws a Failure at the first
-/// difference; returns the number of its entries.
+/// difference; returns the number of its entries, those apart included.
 unsigned long CheckIndex(Store& store, const IndexInfo& index);
 
 }  // namespace nxtm

@@ -17,7 +17,7 @@ namespace {
 struct Look {
   Look(const std::string& typeName, const LookOptions& options)
       : type(FindType(typeName)),
-        style{static_cast<unsigned char>(options.codeSet), FindLanguage(options.language)},
+        style{FindCodeSet(options.codeSet), FindLanguage(options.language)},
         format(static_cast<unsigned char>(options.format)) {
     if (options.format > 255) throw Failure("a format byte is at most 255");
     if ((options.format & kFormatCodeMask) == kFormatMemory)

@@ -94,44 +94,44 @@ void AddLookingCommands(CLI::App& app, Arguments& a) {
 }
 
 void AddWorkingCommands(CLI::App& app, Arguments& a) {
-  auto* import = app.add_subcommand("import", "add the rows of a CSV file to a store, all or none");
-  import->add_option("SCHEMA", a.schema, "a line per column: name type [nullable] [language=L] [codeset=C]")
+  auto* importing = app.add_subcommand("import", "add the rows of a CSV file to a store, all or none");
+  importing
+      ->add_option("SCHEMA", a.schema, "a line per column: name type [nullable] [language=L] [codeset=C]")
       ->required();
-  import->add_option("DATA", a.data, "CSV in UTF-8; a field that is empty and not quoted is null")
+  importing->add_option("DATA", a.data, "CSV in UTF-8; a field that is empty and not quoted is null")
       ->required();
-  import->add_option("STORE", a.store)->required();
-  import->add_flag("--header", a.header, "the first row names the columns");
-  import->callback([&] { Import(a.schema, a.data, a.store, a.header);
-});
+  importing->add_option("STORE", a.store)->required();
+  importing->add_flag("--header", a.header, "the first row names the columns");
+  importing->callback([&] { Import(a.schema, a.data, a.store, a.header); });
 
-auto* exporting = app.add_subcommand("export", "print the records of a store as CSV");
-exporting->add_option("STORE", a.store)->required();
-exporting->add_flag("--header", a.header, "print the names of the columns first");
-exporting->callback([&] { Export(a.store, a.header); });
+  auto* exporting = app.add_subcommand("export", "print the records of a store as CSV");
+  exporting->add_option("STORE", a.store)->required();
+  exporting->add_flag("--header", a.header, "print the names of the columns first");
+  exporting->callback([&] { Export(a.store, a.header); });
 
-auto* check = app.add_subcommand("check", "walk every record and every index entry, both ways");
-check->add_option("STORE", a.store)->required();
-check->callback([&] { Check(a.store); });
+  auto* check = app.add_subcommand("check", "walk every record and every index entry, both ways");
+  check->add_option("STORE", a.store)->required();
+  check->callback([&] { Check(a.store); });
 
-auto* index = app.add_subcommand("index", "make an index of an attribute");
-index->add_option("STORE", a.store)->required();
-index->add_option("ATTRIBUTE", a.attribute)->required();
-index->add_flag("--hash", a.hash, "by hash, for exact matches, in place of ordered");
-index->callback([&] { MakeIndex(a.store, a.attribute, a.hash); });
+  auto* index = app.add_subcommand("index", "make an index of an attribute");
+  index->add_option("STORE", a.store)->required();
+  index->add_option("ATTRIBUTE", a.attribute)->required();
+  index->add_flag("--hash", a.hash, "by hash, for exact matches, in place of ordered");
+  index->callback([&] { MakeIndex(a.store, a.attribute, a.hash); });
 
-auto* reindex = app.add_subcommand("reindex", "rebuild every index of a store");
-reindex->add_option("STORE", a.store)->required();
-reindex->callback([&] { Reindex(a.store); });
+  auto* reindex = app.add_subcommand("reindex", "rebuild every index of a store");
+  reindex->add_option("STORE", a.store)->required();
+  reindex->callback([&] { Reindex(a.store); });
 
-auto* query = app.add_subcommand("query", "print the records that a condition selects");
-query->add_option("STORE", a.store)->required();
-query->add_option("CONDITION", a.condition, "such as: word = \"Haus*\" ignoring case and length > 5")
-    ->required();
-query->add_flag("--explain", a.query.explain, "tell the estimates, the bounds and what was read");
-query->add_flag("--scan", a.query.scan, "use no index");
-query->add_flag("--count", a.query.count, "print the number of records only");
-query->add_option("--limit", a.query.limit, "print at most so many records");
-query->callback([&] { Query(a.store, a.condition, a.query); });
+  auto* query = app.add_subcommand("query", "print the records that a condition selects");
+  query->add_option("STORE", a.store)->required();
+  query->add_option("CONDITION", a.condition, "such as: word = \"Haus*\" ignoring case and length > 5")
+      ->required();
+  query->add_flag("--explain", a.query.explain, "tell the estimates, the bounds and what was read");
+  query->add_flag("--scan", a.query.scan, "use no index");
+  query->add_flag("--count", a.query.count, "print the number of records only");
+  query->add_option("--limit", a.query.limit, "print at most so many records");
+  query->callback([&] { Query(a.store, a.condition, a.query); });
 }  // namespace
 
 }  // namespace

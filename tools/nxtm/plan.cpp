@@ -17,7 +17,7 @@ namespace {
 
 /// Smallest and largest key of an ordered index; false for an empty one.
 bool IndexRange(Store& store, MDB_dbi table, Image& low, Image& high) {
-  Cursor cursor(store.Txn(), table);
+  Cursor cursor(store, table);
   MDB_val key, data;
   if (!cursor.Get(key, data, MDB_FIRST)) return false;
   low = Image(View(key));
@@ -121,7 +121,7 @@ class Planner {
       return {access};
     }
     const IndexInfo* ordered = store_.FindIndex(term.attribute, false);
-    if (!ordered) return {};
+    if (!ordered || (IsText(type) && IsCut(OrderedKey(type, term.key)))) return {};
     RequireCurrent(store_, *ordered);
     Access access = BoundTerm(store_, term, *ordered);
     report_.considered.push_back(access);
@@ -161,7 +161,7 @@ unsigned int ToNumber(const MDB_val& data) {
 /// Collects the record numbers behind the keys of an access.
 void Scan(Store& store, Access& access, std::vector<unsigned int>& numbers) {
   MDB_dbi table = store.IndexTable(access.index, false);
-  Cursor cursor(store.Txn(), table);
+  Cursor cursor(store, table);
   char type = store.GetSchema().Columns()[access.index.attribute].type;
   MDB_val key{}, data;
   unsigned int hash = 0;
@@ -182,6 +182,9 @@ void Scan(Store& store, Access& access, std::vector<unsigned int>& numbers) {
     ++access.entriesRead;
     numbers.push_back(ToNumber(data));
   }
+  if (access.index.hash || !IsText(type)) return;
+  Cursor apart(store, store.ApartTable(access.index, false));
+  for (; apart.Get(key, data, MDB_NEXT); ++access.entriesRead) numbers.push_back(ToNumber(key));
 }
 
 }  // namespace

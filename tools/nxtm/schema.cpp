@@ -29,14 +29,9 @@ std::vector<Word> SplitWords(const std::string& line) {
 }
 
 bool IsName(const std::string& text) {
-  return std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isalnum(c) || c == '_'; }) &&
-         !std::isdigit(static_cast<unsigned char>(text[0]));
-}
-
-unsigned char ParseCodeSet(const std::string& text) {
-  for (unsigned char codeSet : {1, 2, 3, 4, 253})
-    if (text == std::to_string(codeSet)) return codeSet;
-  throw Failure("there is no code set '" + text + "' (1, 2, 3, 4 or 253)");
+  constexpr unsigned long kLongest = 64;  // tables of a store are named after it
+  return text.size() <= kLongest && !std::isdigit(static_cast<unsigned char>(text[0])) &&
+         std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isalnum(c) || c == '_'; });
 }
 
 void ApplyOption(Column& column, const std::string& word) {
@@ -46,7 +41,7 @@ void ApplyOption(Column& column, const std::string& word) {
   else if (isText && word.rfind("language=", 0) == 0)
     column.style.language = FindLanguage(word.substr(9));
   else if (isText && word.rfind("codeset=", 0) == 0)
-    column.style.codeSet = ParseCodeSet(word.substr(8));
+    column.style.codeSet = FindCodeSet(word.substr(8));
   else
     throw Failure("'" + word + "' is no option of a column of type " +
                   Manager().NameGet(column.type, nullptr));
@@ -147,8 +142,9 @@ void Record::Append(std::string& bytes, const Column& column, const Field& field
 
 std::string ReadFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
-  if (!in) throw Failure(path + ": cannot be read");
-  return std::string(std::istreambuf_iterator<char>(in), {});
+  std::string text{std::istreambuf_iterator<char>(in), {}};
+  if (!in.good() || in.peek() != EOF) throw Failure(path + ": cannot be read");
+  return text;
 }
 
 }  // namespace nxtm

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -21,7 +22,7 @@ namespace {
 
 constexpr unsigned long kMapSize = 512UL << 20;  // what a 32-bit process maps with ease
 constexpr unsigned long kBlock = 256;            // records under one checksum
-constexpr unsigned int kMaxTables = 128;
+constexpr unsigned int kMaxTables = 1024;
 const char kKind[] = "nxtm store 1";
 
 // ---------------------------------------------------------------------------
@@ -83,23 +84,28 @@ void CheckMdb(int code, const std::string& what) {
 bool Cursor::Get(MDB_val& key, MDB_val& data, MDB_cursor_op op) {
   int code = mdb_cursor_get(cursor_, &key, &data, op);
   if (code == MDB_NOTFOUND) return false;
-  CheckMdb(code, "store");
+  CheckMdb(code, store_.Path());
+  store_.RequireFits(key);
+  store_.RequireFits(data);
   return true;
 }
 
 bool Store::Exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 
-Store::Store(const std::string& path, unsigned int envFlags, Mode mode) : path_(path) {
+Store::Store(const std::string& path, const std::string& file, Mode mode)
+    : path_(path), file_(file), mode_(mode) {
   try {
     CheckMdb(mdb_env_create(&env_), path);
     CheckMdb(mdb_env_set_mapsize(env_, kMapSize), path);
     CheckMdb(mdb_env_set_maxdbs(env_, kMaxTables), path);
-    int code = mdb_env_open(env_, path.c_str(), MDB_NOSUBDIR | MDB_NOLOCK | envFlags, 0644);
+    unsigned int flags = MDB_NOSUBDIR | MDB_NOLOCK | (mode == Mode::kRead ? MDB_RDONLY : 0);
+    int code = mdb_env_open(env_, file.c_str(), flags, 0644);
     if (code == MDB_INVALID || code == MDB_VERSION_MISMATCH) throw Failure(path + ": not a store");
     CheckMdb(code, path);
+    RequireWholeFile();
     CheckMdb(mdb_txn_begin(env_, nullptr, mode == Mode::kRead ? MDB_RDONLY : 0, &txn_), path);
   } catch (...) {
-    if (env_) mdb_env_close(env_);
+    mdb_env_close(env_);
     throw;
   }
 }
@@ -107,12 +113,13 @@ Store::Store(const std::string& path, unsigned int envFlags, Mode mode) : path_(
 Store::~Store() {
   if (txn_) mdb_txn_abort(txn_);
   mdb_env_close(env_);
-  if (created_ && !committed_) unlink(path_.c_str());
+  if (file_ != path_) unlink(file_.c_str());
 }
 
 std::unique_ptr<Store> Store::Create(const std::string& path, const Schema& schema) {
-  std::unique_ptr<Store> store(new Store(path, 0, Mode::kWrite));
-  store->created_ = true;
+  const std::string file = path + ".new";
+  unlink(file.c_str());  // of an import that was killed
+  std::unique_ptr<Store> store(new Store(path, file, Mode::kWrite));
   store->schema_ = schema;
   store->meta_ = store->Table("meta", MDB_CREATE);
   store->records_ = store->Table("records", MDB_CREATE | MDB_INTEGERKEY);
@@ -129,20 +136,23 @@ std::unique_ptr<Store> Store::Open(const std::string& path, Mode mode) {
   if (stat(path.c_str(), &status) != 0) throw Failure(path + ": there is no such store");
   if (!S_ISREG(status.st_mode) || status.st_size == 0) throw Failure(path + ": not a store");
   ExpectDamage(path);
-  std::unique_ptr<Store> store(new Store(path, mode == Mode::kRead ? MDB_RDONLY : 0, mode));
-  store->CheckFileSize();
+  std::unique_ptr<Store> store(new Store(path, path, mode));
   store->ReadMeta();
   return store;
 }
 
 /// LMDB maps the file without asking whether all of its pages are there.
-void Store::CheckFileSize() {
+void Store::RequireWholeFile() {
   MDB_envinfo info;
   MDB_stat pages;
   CheckMdb(mdb_env_info(env_, &info), path_);
   CheckMdb(mdb_env_stat(env_, &pages), path_);
-  if (FileSize() < static_cast<unsigned long long>(info.me_last_pgno + 1) * pages.ms_psize)
-    throw Failure(path_ + ": the store is truncated");
+  if (FileSize() / pages.ms_psize < info.me_last_pgno + 1) throw Failure(path_ + ": the store is truncated");
+  largest_ = mode_ == Mode::kRead ? FileSize() : kMapSize;
+}
+
+void Store::RequireFits(const MDB_val& value) const {
+  if (value.mv_size > largest_) throw Failure(path_ + ": the store is damaged");
 }
 
 void Store::ReadMeta() {
@@ -168,6 +178,7 @@ void Store::ReadMeta() {
   auto block = static_cast<unsigned int>(count_ / kBlock);
   MDB_val key = ValOf(block), data;
   CheckMdb(mdb_get(txn_, sums_, &key, &data), path_ + ": checksum");
+  RequireFits(data);
   if (data.mv_size == sizeof blockSum_) std::memcpy(&blockSum_, data.mv_data, sizeof blockSum_);
 }
 
@@ -182,17 +193,27 @@ std::string Store::Meta(const std::string& key) {
   int code = mdb_get(txn_, meta_, &k, &data);
   if (code == MDB_NOTFOUND) return "";
   CheckMdb(code, path_);
-  return std::string(View(data));
+  RequireFits(data);
+  std::string value(View(data));
+  unsigned long long sum = 0;
+  if (value.size() >= sizeof sum) {
+    value.resize(value.size() - sizeof sum);
+    std::memcpy(&sum, View(data).data() + value.size(), sizeof sum);
+  }
+  if (sum != AddToSum(kEmptySum, value)) throw Failure(path_ + ": the store's " + key + " is damaged");
+  return value;
 }
 
 void Store::SetMeta(const std::string& key, const std::string& value) {
-  MDB_val k = Val(key), data = Val(value);
+  unsigned long long sum = AddToSum(kEmptySum, value);
+  std::string stored = value + std::string(reinterpret_cast<const char*>(&sum), sizeof sum);
+  MDB_val k = Val(key), data = Val(stored);
   CheckMdb(mdb_put(txn_, meta_, &k, &data, 0), path_);
 }
 
 unsigned long long Store::FileSize() const {
   struct stat status {};
-  return stat(path_.c_str(), &status) == 0 ? static_cast<unsigned long long>(status.st_size) : 0;
+  return stat(file_.c_str(), &status) == 0 ? static_cast<unsigned long long>(status.st_size) : 0;
 }
 
 unsigned int Store::Append(const std::string& record) {
@@ -216,7 +237,9 @@ void Store::Commit() {
   SetMeta("count", std::to_string(count_));
   MDB_txn* txn = std::exchange(txn_, nullptr);
   CheckMdb(mdb_txn_commit(txn), path_);
-  committed_ = true;
+  if (file_ != path_ && std::rename(file_.c_str(), path_.c_str()) != 0)
+    throw Failure(path_ + ": cannot be written");
+  file_ = path_;
 }
 
 std::string_view Store::Get(unsigned int number) {
@@ -224,11 +247,12 @@ std::string_view Store::Get(unsigned int number) {
   int code = mdb_get(txn_, records_, &key, &data);
   if (code == MDB_NOTFOUND) throw Failure(path_ + ": record " + std::to_string(number) + " is missing");
   CheckMdb(code, path_);
+  RequireFits(data);
   return View(data);
 }
 
 void Store::ForEach(const std::function<void(unsigned int, std::string_view)>& onRecord) {
-  Cursor cursor(txn_, records_);
+  Cursor cursor(*this, records_);
   MDB_val key, data;
   unsigned int number = 0;
   unsigned long long sum = kEmptySum;
@@ -243,6 +267,7 @@ void Store::ForEach(const std::function<void(unsigned int, std::string_view)>& o
     unsigned int block = number / kBlock;
     MDB_val blockKey = ValOf(block), expected;
     int code = mdb_get(txn_, sums_, &blockKey, &expected);
+    if (code == 0) RequireFits(expected);
     if (code != 0 || expected.mv_size != sizeof sum || std::memcmp(expected.mv_data, &sum, sizeof sum) != 0)
       throw Failure(path_ + ": one of the records " + std::to_string(block * kBlock) + " to " +
                     std::to_string(number) + " is damaged: their checksum differs");
@@ -281,6 +306,13 @@ MDB_dbi Store::IndexTable(const IndexInfo& index, bool fresh) {
     auto type = static_cast<unsigned char>(schema_.Columns()[index.attribute].type);
     CheckMdb(mdb_set_compare(txn_, table, kComparisons[type]), path_);
   }
+  if (fresh) CheckMdb(mdb_drop(txn_, table, 0), path_);
+  return table;
+}
+
+MDB_dbi Store::ApartTable(const IndexInfo& index, bool fresh) {
+  const std::string& name = schema_.Columns()[index.attribute].name;
+  MDB_dbi table = Table("a:" + name, MDB_INTEGERKEY | (fresh ? MDB_CREATE : 0));
   if (fresh) CheckMdb(mdb_drop(txn_, table, 0), path_);
   return table;
 }

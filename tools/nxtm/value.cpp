@@ -81,9 +81,11 @@ unsigned long SequenceLength(const unsigned char* p, unsigned long rest) {
   return static_cast<unsigned long>(n);
 }
 
-void CheckUtf8(const std::string& text) {
+/// The number of characters; a Failure for a text that is not UTF-8.
+unsigned long CheckUtf8(const std::string& text) {
   auto* p = reinterpret_cast<const unsigned char*>(text.data());
-  for (unsigned long i = 0; i < text.size();) {
+  unsigned long characters = 0;
+  for (unsigned long i = 0; i < text.size(); ++characters) {
     unsigned long n = SequenceLength(p + i, text.size() - i);
     if (n == 0)
       throw Failure("byte " + std::to_string(i + 1) +
@@ -91,6 +93,25 @@ void CheckUtf8(const std::string& text) {
     if (p[i] == 0) throw Failure("byte " + std::to_string(i + 1) + " of the text is 0");
     i += n;
   }
+  return characters;
+}
+
+/// Well-formed UTF-8 in a byte a character: ASCII, which is the same in every code set
+/// of such, and for code set 0 or 1 all of Latin-1. False for a text with others.
+bool ToLatin1(const std::string& text, unsigned char codeSet, std::string& bytes) {
+  constexpr unsigned char kFirstOfLatin1 = 0xC2, kLastOfLatin1 = 0xC3;
+  bool latin1 = codeSet <= kCodeSetLatin1;
+  bytes.reserve(text.size());
+  for (unsigned long i = 0; i < text.size(); ++i) {
+    auto lead = static_cast<unsigned char>(text[i]);
+    if (lead < 0x80) {
+      bytes += text[i];
+    } else {
+      if (!latin1 || lead < kFirstOfLatin1 || lead > kLastOfLatin1) return false;
+      bytes += static_cast<char>(lead << 6 | (text[++i] & 0x3F));
+    }
+  }
+  return true;
 }
 
 /// Whether every character has a place in an 8-bit code set.
@@ -100,6 +121,23 @@ bool FitsCodeSet(const NxString& unicode, unsigned char codeSet) {
   NxString back(narrow);
   back.MapToCodeSet(kCodeSetUnicode);
   return back._nSize == unicode._nSize && std::memcmp(back.StrGet(), unicode.StrGet(), back._nSize) == 0;
+}
+
+/// Converts well-formed UTF-8 by the library, which takes pieces of limited size; a
+/// piece ends where a sequence does.
+NxString ConvertPieces(const std::string& text, unsigned char codeSet, unsigned char language) {
+  constexpr unsigned long kPiece = 16384;
+  NxString s(codeSet, language);
+  for (unsigned long at = 0, end; at < text.size(); at = end) {
+    end = std::min<unsigned long>(text.size(), at + kPiece);
+    while (end < text.size() && (text[end] & 0xC0) == 0x80) --end;
+    NxString piece(kCodeSetUnicode, language);
+    NxMBS2NxString(text.data() + at, piece, static_cast<long>(end - at));
+    if (NxCharWidth(codeSet) == 1 && !FitsCodeSet(piece, codeSet))
+      throw Failure("a character of the text is not in code set " + std::to_string(codeSet));
+    s += piece;
+  }
+  return s;
 }
 
 // ---------------------------------------------------------------------------
@@ -122,11 +160,12 @@ T ParseInteger(const std::string& text) {
 }
 
 double ParseReal(const std::string& text, double limit) {
+  // Nothing of what strtod takes besides: hexadecimal, nan, inf, blanks.
+  bool decimal = text.find_first_not_of("+-.0123456789eE") == std::string::npos;
   char* end = nullptr;
   double v = std::strtod(text.c_str(), &end);
-  if (text.empty() || *end != 0 || std::isspace(static_cast<unsigned char>(text[0])))
-    throw Failure("'" + text + "' is not a number");
-  if (std::isfinite(v) && std::fabs(v) > limit) throw Failure("'" + text + "' is too large");
+  if (!decimal || text.empty() || *end != 0) throw Failure("'" + text + "' is not a number");
+  if (std::fabs(v) > limit) throw Failure("'" + text + "' is too large");
   return v;
 }
 
@@ -199,14 +238,14 @@ std::string TextOfTime(const NxTime& time) {
 // ---------------------------------------------------------------------------
 // Strings
 
+std::string TextOfAlphabetic(const char* text) { return Utf8OfString(NxString(text ? text : "")); }
+
 /// The text of an alphabetic string, which knows Latin-1 only.
 template <class T>
 void AssignAlphabetic(Box& box, const std::string& text) {
   NxString s = StringOfUtf8(text, TextStyle{kCodeSetLatin1, 1});
   box.As<T>() = s.StrGet();
 }
-
-std::string TextOfAlphabetic(const char* text) { return Utf8OfString(NxString(text ? text : "")); }
 
 long long SignedValue(const NxInt64& v) {
   return static_cast<long long>(static_cast<unsigned long long>(static_cast<unsigned long>(v.high)) << 32 |
@@ -386,7 +425,11 @@ Image ImageOfText(char type, const std::string& text, const TextStyle& style, un
   RequireUsable(type);
   Box box(type);
   Assign(box, type, text, style, pattern);
-  return box.Store(format);
+  Image image = box.Store(format);
+  bool alphabetic = type == kIString || type == kCaseIString;
+  if (alphabetic && TextOfImage(type, image, format).text != text)
+    throw Failure("the type has no place for a character of the text");
+  return image;
 }
 
 Image NullImage(char type, unsigned char format) {
@@ -466,34 +509,26 @@ unsigned char FindLanguage(const std::string& name) {
   throw Failure("there is no language '" + name + "'");
 }
 
+unsigned char FindCodeSet(const std::string& number) {
+  for (unsigned char codeSet : {0, 1, 2, 3, 4, 253})
+    if (number == std::to_string(codeSet)) return codeSet;
+  throw Failure("there is no code set '" + number + "' (0, 1, 2, 3, 4 or 253)");
+}
+
 NxString StringOfUtf8(const std::string& text, const TextStyle& style) {
-  CheckUtf8(text);
-  // The conversion takes pieces of limited size; a piece ends where a sequence does.
-  constexpr unsigned long kPiece = 16384;
-  NxString s(kCodeSetUnicode, style.language);
-  unsigned long units = 0;
-  for (char c : text) units += (c & 0xC0) != 0x80;
-  unsigned char codeSet = style.codeSet;
-  if (units + 1 > kMaxStringBytes || (NxCharWidth(codeSet) == 2 && 2 * (units + 1) > kMaxStringBytes))
+  unsigned long characters = CheckUtf8(text);
+  std::string bytes;
+  bool narrow = NxCharWidth(style.codeSet) == 1 && ToLatin1(text, style.codeSet, bytes);
+  unsigned char codeSet = style.codeSet ? style.codeSet : narrow ? kCodeSetLatin1 : kCodeSetUnicode;
+  if (characters * NxCharWidth(codeSet) > kMaxTextBytes)
     throw Failure("the text is longer than " + std::to_string(kMaxTextBytes) + " bytes");
-  bool narrow = true;
-  NxString result(codeSet ? codeSet : kCodeSetLatin1, style.language);
-  for (unsigned long at = 0; at < text.size();) {
-    unsigned long end = std::min<unsigned long>(text.size(), at + kPiece);
-    while (end < text.size() && (text[end] & 0xC0) == 0x80) --end;
-    NxString piece(kCodeSetUnicode, style.language);
-    NxMBS2NxString(text.data() + at, piece, static_cast<long>(end - at));
-    if (codeSet != kCodeSetUnicode && NxCharWidth(result._nCodeSet) == 1 &&
-        !FitsCodeSet(piece, result._nCodeSet)) {
-      if (codeSet) throw Failure("a character of the text is not in code set " + std::to_string(codeSet));
-      narrow = false;
-      break;
-    }
-    result += piece;
-    at = end;
+  if (narrow) {
+    NxString s(bytes.c_str());
+    s._nCodeSet = codeSet;
+    s._nLanguage = style.language;
+    return s;
   }
-  if (narrow) return result;
-  return StringOfUtf8(text, TextStyle{kCodeSetUnicode, style.language});
+  return ConvertPieces(text, codeSet, style.language);
 }
 
 std::string Utf8OfString(const NxString& s) {

@@ -26,8 +26,8 @@ struct TextStyle {
   unsigned char language = 1;
 };
 
-/// Longest text of a string attribute, in bytes of its code set.
-constexpr unsigned long kMaxTextBytes = 65532;
+/// Longest text that has a stored image, in bytes of its code set.
+constexpr unsigned long kMaxTextBytes = 65531;
 
 /// What the text of a value may hold besides values.
 enum class Pattern {
@@ -38,7 +38,7 @@ enum class Pattern {
 /// The stored image, under format code 1 or 2, of a value written as text:
 ///
 ///   integers          decimal, within the type's range
-///   float, double     decimal, with exponent
+///   float, double     decimal, with exponent; finite
 ///   strings           UTF-8
 ///   NxDate, NxTime    2004-03-15, 13:45:07
 ///   NxBoolean         true, false
@@ -66,9 +66,11 @@ Image FromHex(const std::string& text);
 
 /// The number of the language of a name or number.
 unsigned char FindLanguage(const std::string& name);
+/// The number of a code set that texts may have.
+unsigned char FindCodeSet(const std::string& number);
 
-/// Converts UTF-8, of any length that a string may have; a Failure tells the
-/// position of a broken sequence.
+/// Converts UTF-8; a Failure tells the position of a broken sequence, or that the text
+/// is too long for its code set.
 NxString StringOfUtf8(const std::string& text, const TextStyle& style);
 std::string Utf8OfString(const NxString& s);
 

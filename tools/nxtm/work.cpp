@@ -34,45 +34,48 @@ class Importer {
   /// The first row names the columns, in the order of the schema.
   void TakeHeader(const CsvRow& row) {
     CheckWidth(row);
-    for (unsigned long i = 0; i < row.size(); ++i)
-      if (row[i].text != schema_.Columns()[i].name)
-        throw FailureAt(
-            file_, row[i].line, row[i].column,
-            "column '" + schema_.Columns()[i].name + "' is missing here, found '" + row[i].text + "'");
+    for (unsigned long i = 0; i < row.fields.size(); ++i) {
+      const std::string& wanted = schema_.Columns()[i].name;
+      const std::string& found = row.fields[i].text;
+      if (found != wanted) Fail(row, i, "column '" + wanted + "' is missing here, found '" + found + "'");
+    }
   }
 
   void TakeRow(const CsvRow& row) {
     CheckWidth(row);
     record_.clear();
     fields_.clear();
-    for (unsigned long i = 0; i < row.size(); ++i) {
-      fields_.push_back(TakeField(row[i], schema_.Columns()[i]));
+    for (unsigned long i = 0; i < row.fields.size(); ++i) {
+      fields_.push_back(TakeField(row, i));
       Record::Append(record_, schema_.Columns()[i], fields_.back());
     }
     AddToIndexes(store_, store_.Append(record_), fields_);
   }
 
  private:
-  void CheckWidth(const CsvRow& row) const {
-    unsigned long wanted = schema_.Columns().size();
-    if (row.size() == wanted) return;
-    const CsvField& last = row.back();
-    if (row.size() < wanted)
-      throw FailureAt(file_, last.line, last.column + last.text.size(),
-                      "column '" + schema_.Columns()[row.size()].name + "' is missing");
-    throw FailureAt(
-        file_, row[wanted].line, row[wanted].column,
-        "the row has " + std::to_string(row.size()) + " fields, the schema " + std::to_string(wanted));
+  [[noreturn]] void Fail(const CsvRow& row, unsigned long field, const std::string& reason) const {
+    Place place = PlaceOfField(row, field);
+    throw FailureAt(file_, place.line, place.column, reason);
   }
 
-  Field TakeField(const CsvField& field, const Column& column) const {
+  void CheckWidth(const CsvRow& row) const {
+    unsigned long wanted = schema_.Columns().size(), found = row.fields.size();
+    if (found < wanted) Fail(row, found, "column '" + schema_.Columns()[found].name + "' is missing");
+    if (found > wanted)
+      Fail(row, wanted,
+           "the row has " + std::to_string(found) + " fields, the schema " + std::to_string(wanted));
+  }
+
+  Field TakeField(const CsvRow& row, unsigned long i) const {
+    const CsvField& field = row.fields[i];
+    const Column& column = schema_.Columns()[i];
     try {
       if (!field.isNull) return {ImageOfText(column.type, field.text, column.style), false};
       if (column.nullable) return {NullImage(column.type), true};
       if (IsText(column.type)) return {ImageOfText(column.type, "", column.style), false};
       throw Failure("the field is empty and the column not nullable");
     } catch (const Failure& failure) {
-      throw FailureAt(file_, field.line, field.column, "column '" + column.name + "': " + failure.what());
+      Fail(row, i, "column '" + column.name + "': " + failure.what());
     }
   }
 
@@ -91,6 +94,12 @@ std::unique_ptr<Store> OpenForImport(const std::string& schemaFile, const std::s
     throw Failure(storeFile + ": has another schema than " + schemaFile + ":\n" + store->GetSchema().Text());
   for (const IndexInfo& index : store->Indexes()) RequireCurrent(*store, index);
   return store;
+}
+
+/// A record of one null is exported as an empty line, and comes back from it.
+EmptyLine EmptyLineOf(const Schema& schema) {
+  bool oneNullable = schema.Columns().size() == 1 && schema.Columns()[0].nullable;
+  return oneNullable ? EmptyLine::kNullRow : EmptyLine::kNoRow;
 }
 
 std::string CsvOf(const Schema& schema, const std::vector<Field>& fields) {
@@ -166,16 +175,15 @@ void Import(const std::string& schemaFile, const std::string& dataFile, const st
   Importer importer(*store, dataFile);
   Progress progress("importing", data.size());
   bool headerNext = header;
-  unsigned long long done = 0;
-  ReadCsv(data, dataFile, [&](CsvRow& row) {
+  ReadCsv(data, dataFile, EmptyLineOf(store->GetSchema()), [&](const CsvRow& row) {
     if (headerNext)
       importer.TakeHeader(row);
     else
       importer.TakeRow(row);
     headerNext = false;
-    for (const CsvField& field : row) done += field.text.size() + 1;
-    progress.At(done);
+    progress.At(data.size() - row.rest.size());
   });
+  if (headerNext) throw FailureAt(dataFile, 1, 1, "the row with the names of the columns is missing");
   store->Commit();
   unsigned long added = store->Count() - before;
   double seconds = watch.Seconds();
