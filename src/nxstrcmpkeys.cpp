@@ -13,12 +13,10 @@
 
 namespace {
 
-/// The order values of a key.
+/// A key's order values, from some place on.
 struct KeyText {
   const char* units;
   unsigned count;
-  unsigned char selector;
-  bool cut;  // the key stops short of its text
 };
 
 template <bool kBigEndian>
@@ -27,26 +25,29 @@ unsigned UnitAt(const char* units, unsigned index) {
   return kBigEndian ? (unit >> 8 | (unit & 0xFF) << 8) : unit;
 }
 
+/// Whether an image is whole, current and of order values; the language byte is of an
+/// alphabetic selector.
 template <bool kBigEndian>
-bool Locate(const char* image, unsigned long length, unsigned char format, KeyText& key) {
+inline bool Locate(const char* image, unsigned long length, unsigned char format, KeyText& key) {
   if (length != 0 && length < NxStoredString::kEmptySize) return false;
   const unsigned n = UnitAt<kBigEndian>(image, 0);
-  const bool whole = length == 0 || n + 2 <= length;
-  if (!whole || n < NxStoredString::kEmptyLength || (n & 1) != 0) return false;
-  const bool early = image[n + 1] == 0 && !(format & kFormatKey);
-  if (early) return false;
-  const unsigned char language = static_cast<unsigned char>(image[3]);
-  key = {image + NxStoredString::kHeadSize, static_cast<unsigned>(n - NxStoredString::kEmptyLength) / 2,
-         static_cast<unsigned char>(language & ~kMixedCollation), (language & kMixedCollation) != 0};
-  return static_cast<unsigned char>(image[2]) == kCodeSetOrderValues && key.selector != kLanguageNone;
+  if (n < NxStoredString::kEmptyLength || (n & 1) != 0 || (length != 0 && length < n + 2)) return false;
+  const bool early = !(format & kFormatKey) && image[n + 1] == 0;
+  const unsigned selector = static_cast<unsigned char>(image[3]) & ~kMixedCollation;
+  key = {image + NxStoredString::kHeadSize, (n - static_cast<unsigned>(NxStoredString::kEmptyLength)) / 2};
+  return !early && static_cast<unsigned char>(image[2]) == kCodeSetOrderValues && selector != kLanguageNone &&
+         selector < kPlainOrderSelector;
 }
+
+/// The end of a text, a digit, a letter or a HAN character.
+bool IsSignificantOrEnd(unsigned unit) { return unit == 0 || unit >= kFirstDigitOrder; }
 
 /// The levels of two keys of one alphabetic selector.
 template <bool kBigEndian>
 class KeyWalk {
  public:
-  KeyWalk(const KeyText& a, const KeyText& b, unsigned short options)
-      : a_{a.units, a.count}, b_{b.units, b.count}, selector_(a.selector), options_(options) {}
+  KeyWalk(const KeyText& a, const KeyText& b, unsigned char selector, unsigned short options)
+      : a_{a.units, a.count}, b_{b.units, b.count}, selector_(selector), options_(options) {}
 
   /// False when there is a wildcard in the second key.
   bool Compare(long& result);
@@ -149,16 +150,49 @@ bool KeyWalk<kBigEndian>::Compare(long& result) {
   return true;
 }
 
+/// The comparison of all that follows the first difference, which is none of base
+/// letters. Apart, so that the frequent case needs few registers.
 template <bool kBigEndian>
-bool Compare(const char* image1, unsigned long length1, const char* image2, unsigned long length2,
-             unsigned char format, unsigned short options, long& result, int& error) {
+[[gnu::noinline]] bool CompareLevels(const KeyText& a, const KeyText& b, unsigned char selector,
+                                     unsigned short options, long& result) {
+  return KeyWalk<kBigEndian>(a, b, selector, options).Compare(result);
+}
+
+template <bool kBigEndian>
+inline bool Compare(const KeyText& a, const KeyText& b, unsigned char selector, unsigned short options,
+                    long& result) {
+  const unsigned most = std::min(a.count, b.count);
+  unsigned i = 0;
+  unsigned unitA = 0;
+  unsigned unitB = 0;
+  for (;; ++i) {
+    unitA = i < a.count ? UnitAt<kBigEndian>(a.units, i) : 0;
+    unitB = i < b.count ? UnitAt<kBigEndian>(b.units, i) : 0;
+    if (i == most || unitA != unitB || unitA < kFirstDigitOrder) break;
+  }
+  if (IsSignificantOrEnd(unitA) && IsSignificantOrEnd(unitB)) {
+    result = NxPrimaryDifference(NxCompareKey(static_cast<unsigned short>(unitA), selector),
+                                 NxCompareKey(static_cast<unsigned short>(unitB), selector));
+    if (result != 0 || unitA == 0) return true;
+  }
+  return CompareLevels<kBigEndian>({a.units + 2 * i, a.count - i}, {b.units + 2 * i, b.count - i}, selector,
+                                   options, result);
+}
+
+template <bool kBigEndian>
+inline bool CompareImages(const char* image1, unsigned long length1, const char* image2,
+                          unsigned long length2, unsigned char format, unsigned short options, long& result,
+                          int& error) {
   KeyText a, b;
   if (!Locate<kBigEndian>(image1, length1, format, a) || !Locate<kBigEndian>(image2, length2, format, b))
     return false;
-  if (a.selector != b.selector || a.selector >= kPlainOrderSelector) return false;
-  if (b.cut && !(options & kWildcardsOff)) return false;
-  if (!KeyWalk<kBigEndian>(a, b, options).Compare(result)) return false;
-  error = a.cut || b.cut ? kPastBuffer : 0;
+  const unsigned char languageA = static_cast<unsigned char>(image1[3]);
+  const unsigned char languageB = static_cast<unsigned char>(image2[3]);
+  const unsigned char selector = languageA & ~kMixedCollation;
+  if (selector != (languageB & ~kMixedCollation)) return false;
+  if ((languageB & kMixedCollation) && !(options & kWildcardsOff)) return false;  // a wildcard may be cut off
+  if (!Compare<kBigEndian>(a, b, selector, options, result)) return false;
+  error = (languageA | languageB) & kMixedCollation ? kPastBuffer : 0;
   return true;
 }
 
@@ -169,6 +203,6 @@ bool NxCompareKeyImages(const char* image1, unsigned long length1, const char* i
   const bool wildcardsAreSymbols = (options & kWildcardsOff) || NxOrderTable::WildcardsAreSymbols();
   if (format == kFormatMemory || (options & kOrderValuesOnly) || !wildcardsAreSymbols) return false;
   return (format & kFormatCodeMask) == kFormatBigEndian
-             ? Compare<true>(image1, length1, image2, length2, format, options, result, error)
-             : Compare<false>(image1, length1, image2, length2, format, options, result, error);
+             ? CompareImages<true>(image1, length1, image2, length2, format, options, result, error)
+             : CompareImages<false>(image1, length1, image2, length2, format, options, result, error);
 }
