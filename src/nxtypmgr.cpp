@@ -47,6 +47,7 @@ NxTypeTab* NxTypeMgr::Find(char id) const {
 }
 
 NxTypeTab& NxTypeMgr::Record(char id) const {
+  if (static_cast<unsigned char>(id) < kOldTypeCount) return *table[static_cast<int>(id)];  // in both tables
   NxTypeTab* record = Find(id);
   return record ? *record : NxIllegalTab;
 }
@@ -237,6 +238,13 @@ NxString UnusedSeparator(NxTypeConvertData& strings) {
   return NxString(",");
 }
 
+/// Removes the first n characters: a single cut takes its count as a signed number.
+void CutFront(NxString& text, unsigned long n) {
+  constexpr unsigned long kMost = 32767;
+  for (; n > kMost; n -= kMost) text.Cut(0, kMost);
+  text.Cut(0, static_cast<short>(n));
+}
+
 /// The parts of text between separators, as an array of `count` strings; text keeps
 /// what follows the last separator. The part behind it stays empty.
 NxString* SplitParts(NxString& text, const NxString& separator, unsigned long& count) {
@@ -252,7 +260,7 @@ NxString* SplitParts(NxString& text, const NxString& separator, unsigned long& c
     parts[i] = text.Copy(pos, static_cast<short>(at - pos));
     pos = at + 1;
   }
-  text.Cut(0, static_cast<short>(pos));
+  CutFront(text, pos);
   return parts;
 }
 

@@ -425,6 +425,7 @@ TEST(Text, ManyValuesInALongText) {
   auto* parts = static_cast<NxString*>(mgr.ConvertFromNxStringOld(&text, 11, 2));
   EXPECT_EQ(parts[0].Len(), 40000);
   EXPECT_EQ(Text(parts[1]), "12");
+  EXPECT_TRUE(text.IsEmpty());
   mgr.Delete(11, parts, 2);
 }
 
