@@ -1,5 +1,6 @@
-// NxStrCmp: null values and plain bytes are decided here, order values alone in one
-// loop, everything else by the level comparison, whose members are its steps.
+// The comparison of any two texts: null values and plain bytes are decided here, order
+// values alone in one loop, everything else by the level comparison, whose members are
+// its steps.
 
 #include "nxstrcmp.h"
 
@@ -230,9 +231,9 @@ int CompareByReaders(const NxComparedText& a, const NxComparedText& b, unsigned 
   return ProcessCharInfo(first, second, op, len, outPos).Run();
 }
 
-/// NxStrCmp with or without the plain walk before the level comparison.
-int Compare(NxComparedText a, NxComparedText b, unsigned short op, short len, unsigned char byteOrder,
-            int* outPos, bool plain) {
+/// `plain` allows the plain walk before the level comparison.
+int CompareTexts(NxComparedText a, NxComparedText b, unsigned short op, short len, unsigned char byteOrder,
+                 int* outPos, bool plain) {
   const bool bytesDecide = (op & (kWildcardsOff | kOrderValuesOnly)) != 0;
   if (IsNull(a.codeSet, a.language)) {
     if (IsNull(b.codeSet, b.language)) return 0;
@@ -258,13 +259,14 @@ int Compare(NxComparedText a, NxComparedText b, unsigned short op, short len, un
 
 }  // namespace
 
-int NxStrCmp(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2, unsigned char lang2,
-             const char* s2, unsigned short op, short len, unsigned char byteOrder, int* outPos) {
-  return Compare({cs1, lang1, s1}, {cs2, lang2, s2}, op, len, byteOrder, outPos, true);
+int NxStrCmpAny(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2,
+                unsigned char lang2, const char* s2, unsigned short op, short len, unsigned char byteOrder,
+                int* outPos) {
+  return CompareTexts({cs1, lang1, s1}, {cs2, lang2, s2}, op, len, byteOrder, outPos, true);
 }
 
 int NxStrCmpGeneral(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2,
                     unsigned char lang2, const char* s2, unsigned short op, short len,
                     unsigned char byteOrder, int* outPos) {
-  return Compare({cs1, lang1, s1}, {cs2, lang2, s2}, op, len, byteOrder, outPos, false);
+  return CompareTexts({cs1, lang1, s1}, {cs2, lang2, s2}, op, len, byteOrder, outPos, false);
 }

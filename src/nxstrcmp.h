@@ -4,11 +4,13 @@
 #ifndef NXSTRCMP_H
 #define NXSTRCMP_H
 
+#include <atomic>
 #include <cstring>
 #include <limits>
 #include <memory>
 
 #include "nxlang.h"
+#include "nxstring.h"
 #include "nxstritr.h"
 #include "nxtypcmp.h"
 
@@ -30,18 +32,38 @@ class NxOrderTable {
   static constexpr unsigned kMarks = kNotPlain | kNeedsIterator;
 
   struct Entry {
-    unsigned key;  // compare key and marks
+    unsigned key;  // compare key and marks; 0 for the end of a text alone
     unsigned short order;
     unsigned char selector;
+    bool equalPass;  // two of these compare equal whatever follows: nothing but that is to be known
   };
 
   /// The table of a code set and language, or null when none is kept for them.
   static const NxOrderTable* Find(unsigned char codeSet, unsigned char language);
+  /// The same of an 8-bit code set, if it has been built.
+  static const NxOrderTable* FindBuilt(unsigned char codeSet, unsigned char language) {
+    if (codeSet >= kUnicodeRow || language >= kLanguages) return nullptr;
+    return built_[codeSet][language].load(std::memory_order_acquire);
+  }
+  /// Whether neither wildcard is a digit or letter, so that plain characters are none.
+  static bool WildcardsAreSymbols() {
+    return NxString::_nAsterisk < kFirstDigitOrder && NxString::_nQuestion < kFirstDigitOrder;
+  }
+
+  const Entry& EntryOf(char c) const { return entries[static_cast<unsigned char>(c)]; }
 
   Entry entries[256];
 
  private:
+  static constexpr unsigned kCodeSets = 8;  // 8-bit code sets 1 to 6; the last is Unicode
+  static constexpr unsigned kLanguages = 16;
+  static constexpr unsigned kUnicodeRow = kCodeSets - 1;
+
   void Build(unsigned char codeSet, unsigned char language);
+
+  static NxOrderTable tables_[kCodeSets][kLanguages];
+  static std::atomic<bool> taken_[kCodeSets][kLanguages];  // being built, or built
+  static std::atomic<const NxOrderTable*> built_[kCodeSets][kLanguages];
 };
 
 /// Reads a text as collation order values with their compare keys. A table spares the
@@ -180,13 +202,56 @@ constexpr unsigned NxWildcardKeyMask(unsigned short op) {
   return ~((op & kIgnoreAccents ? 31u : 0u) | (op & kIgnoreCase ? 96u : 0u));
 }
 
+/// The differences of two texts that have none of base letters so far.
+struct NxLesserLevels {
+  int accent = 0;
+  int letterCase = 0;
+
+  void Note(unsigned k0, unsigned k1) {
+    if (letterCase == 0) letterCase = NxCaseDifference(k0, k1);
+    if (const int difference = NxAccentDifference(k0, k1)) accent = difference;
+  }
+  int Result(unsigned short op) const {
+    if (accent != 0 && !(op & kIgnoreAccents)) return accent;
+    return letterCase != 0 && !(op & kIgnoreCase) ? letterCase : 0;
+  }
+};
+
+/// Compares two 8-bit texts of one table up to their first difference. False where it
+/// is not one of base letters; `equal` characters stand before it.
+inline bool NxCompareBaseLetters(const NxOrderTable& table, const char* a, const char* b, unsigned& equal,
+                                 int& result) {
+  unsigned i = 0;
+  for (;; i += 2) {  // two at a time: this loop is most of a comparison
+    if (a[i] != b[i] || !table.EntryOf(a[i]).equalPass) break;
+    if (a[i + 1] != b[i + 1] || !table.EntryOf(a[i + 1]).equalPass) {
+      ++i;
+      break;
+    }
+  }
+  equal = i;
+  const unsigned k0 = table.EntryOf(a[i]).key;
+  const unsigned k1 = table.EntryOf(b[i]).key;
+  if ((k0 | k1) & NxOrderTable::kNotPlain) return false;
+  result = NxPrimaryDifference(k0, k1);
+  if (__builtin_expect(result != 0, 1)) return true;
+  return k0 == 0;  // both texts end
+}
+
+/// Goes on from there, over accents and case, as long as the texts consist of plain
+/// characters. False where something else comes.
+bool NxComparePlainBytes(const NxOrderTable& table, const char* a, const char* b, unsigned equal,
+                         unsigned short op, int& result);
 /// The comparison for texts of one width that have tables, which leaves to the level
 /// comparison only what needs it. False, with `result` unset, where it cannot serve.
 /// The code sets are not 0 and the texts not null.
 bool NxComparePlain(const NxComparedText& a, const NxComparedText& b, unsigned short op, short len,
                     unsigned char byteOrder, int* outPos, int& result);
 
-/// NxStrCmp by the level comparison alone, without tables.
+/// NxStrCmp of any texts, and the same by the level comparison alone, without tables.
+int NxStrCmpAny(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2,
+                unsigned char lang2, const char* s2, unsigned short op, short len, unsigned char byteOrder,
+                int* outPos);
 int NxStrCmpGeneral(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2,
                     unsigned char lang2, const char* s2, unsigned short op, short len,
                     unsigned char byteOrder, int* outPos);

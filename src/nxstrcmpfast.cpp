@@ -1,6 +1,6 @@
-// The plain walk: texts of characters that each have one order value are compared
-// over a table of compare keys, and a pattern behind a star is searched in place.
-// Whatever else comes up is left to the level comparison, round by round.
+// NxStrCmp, the short way: texts of characters that each have one order value are
+// compared over a table of compare keys, and a pattern behind a star is searched in
+// place. Whatever else comes up is left to the level comparison, round by round.
 
 #include <atomic>
 #include <cstring>
@@ -9,20 +9,12 @@
 #include "nxstrcmp.h"
 #include "nxstring.h"
 #include "ord2str.h"
+#include "strwild.h"
 
 // ---------------------------------------------------------------------------
 // Tables
 
 namespace {
-
-constexpr unsigned kTableCodeSets = 8;  // 8-bit code sets 1 to 6; the last is Unicode
-constexpr unsigned kTableLanguages = 16;
-constexpr unsigned kUnicodeTable = kTableCodeSets - 1;
-
-enum TableState : unsigned char { kNotBuilt, kBeingBuilt, kBuilt };
-
-NxOrderTable tables[kTableCodeSets][kTableLanguages];
-std::atomic<TableState> tableStates[kTableCodeSets][kTableLanguages];
 
 const NxCharInfo* RecordOf(unsigned short value, unsigned char codeSet, unsigned char language) {
   const NxCharTable* records = NxLanguageContext::QueryCodeSet(codeSet)->CharTable();
@@ -33,26 +25,37 @@ const NxCharInfo* RecordOf(unsigned short value, unsigned char codeSet, unsigned
   return variant ? variant : info;
 }
 
+/// Whether a character with an expansion is all digits and letters.
+bool OnlyLetters(unsigned short order, const NxWCharList* expansion) {
+  if (order < kFirstDigitOrder || !expansion) return false;
+  for (short i = 0; i < expansion->Count(); ++i)
+    if (expansion->At(i) < kFirstDigitOrder) return false;
+  return true;
+}
+
 }  // namespace
+
+NxOrderTable NxOrderTable::tables_[kCodeSets][kLanguages];
+std::atomic<bool> NxOrderTable::taken_[kCodeSets][kLanguages];
+std::atomic<const NxOrderTable*> NxOrderTable::built_[kCodeSets][kLanguages];
 
 const NxOrderTable* NxOrderTable::Find(unsigned char codeSet, unsigned char language) {
   if (language == kLanguageDefault) language = NxLanguageContext::GetDefaultLanguage();
-  const unsigned row = codeSet == kCodeSetUnicode ? kUnicodeTable : codeSet;
-  const bool kept = codeSet != kCodeSetNone && (codeSet == kCodeSetUnicode || codeSet < kUnicodeTable);
-  if (!kept || language >= kTableLanguages) return nullptr;
-  std::atomic<TableState>& state = tableStates[row][language];
-  NxOrderTable& table = tables[row][language];
-  if (state.load(std::memory_order_acquire) == kBuilt) return &table;
-  // Comparing needs no lock: of several threads one builds, the others do without.
-  TableState expected = kNotBuilt;
-  if (!state.compare_exchange_strong(expected, kBeingBuilt)) return nullptr;
+  const bool kept = codeSet == kCodeSetUnicode || (codeSet != kCodeSetNone && codeSet < kUnicodeRow);
+  if (!kept || language >= kLanguages) return nullptr;
+  const unsigned row = codeSet == kCodeSetUnicode ? kUnicodeRow : codeSet;
+  std::atomic<const NxOrderTable*>& built = built_[row][language];
+  if (const NxOrderTable* table = built.load(std::memory_order_acquire)) return table;
+  // Comparing takes no lock: of several threads one builds, the others do without.
+  if (taken_[row][language].exchange(true)) return nullptr;
+  NxOrderTable& table = tables_[row][language];
   table.Build(codeSet, language);
-  state.store(kBuilt, std::memory_order_release);
+  built.store(&table, std::memory_order_release);
   return &table;
 }
 
 void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
-  entries[0] = {kNotPlain | kNeedsIterator, 0, 0};
+  entries[0] = {0, 0, 0, false};
   for (unsigned value = 1; value < 256; ++value) {
     const unsigned short text[2] = {static_cast<unsigned short>(value), 0};
     NxStringIterator it(reinterpret_cast<const char*>(text), codeSet, language, kFormatNative);
@@ -60,12 +63,16 @@ void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
     const unsigned char selector = it._nCollation;
     const NxCharInfo* record = RecordOf(static_cast<unsigned short>(value), codeSet, language);
     Entry& entry = entries[value];
-    entry = {NxCompareKey(order, selector), order, selector};
+    entry = {NxCompareKey(order, selector), order, selector, false};
     const bool alone = record && !record->followers && !record->expansion && !it._pOverflow;
     if (!alone || (entry.key & kMarks) != 0) {
-      entry = {kNotPlain | kNeedsIterator, 0, selector};
+      entry.key = kMarks;
+      entry.order = 0;
+      entry.equalPass = record && !record->followers && OnlyLetters(order, record->expansion);
     } else if (order < kFirstDigitOrder || selector >= kPlainOrderSelector) {
       entry.key |= kNotPlain;
+    } else {
+      entry.equalPass = true;
     }
   }
 }
@@ -76,7 +83,7 @@ void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
 namespace {
 
 /// Stands for every character that a table does not hold.
-constexpr NxOrderTable::Entry kOutsideTable = {NxOrderTable::kMarks, 0, 0};
+constexpr NxOrderTable::Entry kOutsideTable = {NxOrderTable::kMarks, 0, 0, false};
 
 /// One comparison of two texts whose characters are Units.
 template <class Unit>
@@ -91,8 +98,8 @@ class PlainWalk {
         op_(op),
         len_(len),
         wildcards_((op & kWildcardsOff) == 0),
-        asterisk_(NxString::GetAsterisk()),
-        question_(NxString::GetQuestion()),
+        asterisk_(NxString::_nAsterisk ? NxString::_nAsterisk : NxString::GetAsterisk()),
+        question_(NxString::_nQuestion ? NxString::_nQuestion : NxString::GetQuestion()),
         p_(a.text),
         q_(b.text),
         left_(len == -1 ? ProcessCharInfo::kNoLimit : static_cast<unsigned short>(len)) {}
@@ -106,9 +113,10 @@ class PlainWalk {
   static constexpr unsigned kUnitSize = sizeof(Unit);
 
   enum Finding {
-    kGoOn,     // the pair is dealt with
-    kEnded,    // result_ is the comparison's
-    kUnsuited  // the level comparison must go on from here
+    kGoOn,      // the pair is dealt with
+    kEnded,     // result_ is the comparison's
+    kUnsuited,  // the level comparison must go on from here
+    kNotHere    // the part of the pattern does not match at this place
   };
 
   static unsigned At(const char* p) { return NxUnitAt<Unit>(p); }
@@ -122,6 +130,7 @@ class PlainWalk {
   }
 
   bool Walk();
+  Finding PassPlain();
   Finding TakeSpecial();
   Finding TakeWildcard(const Entry& text, const Entry& pattern);
   bool PassEqualIgnorables();
@@ -129,7 +138,7 @@ class PlainWalk {
 
   Finding MatchAfterStar();
   Finding FindPart(const char* part);
-  Finding MatchPart(const char*& text, const char*& pattern);
+  Finding MatchPart(const char* text, const char* pattern);
 
   int CompareLevels(unsigned char byteOrder, int* outPos);
 
@@ -146,8 +155,7 @@ class PlainWalk {
   const char* p_;  // where the walk stands in both texts
   const char* q_;
   unsigned left_;  // characters still to be compared
-  int accent_ = 0;
-  int letterCase_ = 0;
+  NxLesserLevels levels_;
   int ignorable_ = 0;
   int result_ = 0;
 };
@@ -155,50 +163,51 @@ class PlainWalk {
 /// Walks on to the end, or to what only the level comparison can compare (false).
 template <class Unit>
 bool PlainWalk<Unit>::Walk() {
-  for (; left_ != 0; --left_, p_ += kUnitSize, q_ += kUnitSize) {
-    const unsigned k0 = EntryAt(tableA_, p_).key;
-    const unsigned k1 = EntryAt(tableB_, q_).key;
+  for (;;) {
+    Finding finding = PassPlain();
+    if (finding == kGoOn) finding = TakeSpecial();
+    if (finding != kGoOn) return finding == kEnded;
+    p_ += kUnitSize;
+    q_ += kUnitSize;
+    --left_;
+  }
+}
+
+/// Walks over plain characters to the end or to another character (kGoOn).
+template <class Unit>
+typename PlainWalk<Unit>::Finding PlainWalk<Unit>::PassPlain() {
+  const char* p = p_;
+  const char* q = q_;
+  unsigned left = left_;
+  for (; left != 0; --left, p += kUnitSize, q += kUnitSize) {
+    const unsigned k0 = EntryAt(tableA_, p).key;
+    const unsigned k1 = EntryAt(tableB_, q).key;
     if ((k0 | k1) & NxOrderTable::kNotPlain) {
-      const Finding finding = TakeSpecial();
-      if (finding != kGoOn) return finding == kEnded;
-    } else if (k0 != k1) {
-      result_ = NxPrimaryDifference(k0, k1);
-      if (result_ != 0) return true;
-      if (letterCase_ == 0) letterCase_ = NxCaseDifference(k0, k1);
-      if (const int difference = NxAccentDifference(k0, k1)) accent_ = difference;
+      p_ = p;
+      q_ = q;
+      left_ = left;
+      return kGoOn;
     }
+    result_ = NxPrimaryDifference(k0, k1);
+    if (result_ != 0) return kEnded;
+    if (k0 == 0) break;
+    if (k0 != k1) levels_.Note(k0, k1);
   }
   result_ = Result();
-  return true;
+  return kEnded;
 }
 
 template <class Unit>
 int PlainWalk<Unit>::Result() const {
-  if (accent_ != 0 && !(op_ & kIgnoreAccents)) return accent_;
-  if (letterCase_ != 0 && !(op_ & kIgnoreCase)) return letterCase_;
-  return ignorable_;
+  const int result = levels_.Result(op_);
+  return result != 0 ? result : ignorable_;
 }
 
-/// A pair with an end of text, a wildcard, a space or symbol in it.
+/// A pair with a wildcard, a space or symbol in it, or what is not in the table.
 template <class Unit>
 typename PlainWalk<Unit>::Finding PlainWalk<Unit>::TakeSpecial() {
-  const Entry& e0 = EntryAt(tableA_, p_);
   const Entry& e1 = EntryAt(tableB_, q_);
-  if (IsWildcard(e1)) return TakeWildcard(e0, e1);
-  const bool end0 = At(p_) == 0;
-  const bool end1 = At(q_) == 0;
-  if (end0 && end1) {
-    result_ = Result();
-    return kEnded;
-  }
-  if (end0 && !(e1.key & NxOrderTable::kNotPlain)) {
-    result_ = NxPrimaryDifference(0, e1.key);
-    return kEnded;
-  }
-  if (end1 && !(e0.key & NxOrderTable::kNotPlain)) {
-    result_ = NxPrimaryDifference(e0.key, 0);
-    return kEnded;
-  }
+  if (IsWildcard(e1)) return TakeWildcard(EntryAt(tableA_, p_), e1);
   return PassEqualIgnorables() ? kGoOn : kUnsuited;
 }
 
@@ -220,8 +229,8 @@ bool PlainWalk<Unit>::PassEqualIgnorables() {
   for (unsigned n = 0; n < left_; ++n) {
     const Entry& e0 = EntryAt(tableA_, p_ + n * kUnitSize);
     const Entry& e1 = EntryAt(tableB_, q_ + n * kUnitSize);
-    const bool begins0 = !(e0.key & NxOrderTable::kNotPlain) || At(p_ + n * kUnitSize) == 0;
-    const bool begins1 = !(e1.key & NxOrderTable::kNotPlain) || At(q_ + n * kUnitSize) == 0;
+    const bool begins0 = !(e0.key & NxOrderTable::kNotPlain);
+    const bool begins1 = !(e1.key & NxOrderTable::kNotPlain);
     if (n > 0 && ((begins0 && begins1) || (IsWildcard(e1) && !SkipsCharacters()))) {
       p_ += (n - 1) * kUnitSize;
       q_ += (n - 1) * kUnitSize;
@@ -245,8 +254,7 @@ template <class Unit>
 typename PlainWalk<Unit>::Finding PlainWalk<Unit>::MatchAfterStar() {
   if (len_ != -1) return kUnsuited;
   // A difference before the star makes every character after it a mismatch.
-  if (accent_ != 0 && !(op_ & kIgnoreAccents)) return kUnsuited;
-  if (letterCase_ != 0 && !(op_ & kIgnoreCase)) return kUnsuited;
+  if (levels_.Result(op_) != 0) return kUnsuited;
   const char* const starText = p_;
   const char* const star = q_;
   Finding finding;
@@ -271,49 +279,39 @@ typename PlainWalk<Unit>::Finding PlainWalk<Unit>::MatchAfterStar() {
 /// the text and q_ on the star that follows it.
 template <class Unit>
 typename PlainWalk<Unit>::Finding PlainWalk<Unit>::FindPart(const char* part) {
-  const unsigned mask = NxWildcardKeyMask(op_) & ~NxOrderTable::kMarks;
   const Entry& first = EntryAt(tableB_, part);
-  const unsigned wanted = first.key & mask;
-  for (;; p_ += kUnitSize) {
-    if (first.order != question_) {
-      unsigned key;
-      while (key = EntryAt(tableA_, p_).key, (key & mask) != wanted && !(key & NxOrderTable::kNeedsIterator))
-        p_ += kUnitSize;
+  const unsigned mask = first.order == question_ ? 0 : NxWildcardKeyMask(op_) & ~NxOrderTable::kMarks;
+  for (const char* text = p_;; text += kUnitSize) {
+    unsigned key = EntryAt(tableA_, text).key;
+    while (((key ^ first.key) & mask) != 0 && key != 0 && !(key & NxOrderTable::kNeedsIterator)) {
+      text += kUnitSize;
+      key = EntryAt(tableA_, text).key;
     }
-    const char* text = p_;
-    q_ = part;
-    const Finding finding = MatchPart(text, q_);
-    if (finding == kEnded || finding == kUnsuited) return finding;
-    if (At(q_) != 0 && EntryAt(tableB_, q_).order == asterisk_) {
-      p_ = text;
-      return kGoOn;
-    }
+    const Finding finding = MatchPart(text, part);
+    if (finding != kNotHere) return finding;
   }
 }
 
-/// Compares in lockstep; kGoOn leaves `pattern` on the star after a part that matches,
-/// and elsewhere on a mismatch.
+/// Compares a part of the pattern with the text from a place on.
 template <class Unit>
-typename PlainWalk<Unit>::Finding PlainWalk<Unit>::MatchPart(const char*& text, const char*& pattern) {
+typename PlainWalk<Unit>::Finding PlainWalk<Unit>::MatchPart(const char* text, const char* pattern) {
   const unsigned mask = NxWildcardKeyMask(op_) & ~NxOrderTable::kMarks;
   for (;; text += kUnitSize, pattern += kUnitSize) {
-    const bool textEnds = At(text) == 0;
-    if (At(pattern) == 0) {
-      if (!textEnds) return kGoOn;
-      result_ = Result();
-      return kEnded;
-    }
     const Entry& e0 = EntryAt(tableA_, text);
     const Entry& e1 = EntryAt(tableB_, pattern);
-    if (e1.key & NxOrderTable::kNeedsIterator) return kUnsuited;
-    if (e1.order == asterisk_) return kGoOn;
-    if (textEnds) {
-      // This is the earliest place where the text goes along with the pattern.
+    if ((e0.key | e1.key) & NxOrderTable::kNeedsIterator) return kUnsuited;
+    if (e1.order == asterisk_) {
+      p_ = text;
+      q_ = pattern;
+      return kGoOn;
+    }
+    if (e0.key == 0) {
+      // This is the earliest place from which the text goes along with the pattern.
       result_ = e1.order == question_ ? -1 : NxPrimaryDifference(0, e1.key & ~NxOrderTable::kMarks);
+      if (e1.key == 0) result_ = Result();
       return kEnded;
     }
-    if (e0.key & NxOrderTable::kNeedsIterator) return kUnsuited;
-    if (e1.order != question_ && ((e0.key ^ e1.key) & mask) != 0) return kGoOn;
+    if (e1.order != question_ && ((e0.key ^ e1.key) & mask) != 0) return kNotHere;
   }
 }
 
@@ -330,14 +328,14 @@ int PlainWalk<Unit>::CompareLevels(unsigned char byteOrder, int* outPos) {
   const unsigned walked = static_cast<unsigned>(p_ - a_.text) / kUnitSize;
   levels.first.count = levels.second.count = walked;
   for (;;) {
-    levels.accent = accent_;
-    levels.letterCase = letterCase_;
+    levels.accent = levels_.accent;
+    levels.letterCase = levels_.letterCase;
     if (levels.Round()) return levels.Result();
     NxStringIterator& it0 = levels.first.reader.it;
     NxStringIterator& it1 = levels.second.reader.it;
     if (len_ != -1 || levels.IsStarPending()) return levels.Run();
-    accent_ = levels.accent;
-    letterCase_ = levels.letterCase;
+    levels_.accent = levels.accent;
+    levels_.letterCase = levels.letterCase;
     ignorable_ = levels.ignorable;
     if (it0._pOverflow || it1._pOverflow) continue;
     p_ = it0._pPos;
@@ -361,9 +359,7 @@ bool NxComparePlain(const NxComparedText& a, const NxComparedText& b, unsigned s
   const unsigned width = NxCharWidth(a.codeSet);
   if (!tableA || !tableB || width != NxCharWidth(b.codeSet)) return false;
   if (outPos && len >= 0 && (op & kSkipSpaces)) return false;  // every round is to be reported
-  const bool wildcardsAreSymbols =
-      NxString::GetAsterisk() < kFirstDigitOrder && NxString::GetQuestion() < kFirstDigitOrder;
-  if (!wildcardsAreSymbols && !(op & kWildcardsOff)) return false;
+  if (!(op & kWildcardsOff) && !NxOrderTable::WildcardsAreSymbols()) return false;
   if (width == 1) {
     result = PlainWalk<unsigned char>(a, b, *tableA, *tableB, op, len).Compare(byteOrder, outPos);
   } else {
@@ -371,4 +367,37 @@ bool NxComparePlain(const NxComparedText& a, const NxComparedText& b, unsigned s
     result = PlainWalk<unsigned short>(a, b, *tableA, *tableB, op, len).Compare(byteOrder, outPos);
   }
   return true;
+}
+
+bool NxComparePlainBytes(const NxOrderTable& table, const char* a, const char* b, unsigned equal,
+                         unsigned short op, int& result) {
+  NxLesserLevels levels;
+  for (unsigned i = equal;; ++i) {
+    while (a[i] == b[i] && table.EntryOf(a[i]).equalPass) ++i;
+    const unsigned k0 = table.EntryOf(a[i]).key;
+    const unsigned k1 = table.EntryOf(b[i]).key;
+    if ((k0 | k1) & NxOrderTable::kNotPlain) return false;
+    result = NxPrimaryDifference(k0, k1);
+    if (result != 0) return true;
+    if (k0 == 0) {  // both texts end
+      result = levels.Result(op);
+      return true;
+    }
+    levels.Note(k0, k1);
+  }
+}
+
+int NxStrCmp(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2, unsigned char lang2,
+             const char* s2, unsigned short op, short len, unsigned char byteOrder, int* outPos) {
+  // Most texts are of one code set and language and hold nothing but digits and letters.
+  const unsigned unlike = (cs1 ^ cs2) | (lang1 ^ lang2) | static_cast<unsigned short>(len + 1);
+  if ((unlike | (op & kOrderValuesOnly)) == 0 && s1 && s2 && NxOrderTable::WildcardsAreSymbols()) {
+    if (const NxOrderTable* table = NxOrderTable::FindBuilt(cs1, lang1)) {
+      unsigned equal;
+      int result;
+      if (NxCompareBaseLetters(*table, s1, s2, equal, result)) return result;
+      if (NxComparePlainBytes(*table, s1, s2, equal, op, result)) return result;
+    }
+  }
+  return NxStrCmpAny(cs1, lang1, s1, cs2, lang2, s2, op, len, byteOrder, outPos);
 }

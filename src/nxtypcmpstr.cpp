@@ -9,12 +9,27 @@
 #include "nxalloc.h"
 #include "nxlang.h"
 #include "nxstored.h"
+#include "nxstrcmp.h"
+#include "nxstrcmpkeys.h"
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "nxtyphash.h"
 #include "strwild.h"
 
 namespace {
+
+constexpr unsigned long kLengthSize = 2;
+
+/// The 16-bit length with which an image begins.
+unsigned short LengthField(const char* image, unsigned char format) {
+  unsigned short n;
+  if ((format & kFormatCodeMask) == kFormatBigEndian) {
+    ShortStore(&n, image, kFormatBigEndian, 1);
+  } else {
+    std::memcpy(&n, image, sizeof n);
+  }
+  return n;
+}
 
 // ---------------------------------------------------------------------------
 // One operand
@@ -48,7 +63,6 @@ class StringOperand {
   bool cutKey = false;         // a key that stops short of its string
 
  private:
-  static constexpr unsigned long kLengthSize = 2;
   static constexpr unsigned long kClosingZeros = 3;  // an odd byte and a 16-bit zero
   static constexpr long long kSmallestRest = 5;      // less than that holds no image
 
@@ -83,7 +97,7 @@ int StringOperand::Read(bool last) {
   }
   if (!earlyEnd_) {
     n_ = 0;
-    if (Holds(kLengthSize)) ShortStore(&n_, at_, format_ & kFormatCodeMask, 1);
+    if (Holds(kLengthSize)) n_ = LengthField(at_, format_);
   }
   const bool early = earlyEnd_ || IsEarly();
   if (early) {
@@ -286,6 +300,31 @@ unsigned long StringComparison::LengthToWildcard(unsigned long position, bool on
   return std::min(position, count1);
 }
 
+// ---------------------------------------------------------------------------
+// One pair of whole texts: by far the most frequent call, which is to cost little more
+// than the comparison of the texts itself.
+
+/// Whether the buffer holds a whole image that ends as current ones do, with 00 FF.
+bool IsWhole(const char* image, unsigned long length, unsigned char format) {
+  const unsigned long last = length - 1;  // without a limit: beyond every image
+  if (last < kLengthSize) return false;
+  const unsigned n = LengthField(image, format);
+  if (n < NxStoredString::kEmptyLength || last <= n) return false;
+  return NxUnitAt<unsigned short>(image + n) == 0xFF00;
+}
+
+/// Compares two of them, of one code set and language. False where plain characters do
+/// not decide.
+bool CompareAlike(const char* a, const char* b, unsigned short options, int& result) {
+  const NxOrderTable* table = NxOrderTable::FindBuilt(a[2], a[3]);
+  if (!table || (options & kOrderValuesOnly) || !NxOrderTable::WildcardsAreSymbols()) return false;
+  a += NxStoredString::kHeadSize;
+  b += NxStoredString::kHeadSize;
+  unsigned equal;
+  return NxCompareBaseLetters(*table, a, b, equal, result) ||
+         NxComparePlainBytes(*table, a, b, equal, options, result);
+}
+
 }  // namespace
 
 long StringCompareCommon(unsigned char format, unsigned long len1, void* value1, unsigned long len2,
@@ -298,6 +337,21 @@ long StringCompareCommon(unsigned char format, unsigned long len1, void* value1,
 
 long StringCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2, void* value2,
                    unsigned short options, unsigned long count, int& error) {
+  const char* const a = static_cast<const char*>(value1);
+  const char* const b = static_cast<const char*>(value2);
+  if (count == 1 && format != kFormatMemory) {
+    if (IsWhole(a, len1, format) && IsWhole(b, len2, format) && NxCharWidth(a[2]) == 1 &&
+        NxCharWidth(b[2]) == 1) {
+      const bool alike = NxUnitAt<unsigned short>(a + 2) == NxUnitAt<unsigned short>(b + 2);
+      int result;
+      error = 0;
+      if (alike && CompareAlike(a, b, options, result)) return result;
+      return NxStrCmpAny(a[2], a[3], a + NxStoredString::kHeadSize, b[2], b[3], b + NxStoredString::kHeadSize,
+                         options, -1, format & kFormatCodeMask, nullptr);
+    }
+    long result;
+    if (NxCompareKeyImages(a, len1, b, len2, format, options, result, error)) return result;
+  }
   return StringCompareCommon(format, len1, value1, len2, value2, options, count, error, 0);
 }
 
