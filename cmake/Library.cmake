@@ -18,7 +18,10 @@ function(nx_library name exportName directory)
     EXPORT_NAME ${exportName} INSTALL_RPATH "$ORIGIN")
   target_link_libraries(${name} PUBLIC ${ARGN})
   # Calls inside a library need not go through its export table.
-  target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions -Wl,--no-undefined -Wl,--gc-sections)
+  set(exports "${PROJECT_SOURCE_DIR}/cmake/Exports.map")
+  target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions -Wl,--no-undefined -Wl,--gc-sections
+    "-Wl,--version-script=${exports}")
+  set_target_properties(${name} PROPERTIES LINK_DEPENDS "${exports}")
 
   target_include_directories(${name} INTERFACE
     "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>" "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/sibling>"
