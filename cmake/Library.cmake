@@ -17,11 +17,12 @@ function(nx_library name exportName directory)
   set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
     EXPORT_NAME ${exportName} INSTALL_RPATH "$ORIGIN")
   target_link_libraries(${name} PUBLIC ${ARGN})
-  # Calls inside a library need not go through its export table.
+  # Calls inside a library need not go through its export table, but for the slots.
   set(exports "${PROJECT_SOURCE_DIR}/cmake/Exports.map")
-  target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions -Wl,--no-undefined -Wl,--gc-sections
-    "-Wl,--version-script=${exports}")
-  set_target_properties(${name} PROPERTIES LINK_DEPENDS "${exports}")
+  set(slots "${PROJECT_SOURCE_DIR}/cmake/Slots.list")
+  target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions "-Wl,--dynamic-list=${slots}"
+    "-Wl,--version-script=${exports}" -Wl,--no-undefined -Wl,--gc-sections)
+  set_target_properties(${name} PROPERTIES LINK_DEPENDS "${exports};${slots}")
 
   target_include_directories(${name} INTERFACE
     "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>" "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/sibling>"

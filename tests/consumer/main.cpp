@@ -35,6 +35,19 @@ void StoreAString(NxTypeMgr& manager) {
   Expect(std::strcmp(back.StrGet(), "Fjord") == 0, "the text comes back");
 }
 
+/// Position independent or not, a program and the library mean the same functions.
+void NameSlots(NxTypeMgr& manager) {
+  Expect(manager.CmpFuncPtrGet(2) == LongCompare && manager.StorePtrGet(11) == StringStore &&
+             manager.LoadPtrGet(26) == Int64Load && NxStringTab.SetNull == NxStringSetNull &&
+             NxCharTab.Create == CharCreate && NxIllegalTab.Hash == NxIllegalHash,
+         "the records hold the functions that a program names");
+  manager.ExchangePrintToNxStringFunc(0, CharPrintToNxString);
+  char chars[] = "ab";
+  NxString out;
+  Expect(std::strcmp(manager.PrintToNxString(0, out, chars, nullptr, 2).StrGet(), "ab") == 0,
+         "a print function that is put back serves as before");
+}
+
 }  // namespace
 
 int main() {
@@ -43,6 +56,7 @@ int main() {
   NxTypeMgr manager(5);
   StoreALong(manager);
   StoreAString(manager);
+  NameSlots(manager);
   ___NxTypemgrContext(0);
   std::printf("consumer: %s\n", failures == 0 ? "all well" : "failures");
   return failures == 0 ? 0 : 1;

@@ -28,7 +28,8 @@ if(pkgConfig)
   execute_process(COMMAND ${pkgConfig} --cflags --libs nx21Rtms OUTPUT_VARIABLE flags
                   OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   separate_arguments(flags UNIX_COMMAND "${flags}")
-  run(${COMPILER} -std=c++17 ${SOURCE}/main.cpp -o ${WORK}/with-pkg-config ${flags})
+  # Position dependent here: such programs see the library's functions through their own table.
+  run(${COMPILER} -std=c++17 -fno-pie -no-pie ${SOURCE}/main.cpp -o ${WORK}/with-pkg-config ${flags})
   execute_process(COMMAND ${pkgConfig} --variable=libdir nx21Rtms OUTPUT_VARIABLE libraries
                   OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   set(ENV{LD_LIBRARY_PATH} "${libraries}")
