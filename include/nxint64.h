@@ -25,7 +25,7 @@ class NX_API NxInt64 {
   NxInt64(unsigned long v) : low(v), high(0) {}
   NxInt64(unsigned long lowHalf, long highHalf) : low(lowHalf), high(highHalf) {}
   /// d rounded to seven significant digits, then without its fraction; beyond the
-  /// range plus or minus 2^63 - 1.
+  /// range plus or minus 2^63 - 1; 0 for what is not a number.
   NxInt64(double d);
 
   NxInt64& operator=(const NxInt64& v) = default;

@@ -3,7 +3,8 @@
 /// A Compare slot walks count elements of two arrays and answers at the first
 /// difference: negative when the first operand sorts before the second, 0 when
 /// equal (strings: matching the pattern), positive when after. Buffer lengths are in
-/// bytes, 0 meaning no limit. `error` is 0, 2101 or -2999 on return.
+/// bytes, 0 meaning no limit; an element that its buffer holds only in part is not read
+/// (0 with 2101). `error` is 0, 2101 or -2999 on return.
 #ifndef NXTYPCMP_H
 #define NXTYPCMP_H
 

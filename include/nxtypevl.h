@@ -3,7 +3,8 @@
 /// An EvalAndBound slot puts the images that an index scan must keep between into
 /// `bounds` and answers the fraction of the keys between `indexRange->lower` and
 /// `indexRange->upper` that the term selects. Both records may be null: without the
-/// index's range the estimate is 0 for most types, without bounds none are built.
+/// index's range (or with images shorter than a value) the estimate is 0 for most types,
+/// without bounds none are built.
 /// The estimate is passed on as computed: it may lie outside 0 to 1.
 #ifndef NXTYPEVL_H
 #define NXTYPEVL_H
