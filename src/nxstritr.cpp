@@ -23,6 +23,12 @@ bool IsPending(const NxStringIterator& it) {
   return it._pOverflow && it._nOverflowIndex < it._pOverflow->Count();
 }
 
+/// Whether a character follows the one that was read last: an entry of the list, or one
+/// behind a place that is not the text's end.
+bool HasNext(const NxStringIterator& it) {
+  return IsPending(it) || (it._pPos && ReadCharacter(it._pPos, it._nCodeSet, kFormatNative) != 0);
+}
+
 /// The record of a character in its language.
 const NxCharInfo* InLanguage(const NxCharInfo* info, unsigned char number) {
   if (!info->variants) return info;
@@ -124,7 +130,7 @@ unsigned short OrderReader::TakeUnlisted(unsigned short value) {
 /// Looks ahead as long as characters go together with what was read, and leaves the
 /// iterator on the last that does.
 const NxCharInfo* OrderReader::Contract(const NxCharInfo* info) {
-  while (info->followers && !it_.IsEOS()) {
+  while (info->followers && HasNext(it_)) {
     char* const position = it_._pPos;
     const NxWCharList* const list = it_._pOverflow;
     const short index = it_._nOverflowIndex;

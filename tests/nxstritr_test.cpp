@@ -195,6 +195,12 @@ TEST(NextOrder, Contractions) {
   EXPECT_EQ(it.GetNextOrder(1), a[0]);
   EXPECT_EQ(it.GetNextOrder(1), OrderOf('x'));
   EXPECT_EQ(it.GetNextOrder(1), 0);
+  // Nothing behind the end of the text goes together with a list's last character.
+  const char end[] = "\0h";
+  const NxWCharList onlyC(kCh, 1);
+  it = NxStringIterator(end, 1, 4, 1);
+  it.SetOverflow(&onlyC, 1);
+  EXPECT_EQ(it.GetNextOrder(1), c[0]);
 }
 
 TEST(NextOrder, Expansions) {
