@@ -121,15 +121,18 @@ const std::vector<std::string>& French() {
 
 using Pairs = std::vector<std::pair<Word, Word>>;
 
-/// Evenly spread over both lists.
+/// All of both lists.
 const Pairs& Neighbours() {
   static const Pairs pairs = [] {
     Pairs made;
-    for (const auto* words : {&German(), &French()})
-      for (std::size_t i = 0; i < kPairs / 2; ++i) {
-        const std::size_t at = i * (words->size() - 1) / (kPairs / 2);
-        made.emplace_back(MakeWord((*words)[at]), MakeWord((*words)[at + 1]));
+    for (const auto* words : {&German(), &French()}) {
+      Word before = MakeWord(words->front());
+      for (std::size_t i = 1; i < words->size(); ++i) {
+        const Word word = MakeWord((*words)[i]);
+        made.emplace_back(before, word);
+        before = word;
       }
+    }
     return made;
   }();
   return pairs;

@@ -40,10 +40,9 @@ class NxOrderTable {
 
   /// The table of a code set and language, or null when none is kept for them.
   static const NxOrderTable* Find(unsigned char codeSet, unsigned char language);
-  /// The same of an 8-bit code set, if it has been built.
+  /// The same of a code set below kCodeSets, if it has been built.
   static const NxOrderTable* FindBuilt(unsigned char codeSet, unsigned char language) {
-    if (codeSet >= kUnicodeRow || language >= kLanguages) return nullptr;
-    return built_[codeSet][language].load(std::memory_order_acquire);
+    return built_[language][codeSet].load(std::memory_order_acquire);
   }
   /// Whether neither wildcard is a digit or letter, so that plain characters are none.
   static bool WildcardsAreSymbols() {
@@ -54,16 +53,18 @@ class NxOrderTable {
 
   Entry entries[256];
 
+  static constexpr unsigned kCodeSets = 8;  // 8-bit code sets that tables are kept for, a power of two
+
  private:
-  static constexpr unsigned kCodeSets = 8;  // 8-bit code sets 1 to 6; the last is Unicode
-  static constexpr unsigned kLanguages = 16;
-  static constexpr unsigned kUnicodeRow = kCodeSets - 1;
+  static constexpr unsigned kRows = kCodeSets + 1;  // the last is Unicode
+  static constexpr unsigned kLanguages = 16;        // that tables are kept for
 
   void Build(unsigned char codeSet, unsigned char language);
 
-  static NxOrderTable tables_[kCodeSets][kLanguages];
-  static std::atomic<bool> taken_[kCodeSets][kLanguages];  // being built, or built
-  static std::atomic<const NxOrderTable*> built_[kCodeSets][kLanguages];
+  static NxOrderTable tables_[kLanguages][kRows];
+  static std::atomic<bool> taken_[kLanguages][kRows];  // being built, or built
+  static std::atomic<const NxOrderTable*> built_[256][kCodeSets];
+  static std::atomic<const NxOrderTable*> builtUnicode_[kLanguages];
 };
 
 /// Reads a text as collation order values with their compare keys. A table spares the
@@ -217,10 +218,17 @@ struct NxLesserLevels {
   }
 };
 
-/// Compares two 8-bit texts of one table up to their first difference. False where it
-/// is not one of base letters; `equal` characters stand before it.
-inline bool NxCompareBaseLetters(const NxOrderTable& table, const char* a, const char* b, unsigned& equal,
-                                 int& result) {
+/// How far the plain characters of two texts decide.
+enum class NxPlain {
+  kDecided,  // the result is there
+  kLesser,   // they differ in accent or case
+  kSpecial   // another character comes
+};
+
+/// Compares two 8-bit texts of one table up to their first difference or special
+/// character; `equal` characters stand before it.
+inline NxPlain NxCompareBaseLetters(const NxOrderTable& table, const char* a, const char* b, unsigned& equal,
+                                    int& result) {
   unsigned i = 0;
   for (;; i += 2) {  // two at a time: this loop is most of a comparison
     if (a[i] != b[i] || !table.EntryOf(a[i]).equalPass) break;
@@ -232,16 +240,32 @@ inline bool NxCompareBaseLetters(const NxOrderTable& table, const char* a, const
   equal = i;
   const unsigned k0 = table.EntryOf(a[i]).key;
   const unsigned k1 = table.EntryOf(b[i]).key;
-  if ((k0 | k1) & NxOrderTable::kNotPlain) return false;
+  if ((k0 | k1) & NxOrderTable::kNotPlain) return NxPlain::kSpecial;
   result = NxPrimaryDifference(k0, k1);
-  if (__builtin_expect(result != 0, 1)) return true;
-  return k0 == 0;  // both texts end
+  if (__builtin_expect(result != 0, 1) || k0 == 0) return NxPlain::kDecided;
+  return NxPlain::kLesser;
 }
 
-/// Goes on from there, over accents and case, as long as the texts consist of plain
+/// Goes on from there over accents and case, as long as the texts consist of plain
 /// characters. False where something else comes.
 bool NxComparePlainBytes(const NxOrderTable& table, const char* a, const char* b, unsigned equal,
                          unsigned short op, int& result);
+/// NxStrCmp of two such texts, of which `equal` characters are known to be.
+int NxWalkBytes(const NxOrderTable& table, unsigned char codeSet, unsigned char language, const char* a,
+                const char* b, unsigned equal, unsigned short op, unsigned char byteOrder, int* outPos);
+
+/// NxStrCmp of two 8-bit texts of one code set and language, whose table it is.
+inline int NxCompareAlike(const NxOrderTable& table, unsigned char codeSet, unsigned char language,
+                          const char* a, const char* b, unsigned short op, unsigned char byteOrder,
+                          int* outPos) {
+  unsigned equal;
+  int result;
+  const NxPlain plain = NxCompareBaseLetters(table, a, b, equal, result);
+  if (plain == NxPlain::kDecided) return result;
+  if (plain == NxPlain::kLesser && NxComparePlainBytes(table, a, b, equal, op, result)) return result;
+  return NxWalkBytes(table, codeSet, language, a, b, equal, op, byteOrder, outPos);
+}
+
 /// The comparison for texts of one width that have tables, which leaves to the level
 /// comparison only what needs it. False, with `result` unset, where it cannot serve.
 /// The code sets are not 0 and the texts not null.

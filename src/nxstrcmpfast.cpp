@@ -35,20 +35,22 @@ bool OnlyLetters(unsigned short order, const NxWCharList* expansion) {
 
 }  // namespace
 
-NxOrderTable NxOrderTable::tables_[kCodeSets][kLanguages];
-std::atomic<bool> NxOrderTable::taken_[kCodeSets][kLanguages];
-std::atomic<const NxOrderTable*> NxOrderTable::built_[kCodeSets][kLanguages];
+NxOrderTable NxOrderTable::tables_[kLanguages][kRows];
+std::atomic<bool> NxOrderTable::taken_[kLanguages][kRows];
+std::atomic<const NxOrderTable*> NxOrderTable::built_[256][kCodeSets];
+std::atomic<const NxOrderTable*> NxOrderTable::builtUnicode_[kLanguages];
 
 const NxOrderTable* NxOrderTable::Find(unsigned char codeSet, unsigned char language) {
   if (language == kLanguageDefault) language = NxLanguageContext::GetDefaultLanguage();
-  const bool kept = codeSet == kCodeSetUnicode || (codeSet != kCodeSetNone && codeSet < kUnicodeRow);
-  if (!kept || language >= kLanguages) return nullptr;
-  const unsigned row = codeSet == kCodeSetUnicode ? kUnicodeRow : codeSet;
-  std::atomic<const NxOrderTable*>& built = built_[row][language];
+  const bool wide = codeSet == kCodeSetUnicode;
+  if (!wide && (codeSet == kCodeSetNone || codeSet >= kCodeSets)) return nullptr;
+  if (language >= kLanguages) return nullptr;
+  std::atomic<const NxOrderTable*>& built = wide ? builtUnicode_[language] : built_[language][codeSet];
   if (const NxOrderTable* table = built.load(std::memory_order_acquire)) return table;
   // Comparing takes no lock: of several threads one builds, the others do without.
-  if (taken_[row][language].exchange(true)) return nullptr;
-  NxOrderTable& table = tables_[row][language];
+  const unsigned row = wide ? kCodeSets : codeSet;
+  if (taken_[language][row].exchange(true)) return nullptr;
+  NxOrderTable& table = tables_[language][row];
   table.Build(codeSet, language);
   built.store(&table, std::memory_order_release);
   return &table;
@@ -90,7 +92,7 @@ template <class Unit>
 class PlainWalk {
  public:
   PlainWalk(const NxComparedText& a, const NxComparedText& b, const NxOrderTable& tableA,
-            const NxOrderTable& tableB, unsigned short op, short len)
+            const NxOrderTable& tableB, unsigned equal, unsigned short op, short len)
       : a_(a),
         b_(b),
         tableA_(tableA),
@@ -100,9 +102,9 @@ class PlainWalk {
         wildcards_((op & kWildcardsOff) == 0),
         asterisk_(NxString::_nAsterisk ? NxString::_nAsterisk : NxString::GetAsterisk()),
         question_(NxString::_nQuestion ? NxString::_nQuestion : NxString::GetQuestion()),
-        p_(a.text),
-        q_(b.text),
-        left_(len == -1 ? ProcessCharInfo::kNoLimit : static_cast<unsigned short>(len)) {}
+        p_(a.text + equal * kUnitSize),
+        q_(b.text + equal * kUnitSize),
+        left_((len == -1 ? ProcessCharInfo::kNoLimit : static_cast<unsigned short>(len)) - equal) {}
 
   int Compare(unsigned char byteOrder, int* outPos) {
     return Walk() ? result_ : CompareLevels(byteOrder, outPos);
@@ -361,10 +363,10 @@ bool NxComparePlain(const NxComparedText& a, const NxComparedText& b, unsigned s
   if (outPos && len >= 0 && (op & kSkipSpaces)) return false;  // every round is to be reported
   if (!(op & kWildcardsOff) && !NxOrderTable::WildcardsAreSymbols()) return false;
   if (width == 1) {
-    result = PlainWalk<unsigned char>(a, b, *tableA, *tableB, op, len).Compare(byteOrder, outPos);
+    result = PlainWalk<unsigned char>(a, b, *tableA, *tableB, 0, op, len).Compare(byteOrder, outPos);
   } else {
     if ((StatedByteOrder(byteOrder) & kFormatCodeMask) == kFormatBigEndian) return false;
-    result = PlainWalk<unsigned short>(a, b, *tableA, *tableB, op, len).Compare(byteOrder, outPos);
+    result = PlainWalk<unsigned short>(a, b, *tableA, *tableB, 0, op, len).Compare(byteOrder, outPos);
   }
   return true;
 }
@@ -387,16 +389,24 @@ bool NxComparePlainBytes(const NxOrderTable& table, const char* a, const char* b
   }
 }
 
+__attribute__((noinline)) int NxWalkBytes(const NxOrderTable& table, unsigned char codeSet,
+                                          unsigned char language, const char* a, const char* b,
+                                          unsigned equal, unsigned short op, unsigned char byteOrder,
+                                          int* outPos) {
+  const NxComparedText textA = {codeSet, language, a};
+  const NxComparedText textB = {codeSet, language, b};
+  return PlainWalk<unsigned char>(textA, textB, table, table, equal, op, -1).Compare(byteOrder, outPos);
+}
+
 int NxStrCmp(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2, unsigned char lang2,
              const char* s2, unsigned short op, short len, unsigned char byteOrder, int* outPos) {
   // Most texts are of one code set and language and hold nothing but digits and letters.
-  const unsigned unlike = (cs1 ^ cs2) | (lang1 ^ lang2) | static_cast<unsigned short>(len + 1);
-  if ((unlike | (op & kOrderValuesOnly)) == 0 && s1 && s2 && NxOrderTable::WildcardsAreSymbols()) {
+  constexpr unsigned kNoTable = ~(NxOrderTable::kCodeSets - 1);
+  const unsigned unlike = (cs1 ^ cs2) | (lang1 ^ lang2) | static_cast<unsigned short>(len + 1) |
+                          (op & kOrderValuesOnly) | (cs1 & kNoTable);
+  if (unlike == 0 && s1 && s2 && NxOrderTable::WildcardsAreSymbols()) {
     if (const NxOrderTable* table = NxOrderTable::FindBuilt(cs1, lang1)) {
-      unsigned equal;
-      int result;
-      if (NxCompareBaseLetters(*table, s1, s2, equal, result)) return result;
-      if (NxComparePlainBytes(*table, s1, s2, equal, op, result)) return result;
+      return NxCompareAlike(*table, cs1, lang1, s1, s2, op, byteOrder, outPos);
     }
   }
   return NxStrCmpAny(cs1, lang1, s1, cs2, lang2, s2, op, len, byteOrder, outPos);

@@ -75,22 +75,49 @@ unsigned HashUnitsOf(const NxString& s, int mask) {
 
 }  // namespace
 
+namespace {
+
+/// Takes in an 8-bit text while its table alone can tell the keys, and takes `text` to
+/// where it cannot, or to the end.
+unsigned HashPlainBytes(const NxOrderTable& table, const char*& text) {
+  unsigned hash = 0;
+  for (;; ++text) {
+    const unsigned key = table.EntryOf(*text).key;
+    if (key == 0 || (key & NxOrderTable::kNeedsIterator)) return hash;
+    hash = Mix(hash, key & ~NxOrderTable::kNotPlain);
+  }
+}
+
+unsigned HashWholeText(unsigned char cs, unsigned char lang, const char* text, unsigned char byteOrder) {
+  unsigned hash = 0;
+  if (cs == kCodeSetNone) {
+    for (; *text; ++text) hash = Mix(hash, static_cast<unsigned char>(*text));
+    return hash;
+  }
+  const NxOrderTable* table = cs < NxOrderTable::kCodeSets ? NxOrderTable::FindBuilt(cs, lang) : nullptr;
+  if (table) hash = HashPlainBytes(*table, text);
+  if (table && *text == 0) return hash;
+  NxOrderReader reader = ReaderOf(cs, lang, text, byteOrder);
+  while (reader.Next(1), reader.order != 0) hash = Mix(hash, reader.key);
+  return hash;
+}
+
+}  // namespace
+
 unsigned long HashString(unsigned char cs, unsigned char lang, const char* text, short len,
                          unsigned char byteOrder) {
   if (lang == kLanguageNull || (cs == kCodeSetOrderValues && lang == kLanguageNone)) return kNullHash;
-  if (len == 0 || len < -1) return 0;
   if (!text) text = zeroString;
+  if (len == -1) return HashWholeText(cs, lang, text, byteOrder);
   unsigned hash = 0;
-  unsigned n = len == -1 ? ProcessCharInfo::kNoLimit : static_cast<unsigned>(len);
   if (cs == kCodeSetNone) {
-    for (; n != 0 && *text; --n) hash = Mix(hash, static_cast<unsigned char>(*text++));
-  } else {
+    for (; len > 0 && *text; --len) hash = Mix(hash, static_cast<unsigned char>(*text++));
+  } else if (len > 0) {
     NxOrderReader reader = ReaderOf(cs, lang, text, byteOrder);
-    for (; n != 0 && (reader.Next(1), reader.order != 0); --n) hash = Mix(hash, reader.key);
+    for (; len > 0 && (reader.Next(1), reader.order != 0); --len) hash = Mix(hash, reader.key);
   }
   // A text that ends before its stated length goes on with order values of 0.
-  if (len != -1)
-    while (n-- != 0) hash = Mix(hash, 0);
+  for (; len > 0; --len) hash = Mix(hash, 0);
   return hash;
 }
 

@@ -313,16 +313,19 @@ bool IsWhole(const char* image, unsigned long length, unsigned char format) {
   return NxUnitAt<unsigned short>(image + n) == 0xFF00;
 }
 
-/// Compares two of them, of one code set and language. False where plain characters do
-/// not decide.
-bool CompareAlike(const char* a, const char* b, unsigned short options, int& result) {
-  const NxOrderTable* table = NxOrderTable::FindBuilt(a[2], a[3]);
-  if (!table || (options & kOrderValuesOnly) || !NxOrderTable::WildcardsAreSymbols()) return false;
-  a += NxStoredString::kHeadSize;
-  b += NxStoredString::kHeadSize;
-  unsigned equal;
-  return NxCompareBaseLetters(*table, a, b, equal, result) ||
-         NxComparePlainBytes(*table, a, b, equal, options, result);
+/// NxStrCmp of the texts of two of them, of 8-bit code sets.
+long CompareWhole(const char* a, const char* b, unsigned short options, unsigned char format) {
+  const unsigned char code = format & kFormatCodeMask;
+  const unsigned char codeSet = a[2];
+  const unsigned char language = a[3];
+  const char* const textA = a + NxStoredString::kHeadSize;
+  const char* const textB = b + NxStoredString::kHeadSize;
+  const bool alike = NxUnitAt<unsigned short>(a + 2) == NxUnitAt<unsigned short>(b + 2) &&
+                     codeSet < NxOrderTable::kCodeSets && !(options & kOrderValuesOnly);
+  if (alike && NxOrderTable::WildcardsAreSymbols())
+    if (const NxOrderTable* table = NxOrderTable::FindBuilt(codeSet, language))
+      return NxCompareAlike(*table, codeSet, language, textA, textB, options, code, nullptr);
+  return NxStrCmpAny(codeSet, language, textA, b[2], b[3], textB, options, -1, code, nullptr);
 }
 
 }  // namespace
@@ -342,12 +345,8 @@ long StringCompare(unsigned char format, unsigned long len1, void* value1, unsig
   if (count == 1 && format != kFormatMemory) {
     if (IsWhole(a, len1, format) && IsWhole(b, len2, format) && NxCharWidth(a[2]) == 1 &&
         NxCharWidth(b[2]) == 1) {
-      const bool alike = NxUnitAt<unsigned short>(a + 2) == NxUnitAt<unsigned short>(b + 2);
-      int result;
       error = 0;
-      if (alike && CompareAlike(a, b, options, result)) return result;
-      return NxStrCmpAny(a[2], a[3], a + NxStoredString::kHeadSize, b[2], b[3], b + NxStoredString::kHeadSize,
-                         options, -1, format & kFormatCodeMask, nullptr);
+      return CompareWhole(a, b, options, format);
     }
     long result;
     if (NxCompareKeyImages(a, len1, b, len2, format, options, result, error)) return result;
@@ -363,9 +362,14 @@ long StringOldCompare(unsigned char format, unsigned long len1, void* value1, un
 // ---------------------------------------------------------------------------
 // Hashing
 
+namespace {
+
+constexpr unsigned kHashMultiplier = 1103515245;
+
+}  // namespace
+
 unsigned long StringHashCommon(unsigned char format, unsigned long len, void* value, unsigned long count,
                                int& error, unsigned short oldForm) {
-  constexpr unsigned kMultiplier = 1103515245;
   StringOperand operand(value, len, format, oldForm != 0);
   error = 0;
   unsigned hash = 0;
@@ -380,11 +384,17 @@ unsigned long StringHashCommon(unsigned char format, unsigned long len, void* va
                        format & kFormatCodeMask);
     if (!last) error = operand.Advance();
   }
-  return hash * kMultiplier;
+  return hash * kHashMultiplier;
 }
 
 unsigned long StringHash(unsigned char format, unsigned long len, void* value, unsigned long count,
                          int& error) {
+  const char* const image = static_cast<const char*>(value);
+  if (count == 1 && format != kFormatMemory && IsWhole(image, len, format) && NxCharWidth(image[2]) == 1) {
+    error = 0;
+    return HashString(image[2], image[3], image + NxStoredString::kHeadSize, -1, format & kFormatCodeMask) *
+           kHashMultiplier;
+  }
   return StringHashCommon(format, len, value, count, error, 0);
 }
 
