@@ -1,0 +1,101 @@
+#!/usr/bin/env bash
+# Shows the workbench at its job on real tables: demo.sh NXTM. Fails when what comes out
+# of a store is not what went in, or when an index finds other records than a full scan.
+set -euo pipefail
+
+nxtm=$(realpath "$1")
+words=/usr/share/dict/ngerman
+cities=/usr/share/misc/cities.dat.gz
+dir=$(mktemp -d)
+trap 'rm -rf "$dir"' EXIT
+cd "$dir"
+
+title() { printf '\n== %s\n' "$1"; }
+run() {
+  local word
+  printf '$ nxtm'
+  for word in "$@"; do
+    [[ $word =~ [^[:alnum:]_./=-] ]] && word="'$word'"
+    printf ' %s' "$word"
+  done
+  printf '\n'
+  "$nxtm" "$@"
+}
+
+title "Types, stored images, order values, keys"
+run types | head -8
+run store NxString Zebra Müller
+run store --format 2 long 1 -2
+run load NxDate 'D4 07 03 0F'
+run compare NxString --ignore-accents --ignore-case müller MULLER
+run order Straße
+run key NxString Straße
+run bounds int '<' 30 1 100
+
+title "356,010 German words: in, out, and the same"
+echo 'word NxString language=german' >words.schema
+run import words.schema "$words" words.store
+"$nxtm" export words.store | cmp - "$words"
+echo "export: equal to the import, byte for byte"
+
+title "Cities of the world: in, out, and the same"
+cat >cities.schema <<'SCHEMA'
+name        NxString nullable language=english
+country     NxString nullable language=english
+region      NxString nullable language=english
+population  long     nullable
+longitude   double   nullable
+latitude    double   nullable
+elevation   long     nullable
+entered     NxDate
+SCHEMA
+cat cities.schema
+zcat "$cities" | awk '
+  function field(v) { if (v ~ /[",]/) { gsub(/"/, "\"\"", v); v = "\"" v "\"" } return v }
+  function number(v) { gsub(/ /, "", v); return v == "" ? "" : v + 0 }
+  BEGIN { print "name,country,region,population,longitude,latitude,elevation,entered" }
+  {
+    key = $0; sub(/ *:.*/, "", key); sub(/^ */, "", key)
+    value = $0; sub(/^[^:]*: */, "", value); sub(/ *$/, "", value)
+    v[key] = value
+  }
+  /^\/\// && v["Name"] != "" {
+    d = v["Date"]
+    print field(v["Name"]) "," field(v["Country"]) "," field(v["Region"]) "," number(v["Population"]) "," \
+      number(v["Longitude"]) "," number(v["Latitude"]) "," number(v["Elevation"]) "," \
+      substr(d, 1, 4) "-" substr(d, 5, 2) "-" substr(d, 7, 2)
+    delete v
+  }' >cities.csv
+run import --header cities.schema cities.csv cities.store
+"$nxtm" export --header cities.store | cmp - cities.csv
+echo "export: equal to the import, byte for byte"
+
+title "Indexes"
+run index words.store word
+run index words.store word --hash
+run index cities.store name
+run index cities.store population
+run index cities.store entered
+
+title "Queries"
+run query words.store 'word = "Haus*ung"' --explain
+run query words.store 'word = "*schifffahrt*" ignoring case' --limit 5
+run query words.store 'word = "strasse" ignoring case, accents' --explain
+run query words.store 'word = "Donaudampfschiff"' --explain
+run query words.store 'word >= "zy" and word < "zz"' --explain --limit 5
+run query cities.store 'name = "G?rlitz" or name = "monchengladbach" ignoring case, accents' --explain
+run query cities.store 'population > 8000000 and country != "China"' --explain
+run query cities.store 'entered = 1997-*-* and population < 100000 and region is not null' --explain --limit 5
+
+title "An index finds what a full scan finds"
+for condition in 'word = "Haus*"' 'word = "?a?a*"' 'word = "uber*" ignoring accents' 'word <= "aal" or word > "zwo"' \
+    'word = "e-mail*" ignoring case, symbols' 'word = "Haus"'; do
+  found=$("$nxtm" query words.store "$condition" | md5sum)
+  scanned=$("$nxtm" query words.store "$condition" --scan | md5sum)
+  [[ $found == "$scanned" ]] || { echo "$condition: index and scan differ" >&2; exit 1; }
+  printf '%s: %s words\n' "$condition" "$("$nxtm" query words.store "$condition" --count)"
+done
+
+title "Stores are sound"
+run check words.store
+run check cities.store
