@@ -20,7 +20,7 @@ function(nx_library name exportName directory)
   # Calls inside a library need not go through its export table, but for the slots.
   set(exports "${PROJECT_SOURCE_DIR}/cmake/Exports.map")
   set(slots "${PROJECT_SOURCE_DIR}/cmake/Slots.list")
-  target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions "-Wl,--dynamic-list=${slots}"
+  target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions -Wl,--dynamic-list-data "-Wl,--dynamic-list=${slots}"
     "-Wl,--version-script=${exports}" -Wl,--no-undefined -Wl,--gc-sections)
   set_target_properties(${name} PROPERTIES LINK_DEPENDS "${exports};${slots}")
 

@@ -35,8 +35,10 @@ void StoreAString(NxTypeMgr& manager) {
   Expect(std::strcmp(back.StrGet(), "Fjord") == 0, "the text comes back");
 }
 
-/// Position independent or not, a program and the library mean the same functions.
+/// Position independent or not, a program and the library mean the same functions and data.
 void NameSlots(NxTypeMgr& manager) {
+  Expect(manager.table == NxNewtypetab && &NxString::EmptyString() == &__theEmptyString,
+         "the library's data are those that a program names");
   Expect(manager.CmpFuncPtrGet(2) == LongCompare && manager.StorePtrGet(11) == StringStore &&
              manager.LoadPtrGet(26) == Int64Load && NxStringTab.SetNull == NxStringSetNull &&
              NxCharTab.Create == CharCreate && NxIllegalTab.Hash == NxIllegalHash,
