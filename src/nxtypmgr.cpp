@@ -217,9 +217,13 @@ namespace {
 
 constexpr unsigned short kNotFound = 65535;
 
-/// Where the separator stands in text from pos on; kNotFound for nowhere.
+/// Where the separator stands in text from pos on; kNotFound for nowhere. What is found
+/// may be a character that begins like the separator, as a quarter does like a raised one.
 unsigned short FindSeparator(const NxString& text, const NxString& separator, unsigned short pos) {
-  return static_cast<unsigned short>(text.Find(separator, pos, kWildcardsOff));
+  for (;; ++pos) {
+    pos = static_cast<unsigned short>(text.Find(separator, pos, kWildcardsOff));
+    if (pos == kNotFound || text.Copy(pos, 1).EqualsIgnoreLanguage(separator)) return pos;
+  }
 }
 
 bool AnyContains(NxTypeConvertData& strings, const NxString& separator) {

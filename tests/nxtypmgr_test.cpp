@@ -406,6 +406,7 @@ TEST(Text, ManyValuesInOne) {
                       {"5*7*", {5, 7, 0}, ""},
                       {"12?3?4?", {12, 3, 4}, ""},
                       {";;9;", {0, 0, 9}, ""},
+                      {"5\xBC\xB9\x37\xB9", {5, 7, 0}, ""},  // a quarter is no raised one
                       {"", {0, 0, 0}, ""}};
   for (const Row& row : rows) {
     NxString list(row.text);
