@@ -205,17 +205,15 @@ NxString& NxString::ReplaceAll(const NxString& from, const NxString& to, unsigne
   const unsigned long fromLength = from.Len();
   const unsigned long toLength = to.Len();
   long i = fromLength == 0 ? kNotFound : NxFindText(*this, from, start, kDefaultOptions);
-  if (i == kNotFound) return *this;
+  if (i == kNotFound || i >= Len()) return *this;  // a match behind the text replaces nothing
   // On a copy: this string may be `from` or `to`, and stays as it is on an overflow.
   NxString text(*this);
-  while (i != kNotFound) {
+  do {
     const unsigned long pos = static_cast<unsigned long>(i);
-    const unsigned long length = text.Len();
-    if (pos >= length) break;
-    CutText(text, pos, std::min(pos + fromLength, length));
+    CutText(text, pos, std::min<unsigned long>(pos + fromLength, text.Len()));
     if (!InsertText(text, to, pos)) return *this;
     i = NxFindText(text, from, pos + toLength, kDefaultOptions);
-  }
+  } while (i != kNotFound && i < text.Len());
   Destruct(text);
   return *this;
 }

@@ -236,6 +236,12 @@ TEST(ReplaceAll, AdvancesPastWhatItPutIn) {
   });
 }
 
+TEST(ReplaceAll, LeavesAlonePastAZeroCharacter) {
+  NxString s = Narrow(std::string("ab\0cd", 5));
+  EXPECT_EQ(Buffer(s.ReplaceAll('c', 'x')), std::string("ab\0cd\0", 6));
+  EXPECT_EQ(Buffer(s.ReplaceAll('b', 'c')), std::string("ac\0", 3));
+}
+
 TEST(SplitList, TakesItemAfterItem) {
   const struct {
     const char *list, *separator;
