@@ -253,9 +253,10 @@ NX_API void NxMemCpy(char* dst, char* src, short width, unsigned char byteOrder,
 /// size 16 bits cannot say is reported ("String overflow") and cut.
 NX_API unsigned short AllocMapped(unsigned char srcCodeSet, unsigned char dstCodeSet, char* src, char*& out,
                                   unsigned short len, unsigned char byteOrder);
-/// Converts at most n (-1: all) characters into buffer, which is replaced when its
-/// size is too small for n. Returns the characters converted; 0 with the buffer as it
-/// was after an overflow.
+/// Converts at most n (-1: all) characters into buffer (null or made with new[]), and a
+/// zero character behind them; the rest of a buffer large enough for n stays as it is. A
+/// smaller one is released for a new one, and size becomes its bytes. Returns the
+/// characters converted; 0 with the buffer as it was after an overflow.
 NX_API int AllocMappedN(unsigned char srcCodeSet, unsigned char dstCodeSet, char* src, short n, char*& buffer,
                         unsigned short& size);
 

@@ -188,7 +188,9 @@ bool MapReusing(unsigned char srcCodeSet, unsigned char dstCodeSet, const char* 
     return false;
   }
   if (buffer && size >= needed && buffer != src) {
-    count = MapInto(srcCodeSet, src, dstCodeSet, buffer, size, wanted);
+    const unsigned width = NxCharWidth(dstCodeSet);
+    count = NxMapText(srcCodeSet, src, dstCodeSet, buffer, wanted);
+    NxPutTerminator(buffer + count * width, width);
     return true;
   }
   char* mapped = NxNewArray<char>(needed);
@@ -310,5 +312,9 @@ int NxString::CopyMapped(const NxString& s, unsigned char cs, short n) {
   if (!MapReusing(s._nCodeSet, cs, s.StrGet(), n, _pBuffer, _nSize, count)) return 0;
   _nCodeSet = cs;
   _nLanguage = s._nLanguage;
+  // Searching and stored images go by the buffer's size: nothing of an old text, perhaps
+  // of another width, may stand behind the new one.
+  const unsigned long used = (count + 1) * NxCharWidth(cs);
+  std::memset(_pBuffer + used, 0, _nSize - used);
   return static_cast<int>(count);
 }

@@ -127,6 +127,11 @@ TEST(NxString, CopyMappedReusesALargerBuffer) {
   EXPECT_EQ(AllocMappedN(1, 240, const_cast<char*>("abc"), 5, mapped, room), 3);
   EXPECT_EQ(room, 12);
   EXPECT_EQ(std::string(mapped, 12), std::string("a\0b\0c\0\0\0\0\0\0\0", 12));
+  const char* const reused = mapped;
+  EXPECT_EQ(AllocMappedN(1, 2, const_cast<char*>("xy"), -1, mapped, room), 2);
+  EXPECT_EQ(mapped, reused);
+  EXPECT_EQ(room, 12);
+  EXPECT_EQ(std::string(mapped, 12), std::string("xy\0\0c\0\0\0\0\0\0\0", 12));  // only text and zero
   delete[] mapped;
 }
 
