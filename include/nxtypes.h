@@ -19,6 +19,7 @@
 ///   NxBoolean    0 false, 1 true, 255 null
 ///   NxSeal       6 bytes, most significant first under every code
 ///   NxString     2-byte length N of what follows, code set, language, text, 00 FF
+///                  (a text of 65532 bytes, the one too long for N, loses its last)
 ///   early form   2-byte length, then every text with its NUL
 ///   NxIString,   header byte (0x40 texts in the disk code set, 0x01 as in memory,
 ///   NxCaseIString  0xC0 key), 2-byte length, then every text with its NUL
