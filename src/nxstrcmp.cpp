@@ -16,8 +16,8 @@
 // Reading order values
 
 bool NxOrderReader::TakeFromTable() {
-  if (it._pOverflow || (it._nByteOrder & kFormatCodeMask) == kFormatBigEndian) return false;
   const bool wide = NxCharWidth(it._nCodeSet) == 2;
+  if (it._pOverflow || (wide && (it._nByteOrder & kFormatCodeMask) == kFormatBigEndian)) return false;
   const unsigned value = wide ? NxUnitAt<unsigned short>(it._pPos) : NxUnitAt<unsigned char>(it._pPos);
   if (value > 255) return false;
   const NxOrderTable::Entry& entry = table_->entries[value];
