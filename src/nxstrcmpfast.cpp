@@ -66,15 +66,18 @@ void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
     const NxCharInfo* record = RecordOf(static_cast<unsigned short>(value), codeSet, language);
     Entry& entry = entries[value];
     entry = {NxCompareKey(order, selector), order, selector, false};
-    const bool alone = record && !record->followers && !record->expansion && !it._pOverflow;
-    if (!alone || (entry.key & kMarks) != 0) {
-      entry.key = kMarks;
+    followers[value] = nullptr;
+    const bool significant = order >= kFirstDigitOrder && selector < kPlainOrderSelector;
+    if (!record || record->followers || record->expansion || (entry.key & kMarks) != 0) {
+      const bool wholeKey = (entry.key & kMarks) == 0 && record && !record->expansion;
+      if (wholeKey && significant) followers[value] = record->followers;
+      entry.key |= kMarks;
       entry.order = 0;
       entry.equalPass = record && !record->followers && OnlyLetters(order, record->expansion);
-    } else if (order < kFirstDigitOrder || selector >= kPlainOrderSelector) {
-      entry.key |= kNotPlain;
-    } else {
+    } else if (significant) {
       entry.equalPass = true;
+    } else {
+      entry.key |= kNotPlain;
     }
   }
 }
@@ -125,6 +128,13 @@ class PlainWalk {
   static const Entry& EntryAt(const NxOrderTable& table, const char* p) {
     const unsigned value = At(p);
     return kUnitSize == 1 || value < 256 ? table.entries[value] : kOutsideTable;
+  }
+  /// Whether a character is plain where it stands, or the end.
+  static bool IsPlain(const NxOrderTable& table, const char* p) {
+    if (!(EntryAt(table, p).key & NxOrderTable::kNotPlain)) return true;
+    const unsigned value = At(p);
+    const NxCharFollowers* followers = kUnitSize == 1 || value < 256 ? table.followers[value] : nullptr;
+    return followers && !followers->Find(static_cast<unsigned short>(At(p + kUnitSize)));
   }
   bool SkipsCharacters() const { return (op_ & (kSkipSpaces | kSkipSymbols)) != 0; }
   bool IsWildcard(const Entry& entry) const {
@@ -205,12 +215,19 @@ int PlainWalk<Unit>::Result() const {
   return result != 0 ? result : ignorable_;
 }
 
-/// A pair with a wildcard, a space or symbol in it, or what is not in the table.
+/// A pair with a wildcard in it, a space or symbol, or what may need the iterator.
 template <class Unit>
 typename PlainWalk<Unit>::Finding PlainWalk<Unit>::TakeSpecial() {
+  const Entry& e0 = EntryAt(tableA_, p_);
   const Entry& e1 = EntryAt(tableB_, q_);
-  if (IsWildcard(e1)) return TakeWildcard(EntryAt(tableA_, p_), e1);
-  return PassEqualIgnorables() ? kGoOn : kUnsuited;
+  if (IsWildcard(e1)) return TakeWildcard(e0, e1);
+  if (!IsPlain(tableA_, p_) || !IsPlain(tableB_, q_)) return PassEqualIgnorables() ? kGoOn : kUnsuited;
+  const unsigned k0 = e0.key & ~NxOrderTable::kMarks;
+  const unsigned k1 = e1.key & ~NxOrderTable::kMarks;
+  result_ = NxPrimaryDifference(k0, k1);
+  if (result_ != 0) return kEnded;
+  levels_.Note(k0, k1);
+  return kGoOn;
 }
 
 template <class Unit>
@@ -231,8 +248,8 @@ bool PlainWalk<Unit>::PassEqualIgnorables() {
   for (unsigned n = 0; n < left_; ++n) {
     const Entry& e0 = EntryAt(tableA_, p_ + n * kUnitSize);
     const Entry& e1 = EntryAt(tableB_, q_ + n * kUnitSize);
-    const bool begins0 = !(e0.key & NxOrderTable::kNotPlain);
-    const bool begins1 = !(e1.key & NxOrderTable::kNotPlain);
+    const bool begins0 = IsPlain(tableA_, p_ + n * kUnitSize);
+    const bool begins1 = IsPlain(tableB_, q_ + n * kUnitSize);
     if (n > 0 && ((begins0 && begins1) || (IsWildcard(e1) && !SkipsCharacters()))) {
       p_ += (n - 1) * kUnitSize;
       q_ += (n - 1) * kUnitSize;
