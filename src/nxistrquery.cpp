@@ -100,12 +100,13 @@ class AlphaComparison {
   bool WildcardsActive() const { return !(options_ & (kWildcardsOff | kOrderValuesOnly)); }
 
   /// Sets an operand to its first element; false when the buffer does not hold the
-  /// image's head. A length of 0 is no limit.
+  /// object or the image's head. A length of 0 is no limit.
   bool Open(Operand& operand, const void* value, unsigned long length) {
     if (length == 0) length = kNoLimit;
     if (InMemory()) {
       operand.value = static_cast<const Text*>(value);
-      operand.objects = std::max(length / sizeof(Text), 1UL);
+      operand.objects = length / sizeof(Text);
+      if (operand.objects == 0) return false;
       operand.flags = operand.value->_nForm;
       TakeText(operand);
       return true;

@@ -390,6 +390,8 @@ TEST(AlphaCompare, Arrays) {
   EXPECT_EQ(error, 0);
   EXPECT_EQ(Mgr().Cmp(kCaseI, 16, values, 24, patterns, 0, 3, 8, error), 0);
   EXPECT_EQ(error, kPastBuffer);
+  EXPECT_EQ(Mgr().Cmp(kCaseI, 24, values, 7, patterns, 0, 1, 8, error), 0) << "no whole object";
+  EXPECT_EQ(error, kPastBuffer);
   EXPECT_EQ(Mgr().Cmp(kCaseI, patterns + 2, values + 2, 0, 1, 8), 0) << "c matches C*";
   error = 77;
   EXPECT_EQ(Mgr().Hash(kI, 0, values, 3, 8, error), 0UL);
