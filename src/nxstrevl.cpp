@@ -29,7 +29,7 @@ constexpr unsigned short kLargestUnit = 0xFFFE;
 constexpr double kByteTextUnit = 128.0;
 constexpr double kOrderTextUnit = 1048576.0;
 
-/// The text of a stored image, copied and closed by two zero bytes, with its head.
+/// The text of a stored image, copied and closed by zeros, with its head.
 class ScanText {
  public:
   ScanText() { local_[0] = local_[1] = 0; }
@@ -48,10 +48,10 @@ class ScanText {
       language = stored.bytes[3];
     }
     char* copy = local_;
-    if (bytes + 2 > sizeof local_) copy = heap_ = NxNewArray<char>(bytes + 2);
+    if (bytes + kClosingZeros > sizeof local_) copy = heap_ = NxNewArray<char>(bytes + kClosingZeros);
     if (!copy) return;
     std::memcpy(copy, stored.bytes + offset, bytes);
-    copy[bytes] = copy[bytes + 1] = 0;
+    std::memset(copy + bytes, 0, kClosingZeros);
     text = copy;
     size = bytes;
   }
@@ -69,6 +69,8 @@ class ScanText {
   unsigned char language = kLanguageNone;
 
  private:
+  static constexpr unsigned long kClosingZeros = 3;  // an odd byte and a 16-bit zero
+
   char local_[512];
   char* heap_ = nullptr;
 };
@@ -163,6 +165,10 @@ class StringBounds {
                          std::min(sourceBytes, keyLength_ + 2UL), 1);
     image.used = static_cast<unsigned long>(used);
     if (HasOwnTerminator(image)) image.used -= 2;
+    Cap(image);
+  }
+
+  void Cap(BoundImage& image) const {
     image.capped = image.used + TrailerSize() > NxINDEX_MAX_KEYLEN;
     if (image.capped) image.used = std::min(image.used, NxINDEX_MAX_KEYLEN);
   }
@@ -265,7 +271,10 @@ class StringBounds {
     if (HasWildcard()) source += key_.Width();
     Translate(image, source);
     MaskLetters(image, caseMask_, accentMask_);
-    if (IsMixed(image)) image.used += 2;
+    if (IsMixed(image)) {
+      image.used += 2;
+      Cap(image);
+    }
     if (wildByte_ > 0 || SkipsCharacters() || IsMixed(image)) CloseWithLargest(image);
     Finish(image, bounds_->upper, bounds_->upperLen, 868);
     return image.capped;

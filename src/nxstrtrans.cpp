@@ -32,8 +32,8 @@ int AssignStrings(void* dst, void* src, unsigned long n) {
 /// Copies what fits of an image and zeroes the rest of the destination.
 unsigned long CopyCut(void* dst, unsigned long dstLength, const void* image, unsigned long length) {
   unsigned long k = std::min(length, dstLength);
-  std::memcpy(dst, image, k);
-  std::memset(static_cast<Bytes>(dst) + k, 0, dstLength - k);
+  if (k != 0) std::memcpy(dst, image, k);
+  if (k < dstLength) std::memset(static_cast<Bytes>(dst) + k, 0, dstLength - k);
   return k;
 }
 
@@ -59,6 +59,7 @@ using StringStoreFunc = int (*)(void*, const void*, unsigned char, unsigned long
 /// cut when it is too small.
 int StoreCut(StringStoreFunc store, unsigned long bytes, void* dst, unsigned long dstLength, void* src,
              unsigned char format, unsigned long n) {
+  if (dstLength == 0) return 0;
   if (bytes <= dstLength) {
     std::memset(dst, 0, dstLength);
     return store(dst, src, format, n);
@@ -359,14 +360,16 @@ class TextCopy {
   /// Null when there is no memory.
   const char* Take(const unsigned char* text, unsigned long bytes) {
     char* copy = local_;
-    if (bytes + 2 > sizeof local_) copy = heap_ = NxNewArray<char>(bytes + 2);
+    if (bytes + kClosingZeros > sizeof local_) copy = heap_ = NxNewArray<char>(bytes + kClosingZeros);
     if (!copy) return nullptr;
     std::memcpy(copy, text, bytes);
-    copy[bytes] = copy[bytes + 1] = 0;
+    std::memset(copy + bytes, 0, kClosingZeros);
     return copy;
   }
 
  private:
+  static constexpr unsigned long kClosingZeros = 3;  // an odd byte and a 16-bit zero
+
   char local_[1024];
   char* heap_ = nullptr;
 };

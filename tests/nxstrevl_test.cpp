@@ -147,6 +147,26 @@ TEST(StringBounds, LongKeysAreCapped) {
   }
 }
 
+TEST(StringBounds, EncloseLongKeysWhoseCollationChanges) {
+  for (std::size_t n : {1u, 122u, 123u, 124u, 125u, 126u}) {
+    NxString text = Text(std::string(n, 'x'), kCodeSetUnicode, 1);
+    text += NxString(static_cast<unsigned short>(0x4E00));
+    Bytes image = Image(text, 1);
+    Bounds b = Evaluate(image, kRelationEqual, 1);
+    ASSERT_LE(b.upper.size(), NxINDEX_MAX_KEYLEN) << n;
+    EXPECT_LE(Compare(b.lower, IndexKey(image, 1), kWildcardsOff, kFormatKey | 1), 0) << n;
+    EXPECT_LE(Compare(IndexKey(image, 1), b.upper, kWildcardsOff, kFormatKey | 1), 0) << n;
+  }
+}
+
+TEST(StringBounds, OfAWideTextWithAnOddByte) {
+  Bytes even = Image(Text(std::string(400, 'x'), kCodeSetUnicode, 1), 1);
+  Bytes odd = even;
+  odd.erase(odd.end() - 3);
+  --odd[0];
+  EXPECT_EQ(Evaluate(even, kRelationEqual, 1).upper, Evaluate(odd, kRelationEqual, 1).upper);
+}
+
 TEST(StringBounds, PlainTextIsClosedByTheLargestByte) {
   Bounds b = Evaluate(Image(Text("ab*", 0, 0), 1), kRelationEqual, 1);
   EXPECT_EQ((Bytes{6, 0, 0, 0, 'a', 'b', 0, 0xFF}), b.lower);

@@ -284,6 +284,17 @@ TEST(StringTranslate, StoringAnArrayOfMoreThan65535BytesFillsTheBuffer) {
   }
 }
 
+TEST(StringTranslate, AnOddByteOfAWideTextIsTheLowHalfOfACharacter) {
+  Bytes even = Image(Text(std::string(551, 'a').c_str(), kCodeSetUnicode, 1), 1);
+  Bytes odd = even;
+  odd.erase(odd.end() - 3);
+  --odd[0];
+  int size = 0;
+  EXPECT_EQ(Stored(NxStringTranslate, even, 1, 0x81, 3000, &size),
+            Stored(NxStringTranslate, odd, 1, 0x81, 3000));
+  EXPECT_EQ(4 + 1102 + 2, size);
+}
+
 TEST(StringTranslate, ReadsNothingBehindAnyImage) {
   std::mt19937 random(11);
   for (int round = 0; round < 20000; ++round) {
