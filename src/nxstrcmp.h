@@ -52,8 +52,9 @@ class NxOrderTable {
   const Entry& EntryOf(char c) const { return entries[static_cast<unsigned char>(c)]; }
 
   Entry entries[256];
-  /// Of the digits and letters that are plain unless one of these follows, else null.
-  const NxCharFollowers* followers[256];
+  /// The records of the characters that the marks say need the iterator and whose key
+  /// without marks is that of their first order value; else null.
+  const NxCharInfo* records[256];
 
   static constexpr unsigned kCodeSets = 8;  // 8-bit code sets that tables are kept for, a power of two
 

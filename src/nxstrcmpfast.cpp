@@ -66,15 +66,13 @@ void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
     const NxCharInfo* record = RecordOf(static_cast<unsigned short>(value), codeSet, language);
     Entry& entry = entries[value];
     entry = {NxCompareKey(order, selector), order, selector, false};
-    followers[value] = nullptr;
-    const bool significant = order >= kFirstDigitOrder && selector < kPlainOrderSelector;
+    records[value] = nullptr;
     if (!record || record->followers || record->expansion || (entry.key & kMarks) != 0) {
-      const bool wholeKey = (entry.key & kMarks) == 0 && record && !record->expansion;
-      if (wholeKey && significant) followers[value] = record->followers;
+      if ((entry.key & kMarks) == 0) records[value] = record;
       entry.key |= kMarks;
       entry.order = 0;
       entry.equalPass = record && !record->followers && OnlyLetters(order, record->expansion);
-    } else if (significant) {
+    } else if (order >= kFirstDigitOrder && selector < kPlainOrderSelector) {
       entry.equalPass = true;
     } else {
       entry.key |= kNotPlain;
@@ -83,12 +81,166 @@ void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
 }
 
 // ---------------------------------------------------------------------------
-// Walk
+// Characters
 
 namespace {
 
 /// Stands for every character that a table does not hold.
 constexpr NxOrderTable::Entry kOutsideTable = {NxOrderTable::kMarks, 0, 0, false};
+
+template <class Unit>
+const NxOrderTable::Entry& EntryAt(const NxOrderTable& table, const char* p) {
+  const unsigned value = NxUnitAt<Unit>(p);
+  return sizeof(Unit) == 1 || value < 256 ? table.entries[value] : kOutsideTable;
+}
+
+/// The record of a character that needs the iterator, unless what follows it makes a
+/// contraction; else null.
+template <class Unit>
+const NxCharInfo* RecordAlone(const NxOrderTable& table, const char* p) {
+  const unsigned value = NxUnitAt<Unit>(p);
+  const NxCharInfo* record = sizeof(Unit) == 1 || value < 256 ? table.records[value] : nullptr;
+  if (!record || !record->followers) return record;
+  const unsigned next = NxUnitAt<Unit>(p + sizeof(Unit));
+  return record->followers->Find(static_cast<unsigned short>(next)) ? nullptr : record;
+}
+
+// Places in a text, as a pattern is matched with it. Key has the mark kNeedsIterator
+// where the place cannot be read, and is 0 at the end.
+
+/// Takes the characters that have one order value.
+template <class Unit>
+struct SimpleCursor {
+  const char* p;
+
+  unsigned Key(const NxOrderTable& table) const { return EntryAt<Unit>(table, p).key; }
+  unsigned short Order(const NxOrderTable& table) const { return EntryAt<Unit>(table, p).order; }
+  void Next(const NxOrderTable& /*table*/) { p += sizeof(Unit); }
+};
+
+/// Takes expansions, too, one order value after the other.
+template <class Unit>
+struct ExpandingCursor {
+  const char* p;
+  short index = 0;  // of the order value at p
+
+  unsigned Key(const NxOrderTable& table) const {
+    const NxOrderTable::Entry& entry = EntryAt<Unit>(table, p);
+    if (!(entry.key & NxOrderTable::kNeedsIterator)) return entry.key;
+    const NxCharInfo* record = RecordAlone<Unit>(table, p);
+    if (!record) return NxOrderTable::kMarks;
+    if (index == 0) return entry.key & ~NxOrderTable::kMarks;
+    return NxCompareKey(record->expansion->At(static_cast<short>(index - 1)), entry.selector);
+  }
+  unsigned short Order(const NxOrderTable& table) const {
+    const NxCharInfo* record = RecordAlone<Unit>(table, p);
+    if (!record) return EntryAt<Unit>(table, p).order;
+    return index == 0 ? record->order : record->expansion->At(static_cast<short>(index - 1));
+  }
+  void Next(const NxOrderTable& table) {
+    const NxCharInfo* record = RecordAlone<Unit>(table, p);
+    if (record && record->expansion && index < record->expansion->Count()) {
+      ++index;
+    } else {
+      p += sizeof(Unit);
+      index = 0;
+    }
+  }
+};
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// Patterns
+
+namespace {
+
+enum class Match {
+  kMatches,   //
+  kDiffers,   // the result is the search's
+  kUnsuited,  // there are characters that the cursors cannot read
+  kNextStar,  // a part of the pattern matches up to its next star
+  kNotHere    // it does not match at this place
+};
+
+/// Matches a text against a pattern from a star on. Every part of the pattern between
+/// two stars is taken where it occurs first.
+template <class Cursor>
+class PatternSearch {
+ public:
+  PatternSearch(const NxOrderTable& tableA, const NxOrderTable& tableB, unsigned mask,
+                unsigned short asterisk, unsigned short question)
+      : tableA_(tableA), tableB_(tableB), mask_(mask), asterisk_(asterisk), question_(question) {}
+
+  /// `pattern` stands on the star.
+  Match Run(Cursor text, Cursor pattern) {
+    Match match = Match::kNextStar;
+    while (match == Match::kNextStar) {
+      do {
+        pattern.Next(tableB_);
+      } while (pattern.Order(tableB_) == asterisk_);
+      if (pattern.Key(tableB_) == 0) return Match::kMatches;
+      match = FindPart(text, pattern);
+    }
+    return match;
+  }
+
+  int result = 0;
+
+ private:
+  Match FindPart(Cursor& text, Cursor& part);
+  Match MatchHere(Cursor& text, Cursor& part);
+
+  const NxOrderTable& tableA_;
+  const NxOrderTable& tableB_;
+  const unsigned mask_;  // what counts of a key
+  const unsigned short asterisk_;
+  const unsigned short question_;
+};
+
+/// Takes both cursors behind the part that begins at `part`.
+template <class Cursor>
+Match PatternSearch<Cursor>::FindPart(Cursor& text, Cursor& part) {
+  const unsigned wanted = part.Key(tableB_);
+  const unsigned mask = part.Order(tableB_) == question_ ? 0 : mask_;
+  for (Cursor begin = text;; begin.Next(tableA_)) {
+    unsigned key;
+    while (key = begin.Key(tableA_),
+           ((key ^ wanted) & mask) != 0 && key != 0 && !(key & NxOrderTable::kNeedsIterator))
+      begin.Next(tableA_);
+    text = begin;
+    Cursor pattern = part;
+    const Match match = MatchHere(text, pattern);
+    if (match == Match::kNotHere) continue;
+    part = pattern;
+    return match;
+  }
+}
+
+template <class Cursor>
+Match PatternSearch<Cursor>::MatchHere(Cursor& text, Cursor& part) {
+  for (;; text.Next(tableA_), part.Next(tableB_)) {
+    const unsigned k0 = text.Key(tableA_);
+    const unsigned k1 = part.Key(tableB_);
+    if ((k0 | k1) & NxOrderTable::kNeedsIterator) return Match::kUnsuited;
+    const unsigned short order = part.Order(tableB_);
+    if (order == asterisk_) return Match::kNextStar;
+    if (k0 == 0) {
+      if (k1 == 0) return Match::kMatches;
+      // This is the earliest place from which the text goes along with the pattern.
+      result = order == question_ ? -1 : NxPrimaryDifference(0, k1 & ~NxOrderTable::kMarks);
+      return Match::kDiffers;
+    }
+    if (order != question_ && ((k0 ^ k1) & mask_) != 0) return Match::kNotHere;
+  }
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// Walk
+
+namespace {
 
 /// One comparison of two texts whose characters are Units.
 template <class Unit>
@@ -118,23 +270,20 @@ class PlainWalk {
   static constexpr unsigned kUnitSize = sizeof(Unit);
 
   enum Finding {
-    kGoOn,      // the pair is dealt with
-    kEnded,     // result_ is the comparison's
-    kUnsuited,  // the level comparison must go on from here
-    kNotHere    // the part of the pattern does not match at this place
+    kGoOn,     // the pair is dealt with
+    kEnded,    // result_ is the comparison's
+    kUnsuited  // the level comparison must go on from here
   };
 
   static unsigned At(const char* p) { return NxUnitAt<Unit>(p); }
-  static const Entry& EntryAt(const NxOrderTable& table, const char* p) {
-    const unsigned value = At(p);
-    return kUnitSize == 1 || value < 256 ? table.entries[value] : kOutsideTable;
-  }
+  static const Entry& EntryAt(const NxOrderTable& table, const char* p) { return ::EntryAt<Unit>(table, p); }
   /// Whether a character is plain where it stands, or the end.
   static bool IsPlain(const NxOrderTable& table, const char* p) {
-    if (!(EntryAt(table, p).key & NxOrderTable::kNotPlain)) return true;
-    const unsigned value = At(p);
-    const NxCharFollowers* followers = kUnitSize == 1 || value < 256 ? table.followers[value] : nullptr;
-    return followers && !followers->Find(static_cast<unsigned short>(At(p + kUnitSize)));
+    const Entry& entry = EntryAt(table, p);
+    if (!(entry.key & NxOrderTable::kNotPlain)) return true;
+    const NxCharInfo* record = RecordAlone<Unit>(table, p);
+    return record && !record->expansion && record->order >= kFirstDigitOrder &&
+           entry.selector < kPlainOrderSelector;
   }
   bool SkipsCharacters() const { return (op_ & (kSkipSpaces | kSkipSymbols)) != 0; }
   bool IsWildcard(const Entry& entry) const {
@@ -149,8 +298,6 @@ class PlainWalk {
   int Result() const;
 
   Finding MatchAfterStar();
-  Finding FindPart(const char* part);
-  Finding MatchPart(const char* text, const char* pattern);
 
   int CompareLevels(unsigned char byteOrder, int* outPos);
 
@@ -264,74 +411,20 @@ bool PlainWalk<Unit>::PassEqualIgnorables() {
   return false;
 }
 
-// ---------------------------------------------------------------------------
-// Patterns
-
-/// Matches the text from p_ on against the pattern from the star at q_ on. Every part
-/// of the pattern between two stars is taken where it occurs first.
+/// Matches the text from p_ on against the pattern from the star at q_ on.
 template <class Unit>
 typename PlainWalk<Unit>::Finding PlainWalk<Unit>::MatchAfterStar() {
   if (len_ != -1) return kUnsuited;
   // A difference before the star makes every character after it a mismatch.
   if (levels_.Result(op_) != 0) return kUnsuited;
-  const char* const starText = p_;
-  const char* const star = q_;
-  Finding finding;
-  do {
-    do {
-      q_ += kUnitSize;
-    } while (EntryAt(tableB_, q_).order == asterisk_);
-    if (At(q_) == 0) {
-      result_ = Result();
-      return kEnded;
-    }
-    finding = FindPart(q_);
-  } while (finding == kGoOn);
-  if (finding == kUnsuited) {
-    p_ = starText;
-    q_ = star;
-  }
-  return finding;
-}
-
-/// Finds the part of the pattern that begins at `part`; kGoOn leaves p_ behind it in
-/// the text and q_ on the star that follows it.
-template <class Unit>
-typename PlainWalk<Unit>::Finding PlainWalk<Unit>::FindPart(const char* part) {
-  const Entry& first = EntryAt(tableB_, part);
-  const unsigned mask = first.order == question_ ? 0 : NxWildcardKeyMask(op_) & ~NxOrderTable::kMarks;
-  for (const char* text = p_;; text += kUnitSize) {
-    unsigned key = EntryAt(tableA_, text).key;
-    while (((key ^ first.key) & mask) != 0 && key != 0 && !(key & NxOrderTable::kNeedsIterator)) {
-      text += kUnitSize;
-      key = EntryAt(tableA_, text).key;
-    }
-    const Finding finding = MatchPart(text, part);
-    if (finding != kNotHere) return finding;
-  }
-}
-
-/// Compares a part of the pattern with the text from a place on.
-template <class Unit>
-typename PlainWalk<Unit>::Finding PlainWalk<Unit>::MatchPart(const char* text, const char* pattern) {
-  const unsigned mask = NxWildcardKeyMask(op_) & ~NxOrderTable::kMarks;
-  for (;; text += kUnitSize, pattern += kUnitSize) {
-    const Entry& e0 = EntryAt(tableA_, text);
-    const Entry& e1 = EntryAt(tableB_, pattern);
-    if ((e0.key | e1.key) & NxOrderTable::kNeedsIterator) return kUnsuited;
-    if (e1.order == asterisk_) {
-      p_ = text;
-      q_ = pattern;
-      return kGoOn;
-    }
-    if (e0.key == 0) {
-      // This is the earliest place from which the text goes along with the pattern.
-      result_ = e1.order == question_ ? -1 : NxPrimaryDifference(0, e1.key & ~NxOrderTable::kMarks);
-      if (e1.key == 0) result_ = Result();
-      return kEnded;
-    }
-    if (e1.order != question_ && ((e0.key ^ e1.key) & mask) != 0) return kNotHere;
-  }
+  const auto matches = [this](auto cursor) {
+    const unsigned mask = NxWildcardKeyMask(op_) & ~NxOrderTable::kMarks;
+    PatternSearch<decltype(cursor)> search(tableA_, tableB_, mask, asterisk_, question_);
+    const Match match = search.Run({p_}, {q_});
+    result_ = match == Match::kMatches ? Result() : search.result;
+    return match != Match::kUnsuited;
+  };
+  return matches(SimpleCursor<Unit>()) || matches(ExpandingCursor<Unit>()) ? kEnded : kUnsuited;
 }
 
 // ---------------------------------------------------------------------------
