@@ -63,7 +63,7 @@ NX_API long NxString2NxMBS(const NxString& s, char* out, long size);
 /// out; a text that fills it to the last byte has no zero. Otherwise into a new
 /// array, released by the caller with delete[], and size becomes its size. Returns
 /// the bytes, zero not counted; -1 when the caller's out is too small, size then being
-/// the bytes of the text.
+/// the bytes of the text and out holding what fits.
 NX_API long NxString2MultiByteString(const NxString& s, char*& out, long& size);
 
 /// UTF-8 bytes of the first n characters of s.

@@ -18,11 +18,11 @@ class NX_API NxChar {
  public:
   // A code set or language of 255 means the default one; byte order 255 means 1.
 
-  /// A detached copy.
+  /// A detached copy of the bytes, from now on in byte order 1.
   NxChar(const NxChar& c);
   NxChar(unsigned short v, unsigned char cs = 255, unsigned char lang = 255);
   NxChar(char v, unsigned char cs = 255, unsigned char lang = 255);
-  /// Bound to p.
+  /// Bound to p, which must outlive it.
   NxChar(const char* p, unsigned char cs, unsigned char lang, unsigned char byteOrder);
   /// Bound to the text of s, byteOffset bytes in.
   NxChar(NxString& s, int byteOffset);
@@ -33,12 +33,13 @@ class NX_API NxChar {
   /// A bound character writes c, mapped to its own code set, into its text; a
   /// detached one becomes c.
   NxChar& operator=(const NxChar& c);
-  /// Store the value without mapping.
+  /// Store the value without mapping, in the own byte order; into an 8-bit text one byte.
   NxChar& operator=(char c);
   NxChar& operator=(unsigned short c);
 
+  /// The value: the byte, or the unit read in the own byte order.
   operator unsigned short() const;
-  /// Detached, mapped to cs.
+  /// Detached, mapped to cs; a copy for code set 0 and the own one.
   NxChar MapTo(unsigned char cs) const;
 
   /// Collation order value, and the classes by its ranges.
@@ -54,7 +55,8 @@ class NX_API NxChar {
   NxChar ToUpper(NxStringIterator* it) const;
   NxChar ToLower(NxStringIterator* it) const;
 
-  /// By collation; op 65535 means the default options, which the operators use.
+  /// Negative, 0 or positive by collation, `c` being the pattern when wildcards are on.
+  /// op 65535 means the default options, which the operators use.
   int Compare(const NxChar& c, unsigned short op) const;
   int operator==(const NxChar& c) const;
   int operator!=(const NxChar& c) const;

@@ -58,6 +58,8 @@ class NX_API NxString {
   void d_deactivate();
 
   NxString& operator=(const NxString& s);
+  /// Texts, in the default 8-bit or 16-bit code set and the default language; null
+  /// empties. The text may be the string's own.
   NxString& operator=(const char* text);
   NxString& operator=(const unsigned short* text);
   /// Moves s here; s keeps its code set and language and loses its text.
@@ -75,6 +77,7 @@ class NX_API NxString {
 
   /// Makes the string null and returns 0.
   int SetNullValue();
+  /// 1 for language 254, and for code set 254 with language 0; else 0.
   int IsNullValue() const;
 
   // Code sets. 0, or -2002 with the string unchanged.
@@ -91,7 +94,8 @@ class NX_API NxString {
   /// present buffer that has it.
   int CopyMapped(const NxString& s, unsigned char cs, short n = -1);
 
-  // Process-wide defaults, kept by the language context.
+  // Process-wide defaults, kept by the language context. The setters return 0, or -2002
+  // and change nothing for a number that no string can carry.
 
   static unsigned char GetDefaultCodeSet();
   static int SetDefaultCodeSet(unsigned char cs);
@@ -102,7 +106,8 @@ class NX_API NxString {
   static unsigned short GetDefaultCmpOp();
   static int SetDefaultCmpOp(unsigned short op);
 
-  // Wildcards, as collation order values; process-wide.
+  // Wildcards, as collation order values; process-wide. Unless they are set, those of
+  // "*", "?" and "\\" in code set 1. The setters return 0.
 
   static unsigned short GetAsterisk();
   static unsigned short GetQuestion();
@@ -115,6 +120,7 @@ class NX_API NxString {
 
   // Length and emptiness.
 
+  /// Characters before the first zero character.
   unsigned short Len() const;
   /// Bytes of the terminator: 1 or 2.
   unsigned short NullLen() const;
@@ -123,6 +129,7 @@ class NX_API NxString {
 
   // Concatenation.
 
+  /// Appends s, converted to this string's code set.
   NxString& operator+=(const NxString& s);
   /// Appends the character, text or number; an unsigned short is a number to an
   /// 8-bit string and a character to a 16-bit one.
@@ -175,6 +182,8 @@ class NX_API NxString {
 
   /// Position of the first match at or after start, or -1. Positions from 32768 on
   /// come out negative: as an unsigned short they are right, and only -1 means none.
+  /// With wildcards on, "*" and "?" of the pattern are wildcards. A pattern without
+  /// buffer, or of more bytes than the rest of the text has, is not found.
   short Find(const NxString& pattern, unsigned short start = 0, unsigned short op = 65535) const;
   short Find(char c, unsigned short start = 0, unsigned short op = 65535) const;
   short Find(unsigned short c, unsigned short start = 0, unsigned short op = 65535) const;
@@ -238,10 +247,12 @@ class NX_API NxString {
 };
 static_assert(sizeof(NxString) == 8, "values are walked in steps of 8 bytes");
 
+/// Both texts, in the code set and language of a.
 NX_API NxString operator+(const NxString& a, const NxString& b);
 
-/// Takes the item of list that begins at pos, up to the separator, trimmed, and
-/// moves pos past it. 0, or -2005 with item unchanged at the end of the list.
+/// Takes the item of list that begins at pos, up to the separator, trimmed, and moves
+/// pos one character past the end of the item. A separator that begins the list is
+/// skipped. 0, or -2005 with item unchanged at the end of the list.
 NX_API int NxSplitList(NxString& list, NxString& item, const NxString& separator, unsigned short& pos);
 
 /// Copies bytes; with width 2 and byteOrder 2 as 16-bit units put through

@@ -67,12 +67,15 @@ class NX_API NxStringIterator {
 
   /// 1 at the end of the text with no overflow list attached.
   int IsEOS() const;
-  /// Makes list pending, its entries in code set cs (255: the iterator's).
+  /// Makes list pending, its entries in code set cs (255: the iterator's; 254: they are
+  /// order values). The list stays the caller's and must outlive its delivery.
   void SetOverflow(const NxWCharList* list, unsigned char cs);
 
-  /// Writes op's result for every character to dst, then the terminator.
+  /// Writes op's result for every character to dst, which must have room for all that
+  /// op expands to, then the terminator. Both end behind the terminator.
   void Transform(NxStringIterator& dst, NxCharOperation& op);
-  /// The next collation order value; 0 at the end, where the iterator stays.
+  /// The next collation order value; 0 at the end, where the iterator stays. With
+  /// updateCollation not 0, _nCollation becomes the selector that goes with the value.
   unsigned short GetNextOrder(unsigned short updateCollation);
 
   char* _pPos;                      //

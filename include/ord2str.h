@@ -58,7 +58,8 @@ NX_API int NxExtractDigitFromOrder(unsigned short order, unsigned short& digit, 
 // Back to text. language is the language byte of the text that the order value is of;
 // from 20 on (low seven bits) it means plain order, where every value is its own name.
 
-/// The name of an order value: "upper letter A with ring above", "digit 7". Returns 0.
+/// text becomes the name of an order value, in the default 8-bit code set: "upper letter
+/// A with ring above", "digit 7". Returns 0.
 NX_API int NxConvertOrderToString(unsigned short order, unsigned char language, NxString& text);
 
 /// A character that stands for an order value: ch becomes the plain letter, digit or
