@@ -1,6 +1,7 @@
 // The strings themselves on any bytes: editing, conversion to and from UTF-8, and the
 // comparison and matching of texts. Every string stays terminated and within its
-// buffer, whatever is done to it, also with itself.
+// buffer, whatever is done to it, also with itself, and the short ways of comparing
+// texts answer as the level comparison does.
 
 #include <iterator>
 
@@ -8,6 +9,7 @@
 #include "nx_utf_8.h"
 #include "nxbase.h"
 #include "nxchar.h"
+#include "nxstrcmp.h"
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "strwild.h"
@@ -230,7 +232,10 @@ void ConvertUtf8(Input& in) {
   const long decoded = NxMBS2NxString(Text(text), s, static_cast<long>(text.Size()));
   CheckText(s);
   if (count == kUtf8Error) Require(decoded != static_cast<long>(text.Size()) || text.Size() == 0);
-  if (decoded == static_cast<long>(text.Size())) Require(s.Len() == count);
+  if (decoded == static_cast<long>(text.Size())) {
+    const unsigned long shown = std::min<unsigned long>(units, s.Len());
+    Require(s.Len() == count && (shown == 0 || std::memcmp(wide.Data(), s._pBuffer, shown * 2) == 0));
+  }
 
   // What came from UTF-8 goes back and forth; in other code sets what they can hold.
   const Block encoded = Encode(s);
@@ -257,7 +262,11 @@ void CompareTexts(Input& in) {
   const Block a = TakeText(in);
   const Block b = TakeText(in);
   int partial = 0;
+  int truth = 0;
   const int order = NxStrCmp(cs1, lang1, Text(a), cs2, lang2, Text(b), options, length, byteOrder, &partial);
+  Require(NxStrCmpGeneral(cs1, lang1, Text(a), cs2, lang2, Text(b), options, length, byteOrder, &truth) ==
+          order);
+  Require(partial == truth);
   if (options & kWildcardsOff) {
     const int reverse =
         NxStrCmp(cs2, lang2, Text(b), cs1, lang1, Text(a), options, length, byteOrder, nullptr);
