@@ -33,7 +33,9 @@ struct NxStoredString {
   NxStoredString(const void* image, unsigned long bufferLength, unsigned char format)
       : bytes(static_cast<const unsigned char*>(image)), length(bufferLength) {
     if (length < 2) return;
-    ShortStore(&n, bytes, format, 1);
+    // Here rather than by ShortStore: every key and bound begins with it.
+    n = static_cast<unsigned short>(format == kFormatBigEndian ? bytes[0] << 8 | bytes[1]
+                                                               : bytes[1] << 8 | bytes[0]);
     early = n > 0 && Fits() && bytes[n + 1UL] == 0;
     if (early || length < kHeadSize) return;
     codeSet = bytes[2];

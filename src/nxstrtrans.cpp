@@ -9,6 +9,7 @@
 #include "nxbase.h"
 #include "nxlang.h"
 #include "nxstored.h"
+#include "nxstrcmp.h"
 #include "nxstring.h"
 #include "nxstritr.h"
 #include "nxtypes.h"
@@ -270,9 +271,9 @@ class KeyBuilder {
   /// Returns the bytes written; 0 when not even the head has room.
   unsigned long Build(const KeySource& source, unsigned char format) {
     if (room_ < NxStoredString::kHeadSize) return 0;
-    const NxCodeSet* codeSet = NxLanguageContext::QueryCodeSet(source.codeSet);
-    collation_ = source.IsNull() ? 0 : codeSet->GetCollation(source.language);
-    const char* position = PutSimple(source, codeSet);
+    if (!source.IsNull())
+      collation_ = NxLanguageContext::QueryCodeSet(source.codeSet)->GetCollation(source.language);
+    const char* position = PutSimple(source);
     if (position) PutGeneral(source, position);
     PutHead(format);
     return written_;
@@ -282,8 +283,8 @@ class KeyBuilder {
   bool HasRoom() const { return written_ + 2 <= room_; }
 
   void Put(unsigned short order) {
-    dst_[written_ + (highFirst_ ? 1 : 0)] = static_cast<unsigned char>(order);
-    dst_[written_ + (highFirst_ ? 0 : 1)] = static_cast<unsigned char>(order >> 8);
+    unsigned short unit = highFirst_ ? __builtin_bswap16(order) : order;
+    std::memcpy(dst_ + written_, &unit, sizeof unit);
     written_ += 2;
     ended_ = order == 0;
   }
@@ -291,24 +292,16 @@ class KeyBuilder {
   /// The common case, an 8-bit text of characters that order by one value each:
   /// goes as far as that holds. Returns where the iterator must go on, or null
   /// when the key is done.
-  const char* PutSimple(const KeySource& source, const NxCodeSet* codeSet) {
-    const NxCharInfo* const* records = codeSet->FlatRecords();
-    if (!records || NxCharWidth(source.codeSet) != 1 || source.IsNull()) return source.text;
-    const NxLanguage* language = NxLanguageContext::QueryLanguage(source.language);
-    bool hasVariants = language && language->hasVariants;
-    const char* p = source.text;
-    for (; HasRoom() && p != source.end; ++p) {
-      if (*p == 0) {
-        Put(0);
-        return nullptr;
-      }
-      const NxCharInfo* record = records[static_cast<unsigned char>(*p)];
-      if (record->variants && hasVariants)
-        if (const NxCharInfo* variant = record->variants->Find(source.language)) record = variant;
-      if (record->followers || record->expansion || record->collation != NxCharInfo::kNoCollation ||
-          record->order == 0)
-        return p;
-      Put(record->order);
+  const char* PutSimple(const KeySource& source) {
+    const bool byBytes = NxCharWidth(source.codeSet) == 1 && !source.IsNull();
+    const NxOrderTable* table = byBytes ? NxOrderTable::Find(source.codeSet, source.language) : nullptr;
+    if (!table) return source.text;
+    for (const char* p = source.text; HasRoom() && p != source.end; ++p) {
+      const NxOrderTable::Entry& entry = table->EntryOf(*p);
+      if (entry.key & NxOrderTable::kNeedsIterator) return p;
+      if (entry.selector != collation_ && entry.order != 0) return p;
+      Put(entry.order);
+      if (ended_) return nullptr;
     }
     return nullptr;
   }
