@@ -50,7 +50,7 @@ constexpr unsigned kStrings = 3;
 
 /// Searching compares at every position, blanks count for all positions before them,
 /// and a replacement moves the rest of the text: the time grows with the square of it.
-constexpr unsigned kMostSearched = 2000;
+constexpr unsigned kMostSearched = 500;
 
 /// Strings on which operations run, one after another.
 class Editor {
@@ -58,7 +58,7 @@ class Editor {
   explicit Editor(Input& in) : in_(in) {}
 
   void Run() {
-    constexpr unsigned kMostOperations = 64;
+    constexpr unsigned kMostOperations = 32;
     for (unsigned i = 0; i < kMostOperations && !in_.IsUsedUp(); ++i) {
       const unsigned char which = in_.Byte();
       Apply(in_.Byte(), strings_[which % kStrings], strings_[which / kStrings % kStrings]);
@@ -89,34 +89,34 @@ void Editor::Apply(unsigned char operation, NxString& s, NxString& other) {
       s = s + other;
       return;
     case 4:
-      s.Insert(other, in_.Word());
+      s.Insert(other, in_.Size());
       return;
     case 5:
-      s.Replace(other, in_.Word());
+      s.Replace(other, in_.Size());
       return;
     case 6:
-      s.Fill(in_.Word(), static_cast<char>(in_.Byte()));
+      s.Fill(in_.Size(), static_cast<char>(in_.Byte()));
       return;
     case 7:
-      s.Fill(in_.Word(), in_.Word());
+      s.Fill(in_.Size(), in_.Word());
       return;
     case 8:
-      s.Expand(in_.Word(), static_cast<char>(in_.Byte()));
+      s.Expand(in_.Size(), static_cast<char>(in_.Byte()));
       return;
     case 9:
-      s.Expand(in_.Word(), in_.Word());
+      s.Expand(in_.Size(), in_.Word());
       return;
     case 10:
-      s.Cut(in_.Word(), static_cast<short>(in_.Word()));
+      s.Cut(in_.Size(), static_cast<short>(in_.Word()));
       return;
     case 11:
-      s = other.Copy(in_.Word(), static_cast<short>(in_.Word()));
+      s = other.Copy(in_.Size(), static_cast<short>(in_.Word()));
       return;
     case 12:
-      s = other.Left(in_.Word());
+      s = other.Left(in_.Size());
       return;
     case 13:
-      s = other.Right(in_.Word());
+      s = other.Right(in_.Size());
       return;
     case 14:
       s.LeftTrim();
@@ -146,7 +146,7 @@ void Editor::Apply(unsigned char operation, NxString& s, NxString& other) {
       s.CopyMapped(other, in_.Byte(), static_cast<short>(in_.Word()));
       return;
     case 23:
-      if (s.Len() <= kMostSearched) s.ReplaceAll(other, strings_[in_.Byte() % kStrings], in_.Word());
+      if (s.Len() <= kMostSearched) s.ReplaceAll(other, strings_[in_.Byte() % kStrings], in_.Size());
       return;
     case 24:
       s.SetNullValue();
@@ -173,14 +173,14 @@ void Editor::Take(const NxString& from, NxString& s) {
   const auto start = static_cast<unsigned short>(in_.Word() % (length + 1U));
   const auto count = static_cast<unsigned short>(in_.Word() % (length - start + 1U));
   const unsigned char mode = in_.Byte();
-  const unsigned short repeat = mode % 3 == 2 ? in_.Word() : 1;
-  s.BuildString(from.StrGet(), from._nCodeSet, in_.Word(), repeat == 1 ? start : 0, repeat == 1 ? count : 1,
+  const unsigned short repeat = mode % 3 == 2 ? in_.Size() : 1;
+  s.BuildString(from.StrGet(), from._nCodeSet, in_.Size(), repeat == 1 ? start : 0, repeat == 1 ? count : 1,
                 repeat, static_cast<unsigned short>(mode % 3 + 1), in_.Byte());
 }
 
 void Editor::Search(NxString& s, NxString& other) {
   if (s.Len() > kMostSearched) return;
-  const unsigned short start = in_.Word();
+  const unsigned short start = in_.Size();
   const auto found = static_cast<unsigned short>(s.Find(other, start, in_.Word()));
   Require(found == 65535 || (found >= start && found <= s.Len()));
   unsigned short at = start;
