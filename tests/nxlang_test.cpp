@@ -459,8 +459,7 @@ std::string VersionAfter(const std::string& text, const std::string& mark) {
 }
 
 TEST(TableSource, IsWhatTheScriptMakes) {
-  const std::string here = __FILE__;
-  const std::string source = here.substr(0, here.rfind('/') + 1) + "../sibling/in/";
+  const std::string source = NX_SOURCE_DIR "/sibling/in/";
   const std::string unicode = "/usr/share/unicode";
   const std::string checkedIn = ReadFile(source + "nxlangdata.inc");
   ASSERT_FALSE(checkedIn.empty());
