@@ -25,29 +25,21 @@ unsigned UnitAt(const char* units, unsigned index) {
   return kBigEndian ? (unit >> 8 | (unit & 0xFF) << 8) : unit;
 }
 
-/// Whether an image is whole, current and of order values; the language byte is of an
-/// alphabetic selector.
 template <bool kBigEndian>
-inline bool Locate(const char* image, unsigned long length, unsigned char format, KeyText& key) {
-  if (length != 0 && length < NxStoredString::kEmptySize) return false;
+KeyText TextOf(const char* image) {
   const unsigned n = UnitAt<kBigEndian>(image, 0);
-  if (n < NxStoredString::kEmptyLength || (n & 1) != 0 || (length != 0 && length < n + 2)) return false;
-  const bool early = !(format & kFormatKey) && image[n + 1] == 0;
-  const unsigned selector = static_cast<unsigned char>(image[3]) & ~kMixedCollation;
-  key = {image + NxStoredString::kHeadSize, (n - static_cast<unsigned>(NxStoredString::kEmptyLength)) / 2};
-  return !early && static_cast<unsigned char>(image[2]) == kCodeSetOrderValues && selector != kLanguageNone &&
-         selector < kPlainOrderSelector;
+  return {image + NxStoredString::kHeadSize, (n - static_cast<unsigned>(NxStoredString::kEmptyLength)) / 2};
 }
-
-/// The end of a text, a digit, a letter or a HAN character.
-bool IsSignificantOrEnd(unsigned unit) { return unit == 0 || unit >= kFirstDigitOrder; }
 
 /// The levels of two keys of one alphabetic selector.
 template <bool kBigEndian>
 class KeyWalk {
  public:
-  KeyWalk(const KeyText& a, const KeyText& b, unsigned char selector, unsigned short options)
-      : a_{a.units, a.count}, b_{b.units, b.count}, selector_(selector), options_(options) {}
+  KeyWalk(const KeyText& a, const KeyText& b, unsigned selector, unsigned short options)
+      : a_{a.units, a.count},
+        b_{b.units, b.count},
+        selector_(static_cast<unsigned char>(selector)),
+        options_(options) {}
 
   /// False when there is a wildcard in the second key.
   bool Compare(long& result);
@@ -150,59 +142,46 @@ bool KeyWalk<kBigEndian>::Compare(long& result) {
   return true;
 }
 
-/// The comparison of all that follows the first difference, which is none of base
-/// letters. Apart, so that the frequent case needs few registers.
 template <bool kBigEndian>
-[[gnu::noinline]] bool CompareLevels(const KeyText& a, const KeyText& b, unsigned char selector,
-                                     unsigned short options, long& result) {
-  return KeyWalk<kBigEndian>(a, b, selector, options).Compare(result);
+bool Compare(const char* image1, const char* image2, unsigned selector, unsigned short options,
+             long& result) {
+  return KeyWalk<kBigEndian>(TextOf<kBigEndian>(image1), TextOf<kBigEndian>(image2), selector, options)
+      .Compare(result);
 }
 
-template <bool kBigEndian>
-inline bool Compare(const KeyText& a, const KeyText& b, unsigned char selector, unsigned short options,
-                    long& result) {
-  const unsigned most = std::min(a.count, b.count);
-  unsigned i = 0;
-  unsigned unitA = 0;
-  unsigned unitB = 0;
-  for (;; ++i) {
-    unitA = i < a.count ? UnitAt<kBigEndian>(a.units, i) : 0;
-    unitB = i < b.count ? UnitAt<kBigEndian>(b.units, i) : 0;
-    if (i == most || unitA != unitB || unitA < kFirstDigitOrder) break;
-  }
-  if (IsSignificantOrEnd(unitA) && IsSignificantOrEnd(unitB)) {
-    result = NxPrimaryDifference(NxCompareKey(static_cast<unsigned short>(unitA), selector),
-                                 NxCompareKey(static_cast<unsigned short>(unitB), selector));
-    if (result != 0 || unitA == 0) return true;
-  }
-  return CompareLevels<kBigEndian>({a.units + 2 * i, a.count - i}, {b.units + 2 * i, b.count - i}, selector,
-                                   options, result);
+bool IsAlphabetic(unsigned kind) {
+  const unsigned selector = kind >> 8;
+  return (kind & 0xFF) == kCodeSetOrderValues && selector != kLanguageNone && selector < kPlainOrderSelector;
 }
 
-template <bool kBigEndian>
-inline bool CompareImages(const char* image1, unsigned long length1, const char* image2,
-                          unsigned long length2, unsigned char format, unsigned short options, long& result,
-                          int& error) {
-  KeyText a, b;
-  if (!Locate<kBigEndian>(image1, length1, format, a) || !Locate<kBigEndian>(image2, length2, format, b))
-    return false;
-  const unsigned char languageA = static_cast<unsigned char>(image1[3]);
-  const unsigned char languageB = static_cast<unsigned char>(image2[3]);
-  const unsigned char selector = languageA & ~kMixedCollation;
-  if (selector != (languageB & ~kMixedCollation)) return false;
-  if ((languageB & kMixedCollation) && !(options & kWildcardsOff)) return false;  // a wildcard may be cut off
-  if (!Compare<kBigEndian>(a, b, selector, options, result)) return false;
-  error = (languageA | languageB) & kMixedCollation ? kPastBuffer : 0;
-  return true;
-}
+constexpr unsigned kCutMark = kMixedCollation << 8;  // in code set and language, read as one
 
 }  // namespace
 
-bool NxCompareKeyImages(const char* image1, unsigned long length1, const char* image2, unsigned long length2,
-                        unsigned char format, unsigned short options, long& result, int& error) {
-  const bool wildcardsAreSymbols = (options & kWildcardsOff) || NxOrderTable::WildcardsAreSymbols();
-  if (format == kFormatMemory || (options & kOrderValuesOnly) || !wildcardsAreSymbols) return false;
-  return (format & kFormatCodeMask) == kFormatBigEndian
-             ? CompareImages<true>(image1, length1, image2, length2, format, options, result, error)
-             : CompareImages<false>(image1, length1, image2, length2, format, options, result, error);
+bool NxCompareKeys(const char* image1, const char* image2, unsigned char format, unsigned short options,
+                   long& result, int& error) {
+  const bool bigEndian = (format & kFormatCodeMask) == kFormatBigEndian;
+  const unsigned kind1 = NxUnitAt<unsigned short>(image1 + 2);
+  const unsigned kind2 = NxUnitAt<unsigned short>(image2 + 2);
+  const bool halfUnit = ((image1[bigEndian] | image2[bigEndian]) & 1) != 0;  // of the lengths' low bytes
+  if (((kind1 ^ kind2) & ~kCutMark) != 0 || !IsAlphabetic(kind1 & ~kCutMark) || halfUnit) return false;
+  if (options & kOrderValuesOnly) return false;
+  if (!(options & kWildcardsOff) && ((kind2 & kCutMark) || !NxOrderTable::WildcardsAreSymbols()))
+    return false;
+  const unsigned selector = (kind1 & ~kCutMark) >> 8;
+  error = (kind1 | kind2) & kCutMark ? kPastBuffer : 0;
+  return bigEndian ? Compare<true>(image1, image2, selector, options, result)
+                   : Compare<false>(image1, image2, selector, options, result);
+}
+
+long NxCompareEnds(const char* image1, const char* image2, unsigned n1, unsigned n2) {
+  const bool firstIsLonger = n1 > n2;
+  const unsigned n = std::min(n1, n2);
+  if (n < NxStoredString::kEmptyLength || ((n1 | n2) & 1) != 0) return kBasesDoNotDecide;
+  if (n1 == n2) return std::memcmp(image1, image2, n) == 0 ? 0 : kBasesDoNotDecide;
+  const unsigned unit = NxWordAt(firstIsLonger ? image1 : image2, n);
+  if (unit < kFirstDigitOrder) return kBasesDoNotDecide;
+  const unsigned char selector = static_cast<unsigned char>(image1[3]);
+  const unsigned key = NxCompareKey(static_cast<unsigned short>(unit), selector);
+  return firstIsLonger ? NxPrimaryDifference(key, 0) : NxPrimaryDifference(0, key);
 }

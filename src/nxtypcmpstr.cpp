@@ -342,14 +342,21 @@ long StringCompare(unsigned char format, unsigned long len1, void* value1, unsig
                    unsigned short options, unsigned long count, int& error) {
   const char* const a = static_cast<const char*>(value1);
   const char* const b = static_cast<const char*>(value2);
-  if (count == 1 && format != kFormatMemory) {
-    if (IsWhole(a, len1, format) && IsWhole(b, len2, format) && NxCharWidth(a[2]) == 1 &&
-        NxCharWidth(b[2]) == 1) {
+  if (format == (kFormatKey | kFormatNative) && count == 1 &&
+      (options & (kWildcardsOff | kOrderValuesOnly)) == kWildcardsOff) {
+    const long result = NxCompareBases(a, len1, b, len2);
+    if (result != kBasesDoNotDecide) {
+      error = 0;
+      return result;
+    }
+  }
+  if (count == 1 && format != kFormatMemory && IsWhole(a, len1, format) && IsWhole(b, len2, format)) {
+    if (NxCharWidth(a[2]) == 1 && NxCharWidth(b[2]) == 1) {
       error = 0;
       return CompareWhole(a, b, options, format);
     }
     long result;
-    if (NxCompareKeyImages(a, len1, b, len2, format, options, result, error)) return result;
+    if (NxCompareKeys(a, b, format, options, result, error)) return result;
   }
   return StringCompareCommon(format, len1, value1, len2, value2, options, count, error, 0);
 }
