@@ -6,6 +6,7 @@
 
 #include "nxchar.h"
 #include "nxstrbuild.h"
+#include "nxstrcmp.h"
 #include "nxtmdata.h"
 #include "nxwchar.h"
 #include "strwild.h"
@@ -62,6 +63,73 @@ int ParseLong(const NxString& s, int base, long& v) {
 // ---------------------------------------------------------------------------
 // Searching
 
+namespace {
+
+/// Tells by the first letter of a pattern where in a text a match cannot begin. Without
+/// it every blank is compared with what follows all blanks behind it.
+class MatchStart {
+ public:
+  MatchStart(const NxString& s, const NxString& pattern, unsigned short op)
+      : op_(op), wide_(NxCharWidth(s._nCodeSet) == 2) {
+    const NxOrderTable* table = NxOrderTable::Find(s._nCodeSet, s._nLanguage);
+    const NxOrderTable* letters = NxOrderTable::Find(pattern._nCodeSet, pattern._nLanguage);
+    const unsigned first = CharacterAt(pattern._pBuffer, NxCharWidth(pattern._nCodeSet) == 2);
+    if (!table || !letters || first > kLastInTable || (op & kOrderValuesOnly)) return;
+    key_ = letters->entries[first].key;
+    const bool isLetter = key_ != 0 && !(key_ & NxOrderTable::kMarks);
+    if (isLetter && NxOrderTable::WildcardsAreSymbols()) table_ = table;
+  }
+
+  /// False where a match cannot begin: at other letters, and at spaces and symbols that
+  /// count, since they are a difference whatever follows.
+  bool IsPossible(const char* text) const {
+    const NxOrderTable::Entry* entry = EntryAt(text);
+    if (!entry) return true;
+    if (entry->key & NxOrderTable::kNotPlain) return !IsIgnorable(*entry) || IsSkipped(*entry);
+    return NxPrimaryDifference(entry->key, key_) == 0;
+  }
+
+  /// Skipped characters that the text begins with: from each of them a comparison of
+  /// whole texts says the same.
+  long CountSkipped(const char* text) const {
+    const unsigned width = wide_ ? 2 : 1;
+    long count = 0;
+    for (const NxOrderTable::Entry* entry;
+         (entry = EntryAt(text + count * width)) && IsIgnorable(*entry) && IsSkipped(*entry);)
+      ++count;
+    return count;
+  }
+
+ private:
+  static constexpr unsigned kLastInTable = 255;
+
+  static unsigned CharacterAt(const char* text, bool wide) {
+    return wide ? NxUnitAt<unsigned short>(text) : NxUnitAt<unsigned char>(text);
+  }
+
+  /// Null for what the iterator has to look at.
+  const NxOrderTable::Entry* EntryAt(const char* text) const {
+    const unsigned value = table_ ? CharacterAt(text, wide_) : 0;
+    if (!table_ || value > kLastInTable) return nullptr;
+    const NxOrderTable::Entry& entry = table_->entries[value];
+    return entry.key & NxOrderTable::kNeedsIterator ? nullptr : &entry;
+  }
+
+  static bool IsIgnorable(const NxOrderTable::Entry& entry) {
+    return entry.order != 0 && entry.order < kFirstDigitOrder && entry.selector < kPlainOrderSelector;
+  }
+  bool IsSkipped(const NxOrderTable::Entry& entry) const {
+    return (op_ & (entry.order < kFirstSymbolOrder ? kSkipSpaces : kSkipSymbols)) != 0;
+  }
+
+  const unsigned short op_;
+  const bool wide_;
+  unsigned key_ = 0;                     // of the pattern's first letter
+  const NxOrderTable* table_ = nullptr;  // of the text; null when all places are possible
+};
+
+}  // namespace
+
 long NxFindText(const NxString& s, const NxString& pattern, unsigned long start, unsigned short op) {
   if (!pattern._pBuffer || !s._pBuffer || start > s.Len()) return kNotFound;
   // The byte sizes of both texts decide where the search stops, whatever the widths.
@@ -79,13 +147,16 @@ long NxFindText(const NxString& s, const NxString& pattern, unsigned long start,
   const NxString& used = wildcards ? open : pattern;
   if (op == kDefaultOptions) op = NxLanguageContext::GetDefaultCmpOp();
 
+  const MatchStart starts(s, pattern, op);
   for (long pos = static_cast<long>(start); pos * width <= last; ++pos) {
     char* text = s._pBuffer + pos * width;
+    if (!starts.IsPossible(text)) continue;
     const int result =
         wildcards || length <= kLongestCompared
             ? CompareTexts(s, text, used, op, wildcards ? kWholeText : static_cast<short>(length))
             : CompareLong(s, text, used, op, length);
     if (result == 0) return pos;
+    if (wildcards) pos += starts.CountSkipped(text);
   }
   return kNotFound;
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
 
 #include "nxchar.h"
 #include "nxlang.h"
@@ -10,6 +11,7 @@
 #include "nxtmdata.h"
 #include "nxtypcmp.h"
 #include "stringtest.h"
+#include "strwild.h"
 
 namespace {
 
@@ -221,6 +223,37 @@ TEST(Find, UnderItsOptions) {
   EXPECT_EQ(NxString("xxab").Find(Wide(u"ab")), -1);
   EXPECT_EQ(NxString("xabcd").Find(Wide(u"ab")), 1);
   EXPECT_EQ(NxString("xab").SubStringPos("ab"), 1);
+}
+
+TEST(Find, ComparesAtEveryPosition) {
+  std::mt19937 random(3);
+  const char characters[] =
+      "aAb\xE1\xDF"
+      "c -*?";
+  const auto make = [&](unsigned most) {
+    std::string text;
+    for (unsigned n = random() % (most + 1); n > 0; --n) text += characters[random() % 10];
+    NxString s = random() % 3 ? NxString(text.c_str()) : WideOf(text.c_str());
+    s._nLanguage = random() % 5;
+    return s;
+  };
+  for (int round = 0; round < 30000; ++round) {
+    const NxString s = make(9), pattern = make(3);
+    constexpr unsigned short kOptions[] = {0, 0x10, 0x20, 0x60, 0x80, 0x280, 0x290, 0x100, 0x110, 0xFFFF};
+    const unsigned short op = kOptions[random() % 10];
+    const bool open = !(op & kWildcardsOff);
+    const NxString used = open ? pattern + NxString('*') : pattern;
+    const int bytes = pattern.Len() * pattern.NullLen();
+    int found = -1;
+    for (int at = s.Len(); pattern._nSize && s._nSize && at >= 0; --at) {
+      const char* text = s._pBuffer + at * s.NullLen();
+      if ((s.Len() - at) * s.NullLen() >= bytes &&
+          NxStrCmp(s._nCodeSet, s._nLanguage, text, used._nCodeSet, used._nLanguage, used.StrGet(),
+                   op == 0xFFFF ? 0 : op, open ? -1 : static_cast<short>(pattern.Len()), 1, nullptr) == 0)
+        found = at;
+    }
+    ASSERT_EQ(s.Find(pattern, 0, op), found) << Text(s) << " / " << Text(pattern) << " under " << op;
+  }
 }
 
 TEST(ReplaceAll, AdvancesPastWhatItPutIn) {
