@@ -50,7 +50,7 @@ constexpr unsigned kStrings = 3;
 
 /// Searching compares at every position, blanks count for all positions before them,
 /// and a replacement moves the rest of the text: the time grows with the square of it.
-constexpr unsigned kMostSearched = 500;
+constexpr unsigned kMostSearched = 1000;  // bytes
 
 /// Strings on which operations run, one after another.
 class Editor {
@@ -146,7 +146,7 @@ void Editor::Apply(unsigned char operation, NxString& s, NxString& other) {
       s.CopyMapped(other, in_.Byte(), static_cast<short>(in_.Word()));
       return;
     case 23:
-      if (s.Len() <= kMostSearched) s.ReplaceAll(other, strings_[in_.Byte() % kStrings], in_.Size());
+      if (s._nSize <= kMostSearched) s.ReplaceAll(other, strings_[in_.Byte() % kStrings], in_.Size());
       return;
     case 24:
       s.SetNullValue();
@@ -179,7 +179,7 @@ void Editor::Take(const NxString& from, NxString& s) {
 }
 
 void Editor::Search(NxString& s, NxString& other) {
-  if (s.Len() > kMostSearched) return;
+  if (s._nSize > kMostSearched) return;
   const unsigned short start = in_.Size();
   const auto found = static_cast<unsigned short>(s.Find(other, start, in_.Word()));
   Require(found == 65535 || (found >= start && found <= s.Len()));
