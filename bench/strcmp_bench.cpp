@@ -286,11 +286,11 @@ void RegisterPairs(const std::string& group, const Pairs& (*pairs)(), bool fourL
   add("NxStrCmp", [](const auto& p) {
     return NxStrCmp(kLatin1, kGerman, p.first.latin1, kLatin1, kGerman, p.second.latin1, 0, -1, 1, nullptr);
   });
-  add("Cmp", [](const auto& p) {
-    static NxTypeMgr manager(5);
+  static NxTypeMgr manager(5);
+  add("Cmp", [all = &manager](const auto& p) {
     int error;
-    return manager.Cmp(kStringTypeId, p.first.imageSize, p.first.image, p.second.imageSize, p.second.image, 0,
-                       1, 1, error);
+    return all->Cmp(kStringTypeId, p.first.imageSize, p.first.image, p.second.imageSize, p.second.image, 0, 1,
+                    1, error);
   });
 }
 

@@ -481,6 +481,15 @@ bool NxComparePlain(const NxComparedText& a, const NxComparedText& b, unsigned s
   return true;
 }
 
+[[gnu::noinline, gnu::regparm(3)]] unsigned NxEqualBytes(const NxOrderTable& table, const char* a,
+                                                         const char* b) {
+  unsigned i = 0;
+  for (;; i += 2) {
+    if (a[i] != b[i] || !table.EntryOf(a[i]).equalPass) return i;
+    if (a[i + 1] != b[i + 1] || !table.EntryOf(a[i + 1]).equalPass) return i + 1;
+  }
+}
+
 bool NxComparePlainBytes(const NxOrderTable& table, const char* a, const char* b, unsigned equal,
                          unsigned short op, int& result) {
   NxLesserLevels levels;

@@ -313,19 +313,20 @@ bool IsWhole(const char* image, unsigned long length, unsigned char format) {
   return NxUnitAt<unsigned short>(image + n) == 0xFF00;
 }
 
+/// The table by which two of them can be compared as NxCompareAlike does, or null.
+const NxOrderTable* TableOfBoth(const char* a, const char* b, unsigned short options) {
+  constexpr unsigned kNoTable = 0xFF & ~(NxOrderTable::kCodeSets - 1);
+  const unsigned kind = NxUnitAt<unsigned short>(a + 2);
+  const unsigned unlike =
+      (kind ^ NxUnitAt<unsigned short>(b + 2)) | (kind & kNoTable) | (options & kOrderValuesOnly);
+  if (unlike != 0 || !NxOrderTable::WildcardsAreSymbols()) return nullptr;
+  return NxOrderTable::FindBuilt(static_cast<unsigned char>(kind), static_cast<unsigned char>(kind >> 8));
+}
+
 /// NxStrCmp of the texts of two of them, of 8-bit code sets.
 long CompareWhole(const char* a, const char* b, unsigned short options, unsigned char format) {
-  const unsigned char code = format & kFormatCodeMask;
-  const unsigned char codeSet = a[2];
-  const unsigned char language = a[3];
-  const char* const textA = a + NxStoredString::kHeadSize;
-  const char* const textB = b + NxStoredString::kHeadSize;
-  const bool alike = NxUnitAt<unsigned short>(a + 2) == NxUnitAt<unsigned short>(b + 2) &&
-                     codeSet < NxOrderTable::kCodeSets && !(options & kOrderValuesOnly);
-  if (alike && NxOrderTable::WildcardsAreSymbols())
-    if (const NxOrderTable* table = NxOrderTable::FindBuilt(codeSet, language))
-      return NxCompareAlike(*table, codeSet, language, textA, textB, options, code, nullptr);
-  return NxStrCmpAny(codeSet, language, textA, b[2], b[3], textB, options, -1, code, nullptr);
+  return NxStrCmpAny(a[2], a[3], a + NxStoredString::kHeadSize, b[2], b[3], b + NxStoredString::kHeadSize,
+                     options, -1, format & kFormatCodeMask, nullptr);
 }
 
 }  // namespace
@@ -351,6 +352,11 @@ long StringCompare(unsigned char format, unsigned long len1, void* value1, unsig
     }
   }
   if (count == 1 && format != kFormatMemory && IsWhole(a, len1, format) && IsWhole(b, len2, format)) {
+    if (const NxOrderTable* table = TableOfBoth(a, b, options)) {
+      error = 0;
+      return NxCompareAlike(*table, a[2], a[3], a + NxStoredString::kHeadSize, b + NxStoredString::kHeadSize,
+                            options, format & kFormatCodeMask, nullptr);
+    }
     if (NxCharWidth(a[2]) == 1 && NxCharWidth(b[2]) == 1) {
       error = 0;
       return CompareWhole(a, b, options, format);

@@ -27,6 +27,18 @@ int TableIndex(char id) {
   return number < kIllegalTypeId ? number : std::min(number - 60, kIllegalTypeIndex);
 }
 
+NxTypeTab* FindIn(NxTypeTab** table, char id) {
+  const int index = TableIndex(id);
+  const int count = static_cast<int>(table == NxOldtypetab ? kOldTypeCount : kTypeCount);
+  return index >= 0 && index < count ? table[index] : nullptr;
+}
+
+/// Out of line, so that most calls need no look at the tables' addresses.
+[[gnu::noinline]] NxTypeTab& RareRecord(NxTypeTab** table, char id) {
+  NxTypeTab* record = FindIn(table, id);
+  return record ? *record : NxIllegalTab;
+}
+
 }  // namespace
 
 NxTypeMgr::NxTypeMgr(unsigned long factory) { SetFactory(factory); }
@@ -40,16 +52,11 @@ void NxTypeMgr::SetFactory(unsigned long number) {
   table = number <= kLastEarlyFactory ? NxOldtypetab : NxNewtypetab;
 }
 
-NxTypeTab* NxTypeMgr::Find(char id) const {
-  const int index = TableIndex(id);
-  const int count = static_cast<int>(table == NxOldtypetab ? kOldTypeCount : kTypeCount);
-  return index >= 0 && index < count ? table[index] : nullptr;
-}
+NxTypeTab* NxTypeMgr::Find(char id) const { return FindIn(table, id); }
 
 NxTypeTab& NxTypeMgr::Record(char id) const {
   if (static_cast<unsigned char>(id) < kOldTypeCount) return *table[static_cast<int>(id)];  // in both tables
-  NxTypeTab* record = Find(id);
-  return record ? *record : NxIllegalTab;
+  return RareRecord(table, id);
 }
 
 // ---------------------------------------------------------------------------
