@@ -182,7 +182,7 @@ void Editor::Search(NxString& s, NxString& other) {
   if (s._nSize > kMostSearched) return;
   const unsigned short start = in_.Size();
   const auto found = static_cast<unsigned short>(s.Find(other, start, in_.Word()));
-  Require(found == 65535 || (found >= start && found <= s.Len()));
+  Require(found == 65535 || (found >= start && found * s.NullLen() < s._nSize));
   unsigned short at = start;
   NxString item;
   if (NxSplitList(s, item, other, at) == 0) Require(at != start);
