@@ -266,7 +266,7 @@ TEST_F(Workbench, AnIndexFindsWhatAScanFinds) {
   auto store = Store::Open(Path("store"), Store::Mode::kRead);
   std::vector<std::vector<nxtm::Field>> records;
   store->ForEach([&](unsigned int, std::string_view record) {
-    records.push_back(nxtm::Record::Split(store->GetSchema(), record));
+    nxtm::Record::Split(store->GetSchema(), record, records.emplace_back());
   });
   const char* kOptions[] = {"",
                             "ignoring case",
@@ -275,20 +275,21 @@ TEST_F(Workbench, AnIndexFindsWhatAScanFinds) {
                             "ignoring symbols",
                             "ignoring spaces, case",
                             "literally"};
-  const char* kRelations[] = {"=", "=", "=", "=", "<", "<=", ">", ">="};
+  const char* kRanges[] = {"<", "<=", ">", ">="};
   for (int round = 0; round < 500; ++round) {
     // A word with characters cut off, replaced by wildcards, or in the wrong case.
     NxString pattern = nxtm::StringOfUtf8(words[random() % words.size()], {});
     for (int edits = random() % 3; edits > 0 && pattern.Len() > 0; --edits) {
       auto at = static_cast<unsigned short>(random() % pattern.Len());
+      if (at == 0 && random() % 4) continue;
       if (random() % 2)
         pattern.Cut(at, -1) += NxString("*");
       else
         pattern.Replace(NxString(random() % 2 ? "?" : "*"), at);
     }
     std::string text = nxtm::Utf8OfString(random() % 4 ? pattern : NxString(pattern).ToUpper());
-    std::string query =
-        std::string("word ") + kRelations[random() % 8] + " \"" + text + "\" " + kOptions[random() % 7];
+    std::string query = std::string("word ") + (random() % 4 ? "=" : kRanges[random() % 4]) + " \"" + text +
+                        "\" " + kOptions[random() % 7];
     Condition condition = Condition::Parse(query, store->GetSchema());
     std::vector<unsigned int> scanned, found;
     // A full scan by the condition itself, over records that are taken apart already.

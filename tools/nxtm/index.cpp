@@ -151,7 +151,16 @@ void RequireCurrent(const Store& store, const IndexInfo& index) {
                 "; rebuild it with: nxtm reindex " + store.Path());
 }
 
+void WalkIndex(Store& store, const IndexInfo& index) {
+  Cursor cursor(store, store.IndexTable(index, false));
+  MDB_val key, data;
+  for (unsigned long entries = 0; cursor.Get(key, data, MDB_NEXT); ++entries)
+    if (entries == store.Count() || data.mv_size != sizeof(unsigned int) || NumberOf(data) >= store.Count())
+      throw Failure(Describe(store, index) + " is damaged; export the records and import them anew");
+}
+
 void BuildIndex(Store& store, const IndexInfo& index) {
+  if (const IndexInfo* old = store.FindIndex(index.attribute, index.hash)) WalkIndex(store, *old);
   MDB_dbi table = store.IndexTable(index, true);
   Entries entries(store, index, table);
   Cursor cursor(store, table);

@@ -34,6 +34,9 @@ Field FieldOf(const Schema& schema, std::string_view record, unsigned long attri
 /// command that rebuilds it.
 void RequireCurrent(const Store& store, const IndexInfo& index);
 
+/// Walks the entries of an index as they lie. Throws a Failure for damage that must not
+/// be built on: writing to it could reach other pages than its own.
+void WalkIndex(Store& store, const IndexInfo& index);
 /// Fills an index anew from the records.
 void BuildIndex(Store& store, const IndexInfo& index);
 /// Adds a record that was appended to every index of the store.

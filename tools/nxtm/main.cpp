@@ -153,6 +153,10 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "nxtm: %s\n", error.what());
     status = 2;
   }
+  if ((std::fflush(stdout) != 0 || std::ferror(stdout)) && status == 0) {
+    std::fprintf(stderr, "nxtm: the output cannot be written\n");
+    status = 2;
+  }
   ___NxTypemgrContext(0);
   return status;
 }

@@ -26,8 +26,20 @@ class Parser {
 
  private:
   [[noreturn]] void Expected(const std::string& what) const {
-    throw Failure("the condition, at character " + std::to_string(at_ + 1) + ": expected " + what +
-                  ", found " + (at_ < text_.size() ? "'" + text_.substr(at_, 12) + "'" : "the end"));
+    // What stands there, up to a dozen characters, none of them cut.
+    unsigned long end = std::min<unsigned long>(at_ + 12, text_.size());
+    while (end < text_.size() && IsContinuation(text_[end])) ++end;
+    Fail(at_, "expected " + what + ", found " +
+                  (at_ < text_.size() ? "'" + text_.substr(at_, end - at_) + "'" : "the end"));
+  }
+
+  static bool IsContinuation(char c) { return (c & 0xC0) == 0x80; }
+
+  /// Counts characters of UTF-8, not bytes.
+  [[noreturn]] void Fail(unsigned long at, const std::string& reason) const {
+    long before = std::count_if(text_.begin(), text_.begin() + static_cast<long>(at),
+                                [](char c) { return !IsContinuation(c); });
+    throw Failure("the condition, at character " + std::to_string(before + 1) + ": " + reason);
   }
 
   void SkipBlanks() {
@@ -77,8 +89,11 @@ class Parser {
 
   Condition Factor() {
     if (AcceptSign('(')) {
+      constexpr int kDeepest = 100;
+      if (++depth_ > kDeepest) Expected("at most 100 parentheses inside of each other");
       Condition inner = Either();
       if (!AcceptSign(')')) Expected("')'");
+      --depth_;
       return inner;
     }
     Condition condition;
@@ -94,7 +109,7 @@ class Parser {
     try {
       term.attribute = schema_.Find(name);
     } catch (const Failure& failure) {
-      throw Failure("the condition, at character " + std::to_string(at_ + 1) + ": " + failure.what());
+      Fail(at_, failure.what());
     }
     at_ += name.size();
     if (Accept("is")) {
@@ -114,7 +129,7 @@ class Parser {
     unsigned long valueAt = at_;
     std::string value = ReadValue();
     if (Accept("literally")) term.options |= kWildcardsOff;
-    if (Accept("ignoring")) {
+    if (IsText(column.type) && Accept("ignoring")) {
       do term.options |= ReadIgnored();
       while (AcceptSign(','));
     }
@@ -122,7 +137,7 @@ class Parser {
       Pattern pattern = term.options & kWildcardsOff ? Pattern::kNone : Pattern::kFields;
       term.key = ImageOfText(column.type, value, column.style, kFormatNative, pattern);
     } catch (const Failure& failure) {
-      throw Failure("the condition, at character " + std::to_string(valueAt + 1) + ": " + failure.what());
+      Fail(valueAt, failure.what());
     }
   }
 
@@ -192,6 +207,7 @@ class Parser {
   const std::string& text_;
   const Schema& schema_;
   unsigned long at_ = 0;
+  int depth_ = 0;
 };
 
 bool TermMatches(const Term& term, char type, const Field& field) {

@@ -107,29 +107,29 @@ unsigned long Schema::Find(const std::string& name) const {
   throw Failure("there is no attribute '" + name + "' (" + names + ")");
 }
 
-std::vector<Field> Record::Split(const Schema& schema, std::string_view bytes) {
-  std::vector<Field> fields;
-  fields.reserve(schema.Columns().size());
+void Record::Split(const Schema& schema, std::string_view bytes, std::vector<Field>& fields) {
+  fields.resize(schema.Columns().size());
+  auto field = fields.begin();
   for (const Column& column : schema.Columns()) {
-    Field field;
     bool nullByte = column.HasNullByte();
+    field->isNull = false;
+    field->image.clear();
     if (nullByte) {
       if (bytes.empty() || static_cast<unsigned char>(bytes[0]) > 1)
         throw Failure("attribute '" + column.name + "' is damaged");
-      field.isNull = bytes[0] == 1;
+      field->isNull = bytes[0] == 1;
       bytes.remove_prefix(1);
     }
-    if (!field.isNull) {
+    if (!field->isNull) {
       unsigned long size = ImageSize(column.type, bytes);
       if (size == 0) throw Failure("attribute '" + column.name + "' is damaged");
-      field.image = Image(bytes.substr(0, size));
+      field->image.assign(bytes.data(), size);
       bytes.remove_prefix(size);
-      if (column.nullable && !nullByte) field.isNull = field.image == NullImage(column.type);
+      if (column.nullable && !nullByte) field->isNull = field->image == NullImage(column.type);
     }
-    fields.push_back(std::move(field));
+    ++field;
   }
   if (!bytes.empty()) throw Failure("there are bytes behind the last attribute");
-  return fields;
 }
 
 void Record::Append(std::string& bytes, const Column& column, const Field& field) {

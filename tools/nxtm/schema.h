@@ -53,9 +53,9 @@ struct Field {
 /// A record is the images of its attributes one after another.
 class Record {
  public:
-  /// Takes a record apart; throws a Failure that names the attribute whose image is
-  /// damaged.
-  static std::vector<Field> Split(const Schema& schema, std::string_view bytes);
+  /// Takes a record apart; `fields` may be those of another one, whose memory serves
+  /// again. Throws a Failure that names the attribute whose image is damaged.
+  static void Split(const Schema& schema, std::string_view bytes, std::vector<Field>& fields);
   /// Appends an attribute to a record under construction.
   static void Append(std::string& bytes, const Column& column, const Field& field);
 };

@@ -92,7 +92,12 @@ std::unique_ptr<Store> OpenForImport(const std::string& schemaFile, const std::s
   auto store = Store::Open(storeFile, Store::Mode::kWrite);
   if (store->GetSchema().Text() != schema.Text())
     throw Failure(storeFile + ": has another schema than " + schemaFile + ":\n" + store->GetSchema().Text());
-  for (const IndexInfo& index : store->Indexes()) RequireCurrent(*store, index);
+  // A damaged store would only be damaged further.
+  store->ForEach([](unsigned int, std::string_view) {});
+  for (const IndexInfo& index : store->Indexes()) {
+    RequireCurrent(*store, index);
+    WalkIndex(*store, index);
+  }
   return store;
 }
 
@@ -195,9 +200,11 @@ void Import(const std::string& schemaFile, const std::string& dataFile, const st
 void Export(const std::string& storeFile, bool header) {
   auto store = Store::Open(storeFile, Store::Mode::kRead);
   if (header) PrintHeader(store->GetSchema());
+  std::vector<Field> fields;
   store->ForEach([&](unsigned int number, std::string_view record) {
     try {
-      std::string line = CsvOf(store->GetSchema(), Record::Split(store->GetSchema(), record));
+      Record::Split(store->GetSchema(), record, fields);
+      std::string line = CsvOf(store->GetSchema(), fields);
       std::fwrite(line.data(), 1, line.size(), stdout);
     } catch (const Failure& failure) {
       throw Failure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
@@ -208,9 +215,10 @@ void Export(const std::string& storeFile, bool header) {
 void Check(const std::string& storeFile) {
   auto store = Store::Open(storeFile, Store::Mode::kRead);
   Progress progress("checking", store->Count());
+  std::vector<Field> fields;
   store->ForEach([&](unsigned int number, std::string_view record) {
     try {
-      std::vector<Field> fields = Record::Split(store->GetSchema(), record);
+      Record::Split(store->GetSchema(), record, fields);
       for (unsigned long i = 0; i < fields.size(); ++i)
         if (!fields[i].isNull) TextOfImage(store->GetSchema().Columns()[i].type, fields[i].image);
     } catch (const Failure& failure) {
