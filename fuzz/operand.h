@@ -97,6 +97,7 @@ inline unsigned short LengthAt(const void* place, unsigned char format) {
 /// called without a length.
 inline bool IsWhole(Subject& subject, const Block& block, unsigned char format, unsigned long count) {
   if (!subject.IsString()) {
+    if (!subject.mgr.IsFixed(subject.id)) return false;  // no size is known without the values
     const int stored =
         subject.mgr.DiskLenGet(subject.id, nullptr, format & kFormatCodeMask, 1, kFormatMemory);
     const auto size = std::max<unsigned long>(stored, subject.mgr.MemLenGet(subject.id, 1));
