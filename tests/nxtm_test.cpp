@@ -300,3 +300,108 @@ TEST_F(Workbench, AnIndexFindsWhatAScanFinds) {
     ASSERT_EQ(scanned, found) << query;
   }
 }
+
+/// Values that indexes and planners stumble over, and terms made of their likes.
+class Oddities {
+ public:
+  explicit Oddities(unsigned seed) : random_(seed) {}
+
+  unsigned Below(unsigned n) { return static_cast<unsigned>(random_()) % n; }
+  std::string OneOf(const std::vector<std::string>& list) {
+    return list[Below(static_cast<unsigned>(list.size()))];
+  }
+
+  /// Symbols and spaces in a row, letters that differ in one level, characters of another
+  /// collation, and texts whose keys are cut.
+  std::string Text() {
+    static const std::vector<std::string> kParts = {"a",  "A", "ä", "á",  "b", "ß",  "ss", "-", " ",
+                                                    "--", "1", "æ", "ae", "Я", "東", "z",  "!", "o"};
+    std::string text;
+    for (unsigned n = Below(5); n > 0; --n) text += OneOf(kParts);
+    if (Below(12) == 0) text = std::string(110 + Below(25), Below(2) ? 'x' : ' ') + text;
+    if (Below(30) == 0) text = "á" + std::string(123, 'x') + text;
+    return text;
+  }
+  std::string Number() { return std::to_string(static_cast<int>(Below(21)) - 10); }
+  std::string Real() { return OneOf({"0", "-0", "0.5", "-1e300", "1e300", "2", "-2.25"}); }
+  std::string Date() {
+    return "200" + std::to_string(Below(4)) + "-0" + std::to_string(1 + Below(3)) + "-1" +
+           std::to_string(Below(3));
+  }
+  std::string Pattern(std::string text) {
+    if (Below(2) && !text.empty()) {
+      NxString s = nxtm::StringOfUtf8(text, {});
+      auto at = static_cast<unsigned short>(Below(s.Len()));
+      s.Cut(at, static_cast<short>(1 + Below(3))).Insert(NxString(Below(2) ? "*" : "?"), at);
+      text = nxtm::Utf8OfString(s);
+    }
+    return text;
+  }
+  std::string DatePattern() {
+    std::string date = Date();
+    if (Below(3) == 0) date.replace(0, 4, "*");
+    if (Below(3) == 0) date.replace(date.size() - 2, 2, "*");
+    return date;
+  }
+
+  std::string Term() {
+    const std::string relation = OneOf({" = ", " = ", " != ", " < ", " <= ", " > ", " >= "});
+    switch (Below(6)) {
+      case 0:
+        return "number" + relation + Number();
+      case 1:
+        return "real" + relation + Real();
+      case 2:
+        return "day" + relation + DatePattern();
+      case 3:
+        return "plain" + relation + '"' + Pattern("ab" + Number()) + '"';
+      case 4:
+        return OneOf({"name", "number", "day"}) + " is " + OneOf({"", "not "}) + "null";
+      default:
+        return "name" + relation + '"' + Pattern(Text()) + '"' +
+               OneOf({"", "", " literally", " ignoring case", " ignoring accents",
+                      " ignoring case, accents, symbols, spaces", " ignoring spaces",
+                      " ignoring symbols, accents"});
+    }
+  }
+
+ private:
+  std::mt19937 random_;
+};
+
+TEST_F(Workbench, AnIndexFindsWhatAScanFindsAmongOddities) {
+  Oddities odd(31);
+  std::string rows;
+  for (int i = 0; i < 1500; ++i)
+    rows += (odd.Below(20) ? '"' + odd.Text() + '"' : "") + "," + (odd.Below(20) ? odd.Number() : "") + "," +
+            odd.Real() + "," + (odd.Below(20) ? odd.Date() : "") + ",ab" + odd.Number() + "\n";
+  Write("s",
+        "name NxString nullable language=german\nnumber long nullable\nreal double\nday NxDate "
+        "nullable\nplain NxIString\n");
+  Write("d", rows);
+  ASSERT_EQ(0, Run("import s d store").status);
+  for (const char* index : {"name", "number", "real", "day", "plain", "--hash number", "--hash plain"})
+    ASSERT_EQ(0, Run(std::string("index store ") + index).status) << index;
+  ASSERT_EQ(0, Run("import s d store").status) << "indexes grow with the store";
+  Outcome check = Run("check store");
+  EXPECT_EQ(0, check.status) << check.output;
+
+  const auto find = [](Store& store, const Condition& condition, bool scan) {
+    std::vector<unsigned int> found;
+    nxtm::RunQuery(store, condition, scan,
+                   [&](unsigned int number, const std::vector<nxtm::Field>&) { found.push_back(number); });
+    return found;
+  };
+  const auto compare = [&](int rounds) {
+    auto store = Store::Open(Path("store"), Store::Mode::kRead);
+    for (int round = 0; round < rounds; ++round) {
+      std::string query = odd.Term();
+      if (odd.Below(2)) query += odd.OneOf({" and ", " or "}) + odd.Term();
+      Condition condition = Condition::Parse(query, store->GetSchema());
+      ASSERT_EQ(find(*store, condition, true), find(*store, condition, false)) << query;
+    }
+  };
+  compare(2000);
+  ASSERT_EQ(0, Run("index store name --hash").status);
+  compare(500);
+}

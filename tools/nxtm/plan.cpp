@@ -36,25 +36,42 @@ bool IsWildcard(unsigned short order) {
   return order == NxString::GetAsterisk() || order == NxString::GetQuestion();
 }
 
-/// A text without the characters that the comparison skips: the index does not skip
-/// them, and words without them may sort before those with them.
-Image WithoutSkipped(const Term& term) {
-  if (!(term.options & (kSkipSpaces | kSkipSymbols))) return term.key;
+bool IsActiveWildcard(const Term& term, unsigned short order) {
+  return !(term.options & kWildcardsOff) && IsWildcard(order);
+}
+
+/// A term of a text whose bounds hold every text that the given one may select.
+///
+/// Symbols and spaces decide last in the index, and by rules of their own: without them
+/// a bound sorts before all texts that have the same letters. Behind these texts it is
+/// a star that takes the bound. Where there are none, and none are skipped, the term
+/// serves as it is.
+Term Widened(const Term& term) {
   NxString s = LoadString(term.key);
+  bool hasWildcard = false;
+  bool widened = (term.options & (kSkipSpaces | kSkipSymbols)) != 0;
   for (unsigned short i = 0; i < s.Len();) {
-    unsigned short order = s[i].GetOrder();
-    bool space = order < kFirstSymbolOrder, symbol = !space && order < kFirstDigitOrder;
-    bool wildcard = !(term.options & kWildcardsOff) && IsWildcard(order);
-    bool skipped =
-        !wildcard && ((space && (term.options & kSkipSpaces)) || (symbol && (term.options & kSkipSymbols)));
-    if (skipped)
-      s.Cut(i, 1);
-    else
+    NxStringIterator it(s[i]);
+    unsigned short order = it.GetNextOrder(1);
+    bool wildcard = IsActiveWildcard(term, order);
+    bool plain = it._nCollation >= kPlainOrderSelector;
+    hasWildcard = hasWildcard || wildcard;
+    if (wildcard || plain || order >= kFirstDigitOrder) {
       ++i;
+    } else {
+      s.Cut(i, 1);
+      widened = true;
+    }
   }
-  Image image(s._nSize + 8U, '\0');
-  image.resize(static_cast<unsigned>(StringStore(image.data(), &s, kFormatNative, 1)));
-  return image;
+  Term result = term;
+  if (!widened) return result;
+  if (!hasWildcard) {
+    s += NxString("*");
+    result.options &= static_cast<unsigned short>(~kWildcardsOff);
+  }
+  result.key.resize(s._nSize + 8U);
+  result.key.resize(static_cast<unsigned>(StringStore(result.key.data(), &s, kFormatNative, 1)));
+  return result;
 }
 
 /// Whether equal texts hash alike for this key. Symbols and spaces may stand in for
@@ -160,6 +177,11 @@ unsigned int ToNumber(const Store& store, const MDB_val& data) {
   return number;
 }
 
+/// The smallest key in plain order; it sorts behind all keys in alphabetic order.
+Image FirstPlainKey() { return Image("\x06\x00\xFE\x14\x01\x00\x00\xFF", 8); }
+
+bool IsPlain(const Image& key) { return (static_cast<unsigned char>(key[3]) & 0x7F) >= kPlainOrderSelector; }
+
 /// Collects the record numbers behind the keys of an access.
 void Scan(Store& store, Access& access, std::vector<unsigned int>& numbers) {
   MDB_dbi table = store.IndexTable(access.index, false);
@@ -185,6 +207,14 @@ void Scan(Store& store, Access& access, std::vector<unsigned int>& numbers) {
     numbers.push_back(ToNumber(store, data));
   }
   if (access.index.hash || !IsText(type)) return;
+  if (access.plainToo) {
+    const Image first = FirstPlainKey();
+    key = Val(first);
+    for (found = cursor.Get(key, data, MDB_SET_RANGE); found; found = cursor.Get(key, data, MDB_NEXT)) {
+      ++access.entriesRead;
+      numbers.push_back(ToNumber(store, data));
+    }
+  }
   Cursor apart(store, store.ApartTable(access.index, false));
   for (; apart.Get(key, data, MDB_NEXT); ++access.entriesRead) numbers.push_back(ToNumber(store, key));
 }
@@ -201,16 +231,19 @@ Access BoundTerm(Store& store, const Term& term, const IndexInfo& index) {
     access.fraction = 0;
     return access;
   }
-  Image key = type == kStringTypeId ? WithoutSkipped(term) : term.key;
+  Term bounded = type == kStringTypeId ? Widened(term) : term;
   NxIdxBounds range{low.data(), high.data(), static_cast<unsigned char>(low.size()),
                     static_cast<unsigned char>(high.size())};
   NxIdxBounds bounds{};
-  auto relation = static_cast<unsigned short>(term.relation | term.options);
+  auto relation = static_cast<unsigned short>(bounded.relation | bounded.options);
   float fraction =
-      Manager().EvalAndBound(type, &range, relation, key.data(), kFormatNative, 1, &bounds, nullptr);
+      Manager().EvalAndBound(type, &range, relation, bounded.key.data(), kFormatNative, 1, &bounds, nullptr);
   access.fraction = std::isnan(fraction) ? 1.0 : std::clamp(static_cast<double>(fraction), 0.0, 1.0);
   access.lower = TakeBound(bounds.lower, bounds.lowerLen);
   access.upper = TakeBound(bounds.upper, bounds.upperLen);
+  // The bounds of a pattern are those of its alphabetic part.
+  access.plainToo = type == kStringTypeId && IsPlain(high) && !access.upper.empty() &&
+                    ((relation & kWildcardFound) || !IsWhole(type, OrderedKey(type, bounded.key)));
   return access;
 }
 

@@ -48,6 +48,7 @@ struct Access {
   IndexInfo index;
   double fraction = 1.0;  // estimated part of the index, 0 to 1
   Image lower, upper;     // scan bounds; empty when open
+  bool plainToo = false;  // texts in plain order are read, too: they sort behind all bounds
   unsigned long entriesRead = 0;
 };
 

@@ -58,11 +58,18 @@ constexpr unsigned long long kEmptySum = 14695981039346656037ULL;
 // Order of index keys
 
 template <int kType>
-int CompareKeys(const MDB_val* a, const MDB_val* b) {
+long Compare(const MDB_val* a, const MDB_val* b, int& error) {
   constexpr unsigned char kFormat = kType == kStringTypeId ? kFormatKey | kFormatNative : kFormatNative;
+  return Manager().Cmp(kType, a->mv_size, a->mv_data, b->mv_size, b->mv_data, kWildcardsOff, 1, kFormat,
+                       error);
+}
+
+template <int kType>
+int CompareKeys(const MDB_val* a, const MDB_val* b) {
   int error;
-  long order =
-      Manager().Cmp(kType, a->mv_size, a->mv_data, b->mv_size, b->mv_data, kWildcardsOff, 1, kFormat, error);
+  long order = Compare<kType>(a, b, error);
+  // Keys of alphabetic strings compare as far as the first one reaches.
+  if (order == 0 && error == kPastBuffer) order = -Compare<kType>(b, a, error);
   return order < 0 ? -1 : order > 0;
 }
 

@@ -161,6 +161,7 @@ void Explain(const Store& store, const QueryReport& report, double seconds) {
     if (!access.index.hash) {
       PrintBound("from", access.lower, column.type);
       PrintBound("to  ", access.upper, column.type);
+      if (access.plainToo) std::printf("--   and all texts in plain order\n");
     }
     if (used != report.used.end()) std::printf("--   %lu entries read\n", used->entriesRead);
   }
