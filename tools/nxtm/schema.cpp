@@ -3,8 +3,8 @@
 #include "schema.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <cstdio>
+#include <memory>
 
 #include "failure.h"
 
@@ -141,9 +141,12 @@ void Record::Append(std::string& bytes, const Column& column, const Field& field
 }
 
 std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::string text{std::istreambuf_iterator<char>(in), {}};
-  if (!in.good() || in.peek() != EOF) throw Failure(path + ": cannot be read");
+  std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
+  std::string text;
+  char piece[65536];
+  unsigned long n = 0;
+  while (file && (n = std::fread(piece, 1, sizeof piece, file.get())) > 0) text.append(piece, n);
+  if (!file || std::ferror(file.get())) throw Failure(path + ": cannot be read");
   return text;
 }
 
