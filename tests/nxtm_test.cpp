@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -38,8 +39,8 @@ struct Outcome {
 class Workbench : public testing::Test {
  protected:
   Workbench() {
-    char name[] = "/tmp/nxtm_test_XXXXXX";
-    dir_ = mkdtemp(name);
+    dir_ = std::filesystem::temp_directory_path() / "nxtm_test_XXXXXX";
+    mkdtemp(dir_.data());
   }
   ~Workbench() override { std::system(("rm -rf " + dir_).c_str()); }
 

@@ -119,6 +119,7 @@ class Parser {
       ReadComparison(term);
     }
     term.text = text_.substr(start, at_ - start);
+    while (std::isspace(static_cast<unsigned char>(term.text.back()))) term.text.pop_back();
     return term;
   }
 
