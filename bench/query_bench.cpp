@@ -15,10 +15,10 @@
 #include <string>
 #include <vector>
 
-#include "commands.h"
+#include "commands/commands.h"
 #include "nxtmdata.h"
-#include "query.h"
-#include "store.h"
+#include "query/query.h"
+#include "store/store.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 # SIBLING. Its objects are the target NAMEObjects.
 
 function(nx_library name exportName directory)
-  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${directory}/*.cpp")
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${directory}/*.cpp")
   add_library(${name}Objects OBJECT ${sources})
   # Exported functions may be inlined: calls inside a library stay inside (see below).
   target_compile_options(${name}Objects PRIVATE -fno-exceptions -fno-rtti -ffunction-sections -fdata-sections

@@ -9,7 +9,7 @@
 #include "nx_utf_8.h"
 #include "nxbase.h"
 #include "nxchar.h"
-#include "nxstrcmp.h"
+#include "collation/nxstrcmp.h"
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "strwild.h"

@@ -4,8 +4,8 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
-#include "commands.h"
-#include "failure.h"
+#include "commands/commands.h"
+#include "data/failure.h"
 #include "nxtmdata.h"
 
 namespace {

@@ -1,0 +1,456 @@
+// The workbench as its user meets it: tables that come out as they went in, bad input
+// that is named and changes nothing, damaged stores that are reported, and indexes
+// that find what a full scan finds.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "nxlang.h"
+#include "query/query.h"
+#include "store/store.h"
+
+namespace {
+
+using nxtm::Condition;
+using nxtm::Store;
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kRounds = 50;  // it checks accesses, for which these do
+#else
+constexpr int kRounds = 200;
+#endif
+
+struct Outcome {
+  int status;          // of the exit, or minus the signal
+  std::string output;  // both streams
+};
+
+/// A scratch directory with the workbench run in it.
+class Workbench : public testing::Test {
+ protected:
+  Workbench() {
+    dir_ = std::filesystem::temp_directory_path() / "nxtm_test_XXXXXX";
+    mkdtemp(dir_.data());
+  }
+  ~Workbench() override { std::system(("rm -rf " + dir_).c_str()); }
+
+  std::string Path(const std::string& name) const { return dir_ + "/" + name; }
+  void Write(const std::string& name, const std::string& bytes) const {
+    std::ofstream(Path(name), std::ios::binary) << bytes;
+  }
+  std::string Read(const std::string& name) const {
+    std::ifstream in(Path(name), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+  }
+
+  /// Runs nxtm with arguments as a shell reads them.
+  Outcome Run(const std::string& arguments) const {
+    std::string command = "cd " + dir_ + " && " NXTM " " + arguments + " 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    std::string output;
+    char buffer[4096];
+    while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) output.append(buffer, n);
+    int status = pclose(pipe);
+    // A shell reports a signal of its child as 128 and the signal.
+    int code = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    return {code > 128 ? 128 - code : code, output};
+  }
+
+  void ExpectFailure(const std::string& arguments, const std::string& message) const {
+    Outcome outcome = Run(arguments);
+    EXPECT_EQ(2, outcome.status) << arguments << "\n" << outcome.output;
+    EXPECT_NE(std::string::npos, outcome.output.find(message)) << arguments << "\n" << outcome.output;
+  }
+
+  std::string dir_;
+};
+
+const char kSchema[] =
+    "name NxString nullable language=german\n"
+    "age short nullable\n"
+    "born NxDate nullable\n"
+    "weight double\n"
+    "code NxCaseIString\n";
+const char kRows[] =
+    "Müller,42,1982-03-15,81.5,abc\n"
+    ",,,-0.25,\n"
+    "\"\",7,,1e+300,\"x,\"\"y\"\"\"\n"
+    "\"zwei\nZeilen\",-3,0001-01-01,0,Ä\n"
+    "Łódź 東京,0,,3,z\n";
+
+}  // namespace
+
+TEST_F(Workbench, WhatGoesInComesOut) {
+  Write("s", kSchema);
+  Write("d", kRows);
+  ASSERT_EQ(0, Run("import s d store").status);
+  EXPECT_EQ(kRows, Run("export store").output);
+  EXPECT_EQ(std::string("name,age,born,weight,code\n") + kRows, Run("export --header store").output);
+  ASSERT_EQ(0, Run("import s d store").status) << "rows are added";
+  EXPECT_EQ(std::string(kRows) + kRows, Run("export store").output);
+  EXPECT_EQ(0, Run("check store").status);
+}
+
+TEST_F(Workbench, ReadsEveryFormOfCsv) {
+  const struct {
+    const char* schema;
+    const char* data;
+    const char* exported;
+  } kForms[] = {
+      {"a NxString\nb long\n", "x,1\r\ny,2\r\n", "x,1\ny,2\n"},
+      {"a NxString\nb long\n", "x,1\ry,2", "x,1\ny,2\n"},
+      {"a NxString\nb long\n", "\xEF\xBB\xBFx,1\n\n\n y ,2\n", "x,1\n y ,2\n"},
+      {"a NxString\nb long\n", "\"1\"\"\r\n,\",1\n", "\"1\"\"\r\n,\",1\n"},
+      {"a NxString\nb long\n", ",1\n\"\",\"2\"\n", ",1\n,2\n"},
+      {"a NxString nullable\nb long\n", ",1\n\"\",2\n", ",1\n\"\",2\n"},
+      // A record of one null is an empty line, and one empty text a pair of quotes.
+      {"a NxString nullable\n", "x\n\n\"\"\n\n", "x\n\n\"\"\n\n"},
+      {"a long nullable\n", "1\r\n\r\n2\r\n", "1\n\n2\n"},
+      {"a NxString\n", "x\n\n\"\"\n", "x\n\"\"\n"},
+      {"a float\nb NxInt64\nc NxTime\nd NxBoolean\n", "0.1,-9223372036854775808,23:59:59,true\n",
+       "0.1,-9223372036854775808,23:59:59,true\n"},
+  };
+  int store = 0;
+  for (const auto& form : kForms) {
+    const std::string name = "store" + std::to_string(++store), again = name + "again";
+    Write("s", form.schema);
+    Write("d", form.data);
+    ASSERT_EQ(0, Run("import s d " + name).status) << form.data;
+    Outcome out = Run("export " + name);
+    EXPECT_EQ(form.exported, out.output);
+    Write("d", out.output);
+    ASSERT_EQ(0, Run("import s d " + again).status) << out.output;
+    EXPECT_EQ(out.output, Run("export " + again).output);
+  }
+}
+
+TEST_F(Workbench, BadInputIsNamedAndChangesNothing) {
+  Write("s", kSchema);
+  Write("good", kRows);
+  ASSERT_EQ(0, Run("import s good store").status);
+  ASSERT_EQ(0, Run("index store name").status);
+  const std::string before = Read("store");
+  const struct {
+    const char* row;
+    const char* message;
+  } kBad[] = {
+      {"a,1,,0,x\nb,forty,,0,x\n", "d:2:3: column 'age': 'forty' is not a whole number"},
+      {"a,40000,,0,x\n", "d:1:3: column 'age': '40000' is outside"},
+      {"a,1,2001-02-29,0,x\n", "d:1:5: column 'born': '2001-02-29' is not a date"},
+      {"a,1,,,x\n", "d:1:6: column 'weight': the field is empty"},
+      {"a,1,,nan,x\n", "d:1:6: column 'weight'"},
+      {"a,1,,1e400,x\n", "d:1:6: column 'weight': '1e400' is too large"},
+      {"\"a\r\nb\",1,,0,x\r\nc,x,,0,x\r\n", "d:3:3: column 'age'"},
+      {"\"a\nb\",x,,0,x\n", "d:2:4: column 'age'"},
+      {"a,1,,0,x\nb,1,,0\n", "d:2:7: column 'code' is missing"},
+      {"a,1,,0,x,y\n", "d:1:10: the row has 6 fields, the schema 5"},
+      {"a\xC3,1,,0,x\n", "d:1:1: column 'name'"},
+      {"a\xED\xA0\x80,1,,0,x\n", "d:1:1: column 'name'"},
+      {"a,1,,0,\xE6\x9D\xB1\n", "d:1:8: column 'code'"},
+      {"a,1,,0,x\n\"b,1,,0,x\n", "d:2:1: the quoted field does not end"},
+      {"a\"b,1,,0,x\n", "d:1:2:"},
+  };
+  for (const auto& bad : kBad) {
+    Write("d", bad.row);
+    ExpectFailure("import s d store", bad.message);
+    ExpectFailure("import s d fresh", bad.message);
+    EXPECT_NE(0, access(Path("fresh").c_str(), F_OK)) << "a store that fails to be made is not there";
+  }
+  for (int excess : {0, 1}) {
+    std::string length(65531 + excess, 'x');
+    Write("d", "\"" + length + "\",1,,0,x\n");
+    if (excess)
+      ExpectFailure("import s d store", "d:1:1: column 'name'");
+    else
+      EXPECT_EQ(0, Run("import s d long").status);
+  }
+  ExpectFailure("import --header s good store", "good:1:1: column 'name' is missing here");
+  Write("d", "");
+  ExpectFailure("import --header s d store", "d:1:1: the row with the names");
+  ExpectFailure("import s . store", ".: cannot be read");
+  EXPECT_EQ(before, Read("store"));
+}
+
+TEST_F(Workbench, SchemasAndStoresThatAreNone) {
+  Write("d", "x\n");
+  const struct {
+    const char* schema;
+    const char* message;
+  } kBad[] = {
+      {"a NxStrin\n", "s:1:3: there is no type 'NxStrin'"},
+      {"a long\n# b\n a short\n", "s:3:2: column 'a' is there already"},
+      {"a\n", "s:1:1: column 'a' has no type"},
+      {"a-b long\n", "s:1:1: 'a-b' is not a name"},
+      {"a long language=german\n", "s:1:8: 'language=german' is no option"},
+      {"a NxString language=klingon\n", "s:1:12: there is no language"},
+      {"a NxBlob\n", "s:1:3: values of type NxBlob"},
+      {"# nothing\n", "s:1:1: the schema names no column"},
+  };
+  for (const auto& bad : kBad) {
+    Write("s", bad.schema);
+    ExpectFailure("import s d store", bad.message);
+  }
+  ExpectFailure("import missing d store", "missing: cannot be read");
+  Write("s", "a NxString\n");
+  ExpectFailure("import s missing store", "missing: cannot be read");
+  Write("other", std::string(20000, 'z'));
+  Write("empty", "");
+  ExpectFailure("check other", "other: not a store");
+  ExpectFailure("export empty", "empty: not a store");
+  ExpectFailure("query . 'a = b'", "not a store");
+  ExpectFailure("check nowhere", "nowhere: there is no such store");
+  EXPECT_EQ(std::string(20000, 'z'), Read("other"));
+  ASSERT_EQ(0, Run("import s d store").status);
+  Write("s", "a long\n");
+  ExpectFailure("import s d store", "has another schema");
+}
+
+TEST_F(Workbench, QueriesThatDoNotParseSayWhere) {
+  Write("s", "word NxString\nn long\n");
+  Write("d", "a,1\n");
+  ASSERT_EQ(0, Run("import s d store").status);
+  const struct {
+    const char* query;
+    const char* message;
+  } kBad[] = {
+      {"word", "at character 5: expected =, !=, <, <=, >, >= or 'is', found the end"},
+      {"wort = 1", "at character 1: there is no attribute 'wort' (word, n)"},
+      {"word = ", "at character 8: expected a value"},
+      {"word = \"a", "at character 8: expected a closing quote"},
+      {"n = 1 n = 2", "at character 7: expected 'and', 'or' or the end, found 'n = 2'"},
+      {"(n = 1", "at character 7: expected ')'"},
+      {"n = one", "at character 5: 'one' is not a whole number"},
+      {"n is nil", "at character 6: expected 'null'"},
+      {"word = \"äöü\" und", "at character 14: expected 'and'"},
+      {"((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((((("
+       "(",
+       "at most 100 parentheses"},
+      {"n = 1 ignoring case", "at character 7: expected 'and', 'or' or the end"},
+      {"word = a ignoring cases", "expected 'case', 'accents', 'symbols' or 'spaces', found 'cases'"},
+  };
+  for (const auto& bad : kBad) ExpectFailure(std::string("query store '") + bad.query + "'", bad.message);
+}
+
+TEST_F(Workbench, AnIndexOfOtherCollationDataIsRefused) {
+  Write("s", "word NxString\nn long\n");
+  Write("d", "a,1\nb,2\n");
+  ASSERT_EQ(0, Run("import s d store").status);
+  {
+    auto store = Store::Open(Path("store"), Store::Mode::kWrite);
+    nxtm::BuildIndex(*store, {0, false, 0});
+    nxtm::BuildIndex(*store, {1, false, 0});
+    store->AddIndex({0, false, NxCollationVersion() + 1});
+    store->AddIndex({1, false, NxCollationVersion() + 1});
+    store->Commit();
+  }
+  ExpectFailure("query store 'word = a'", "nxtm reindex");
+  ExpectFailure("check store", "nxtm reindex");
+  EXPECT_EQ("b,2\n", Run("query store 'n = 2'").output) << "numbers need no collation";
+  ASSERT_EQ(0, Run("reindex store").status);
+  EXPECT_EQ("a,1\n", Run("query store 'word = a'").output);
+  EXPECT_EQ(0, Run("check store").status);
+}
+
+TEST_F(Workbench, DamagedStoresAreReported) {
+  Write("s", kSchema);
+  std::string rows;
+  for (int i = 0; i < 600; ++i) rows += "name" + std::to_string(i * 7919 % 600) + ",1,,2,c\n";
+  Write("d", rows);
+  ASSERT_EQ(0, Run("import s d whole").status);
+  ASSERT_EQ(0, Run("index whole name").status);
+  const std::string whole = Read("whole");
+  std::mt19937 random(17);
+  int reported = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    std::string bytes = whole;
+    if (round % 3 == 0)
+      bytes.resize(random() % bytes.size());
+    else
+      for (int i = random() % 20; i >= 0; --i) bytes[random() % bytes.size()] ^= 1 << random() % 8;
+    Write("damaged", bytes);
+    for (const char* command : {"check damaged", "export damaged"}) {
+      Outcome outcome = Run(command);
+      EXPECT_TRUE(outcome.status == 0 || outcome.status == 2) << round << ": " << outcome.status;
+      reported += outcome.status == 2;
+    }
+  }
+  EXPECT_GT(reported, kRounds / 2);
+  std::string flipped = whole;
+  flipped[flipped.find("name123")] ^= 1;  // in a record, where every bit counts
+  Write("damaged", flipped);
+  EXPECT_EQ(2, Run("check damaged").status);
+}
+
+TEST_F(Workbench, AnIndexFindsWhatAScanFinds) {
+  // Real words where they are installed, else made ones.
+  std::vector<std::string> words;
+  std::ifstream list("/usr/share/dict/ngerman");
+  for (std::string word; std::getline(list, word) && words.size() < 400000;) words.push_back(word);
+  std::mt19937 random(23);
+  const char* kSyllables[] = {"Haus", "tür", "ß",   "en", "-",  "Ä",  "schiff",
+                              "e",    "é",   "ung", " ",  "aa", "Zoo"};
+  while (words.size() < 20000) {
+    std::string word;
+    for (int n = 1 + random() % 4; n > 0; --n) word += kSyllables[random() % 13];
+    words.push_back(word);
+  }
+  if (kRounds < 200) words.resize(20000);
+  std::string rows;
+  for (const std::string& word : words) rows += word + "\n";
+  Write("s", "word NxString language=german\n");
+  Write("d", rows);
+  ASSERT_EQ(0, Run("import s d store").status);
+  ASSERT_EQ(0, Run("index store word").status);
+
+  auto store = Store::Open(Path("store"), Store::Mode::kRead);
+  std::vector<std::vector<nxtm::Field>> records;
+  store->ForEach([&](unsigned int, std::string_view record) {
+    nxtm::Record::Split(store->GetSchema(), record, records.emplace_back());
+  });
+  const char* kOptions[] = {"",
+                            "ignoring case",
+                            "ignoring accents",
+                            "ignoring case, accents",
+                            "ignoring symbols",
+                            "ignoring spaces, case",
+                            "literally"};
+  const char* kRanges[] = {"<", "<=", ">", ">="};
+  for (int round = 0; round < 500; ++round) {
+    // A word with characters cut off, replaced by wildcards, or in the wrong case.
+    NxString pattern = nxtm::StringOfUtf8(words[random() % words.size()], {});
+    for (int edits = random() % 3; edits > 0 && pattern.Len() > 0; --edits) {
+      auto at = static_cast<unsigned short>(random() % pattern.Len());
+      if (at == 0 && random() % 4) continue;
+      if (random() % 2)
+        pattern.Cut(at, -1) += NxString("*");
+      else
+        pattern.Replace(NxString(random() % 2 ? "?" : "*"), at);
+    }
+    std::string text = nxtm::Utf8OfString(random() % 4 ? pattern : NxString(pattern).ToUpper());
+    std::string query = std::string("word ") + (random() % 4 ? "=" : kRanges[random() % 4]) + " \"" + text +
+                        "\" " + kOptions[random() % 7];
+    Condition condition = Condition::Parse(query, store->GetSchema());
+    std::vector<unsigned int> scanned, found;
+    // A full scan by the condition itself, over records that are taken apart already.
+    for (unsigned int i = 0; i < records.size(); ++i)
+      if (condition.Matches(store->GetSchema(), records[i])) scanned.push_back(i);
+    nxtm::RunQuery(*store, condition, false,
+                   [&](unsigned int number, const std::vector<nxtm::Field>&) { found.push_back(number); });
+    ASSERT_EQ(scanned, found) << query;
+  }
+}
+
+/// Values that indexes and planners stumble over, and terms made of their likes.
+class Oddities {
+ public:
+  explicit Oddities(unsigned seed) : random_(seed) {}
+
+  unsigned Below(unsigned n) { return static_cast<unsigned>(random_()) % n; }
+  std::string OneOf(const std::vector<std::string>& list) {
+    return list[Below(static_cast<unsigned>(list.size()))];
+  }
+
+  /// Symbols and spaces in a row, letters that differ in one level, characters of another
+  /// collation, and texts whose keys are cut.
+  std::string Text() {
+    static const std::vector<std::string> kParts = {"a",  "A", "ä", "á",  "b", "ß",  "ss", "-", " ",
+                                                    "--", "1", "æ", "ae", "Я", "東", "z",  "!", "o"};
+    std::string text;
+    for (unsigned n = Below(5); n > 0; --n) text += OneOf(kParts);
+    if (Below(12) == 0) text = std::string(110 + Below(25), Below(2) ? 'x' : ' ') + text;
+    if (Below(30) == 0) text = "á" + std::string(123, 'x') + text;
+    return text;
+  }
+  std::string Number() { return std::to_string(static_cast<int>(Below(21)) - 10); }
+  std::string Real() { return OneOf({"0", "-0", "0.5", "-1e300", "1e300", "2", "-2.25"}); }
+  std::string Date() {
+    return "200" + std::to_string(Below(4)) + "-0" + std::to_string(1 + Below(3)) + "-1" +
+           std::to_string(Below(3));
+  }
+  std::string Pattern(std::string text) {
+    if (Below(2) && !text.empty()) {
+      NxString s = nxtm::StringOfUtf8(text, {});
+      auto at = static_cast<unsigned short>(Below(s.Len()));
+      s.Cut(at, static_cast<short>(1 + Below(3))).Insert(NxString(Below(2) ? "*" : "?"), at);
+      text = nxtm::Utf8OfString(s);
+    }
+    return text;
+  }
+  std::string DatePattern() {
+    std::string date = Date();
+    if (Below(3) == 0) date.replace(0, 4, "*");
+    if (Below(3) == 0) date.replace(date.size() - 2, 2, "*");
+    return date;
+  }
+
+  std::string Term() {
+    const std::string relation = OneOf({" = ", " = ", " != ", " < ", " <= ", " > ", " >= "});
+    switch (Below(6)) {
+      case 0:
+        return "number" + relation + Number();
+      case 1:
+        return "real" + relation + Real();
+      case 2:
+        return "day" + relation + DatePattern();
+      case 3:
+        return "plain" + relation + '"' + Pattern("ab" + Number()) + '"';
+      case 4:
+        return OneOf({"name", "number", "day"}) + " is " + OneOf({"", "not "}) + "null";
+      default:
+        return "name" + relation + '"' + Pattern(Text()) + '"' +
+               OneOf({"", "", " literally", " ignoring case", " ignoring accents",
+                      " ignoring case, accents, symbols, spaces", " ignoring spaces",
+                      " ignoring symbols, accents"});
+    }
+  }
+
+ private:
+  std::mt19937 random_;
+};
+
+TEST_F(Workbench, AnIndexFindsWhatAScanFindsAmongOddities) {
+  Oddities odd(31);
+  std::string rows;
+  for (int i = 0; i < 1500; ++i)
+    rows += (odd.Below(20) ? '"' + odd.Text() + '"' : "") + "," + (odd.Below(20) ? odd.Number() : "") + "," +
+            odd.Real() + "," + (odd.Below(20) ? odd.Date() : "") + ",ab" + odd.Number() + "\n";
+  Write("s",
+        "name NxString nullable language=german\nnumber long nullable\nreal double\nday NxDate "
+        "nullable\nplain NxIString\n");
+  Write("d", rows);
+  ASSERT_EQ(0, Run("import s d store").status);
+  for (const char* index : {"name", "number", "real", "day", "plain", "--hash number", "--hash plain"})
+    ASSERT_EQ(0, Run(std::string("index store ") + index).status) << index;
+  ASSERT_EQ(0, Run("import s d store").status) << "indexes grow with the store";
+  Outcome check = Run("check store");
+  EXPECT_EQ(0, check.status) << check.output;
+
+  const auto find = [](Store& store, const Condition& condition, bool scan) {
+    std::vector<unsigned int> found;
+    nxtm::RunQuery(store, condition, scan,
+                   [&](unsigned int number, const std::vector<nxtm::Field>&) { found.push_back(number); });
+    return found;
+  };
+  const auto compare = [&](int rounds) {
+    auto store = Store::Open(Path("store"), Store::Mode::kRead);
+    for (int round = 0; round < rounds; ++round) {
+      std::string query = odd.Term();
+      if (odd.Below(2)) query += odd.OneOf({" and ", " or "}) + odd.Term();
+      Condition condition = Condition::Parse(query, store->GetSchema());
+      ASSERT_EQ(find(*store, condition, true), find(*store, condition, false)) << query;
+    }
+  };
+  compare(3 * kRounds);
+  ASSERT_EQ(0, Run("index store name --hash").status);
+  compare(kRounds);
+}

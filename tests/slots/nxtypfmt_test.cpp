@@ -1,0 +1,414 @@
+// Printing and scanning: the stated texts, both directions, code sets, and formats that
+// would read or write memory if they reached the C library.
+#include "nxtypfmt.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "base/nxformat.h"
+#include "nxbool.h"
+#include "nxcistr.h"
+#include "nxint64.h"
+#include "nxistr.h"
+#include "nxlang.h"
+#include "nxseal.h"
+#include "nxstring.h"
+#include "nxtypmgr.h"
+
+namespace {
+
+/// The text that a slot prints, into a string that held something before.
+template <class T>
+std::string Print(NxSlot::Print* slot, T value, const char* fmt, unsigned long n = 1) {
+  NxString out("old");
+  EXPECT_EQ(&slot(out, &value, fmt, n), &out);
+  return out.StrGet();
+}
+
+/// What a slot scans into a value that was `before`, from 8-bit and from 16-bit input.
+template <class T>
+T Scan(NxSlot::Scan* slot, T before, const char* text, const char* fmt) {
+  NxString in(text), wide(text);
+  wide.MapToCodeSet(kCodeSetUnicode);
+  T value = before, fromWide = before;
+  EXPECT_EQ(slot(&value, in, fmt, 1), &value);
+  slot(&fromWide, wide, fmt, 1);
+  EXPECT_EQ(value, fromWide) << text;
+  EXPECT_EQ(slot(nullptr, in, fmt, 1), nullptr);
+  return value;
+}
+
+TEST(Formats, OnlyFittingConversionsPass) {
+  using Arg = NxFormatArg;
+  const struct {
+    const char* format;
+    bool word, doubles, text;  // prints
+  } prints[] = {
+      {"", true, true, true},
+      {"none", true, true, true},
+      {"100%%", true, true, true},
+      {"%d", true, false, false},
+      {"<%-+ #0'12.3ld>", true, false, false},
+      {"%hhx%%", true, false, false},
+      {"%zu", true, false, false},
+      {"%c", true, false, false},
+      {"%lc", false, false, false},
+      {"%lld", false, false, false},
+      {"%jd", false, false, false},
+      {"%5.2lf", false, true, false},
+      {"%A", false, true, false},
+      {"%Lf", false, false, false},
+      {"%-20.3s", false, false, true},
+      {"%ls", false, false, false},
+      {"%d%d", false, false, false},
+      {"%n", false, false, false},
+      {"%p", false, false, false},
+      {"%*d", false, false, false},
+      {"%.*d", false, false, false},
+      {"%1$d", false, false, false},
+      {"%", false, false, false},
+      {"%5%", false, false, false},
+      {"%m", false, false, false},
+      {"%65533d", true, false, false},
+      {"%65534d", false, false, false},
+      {"%.99999999999999999999f", false, false, false},
+  };
+  for (const auto& c : prints) {
+    EXPECT_EQ(NxPrintFormatFits(c.format, {Arg::kWord}), c.word) << c.format;
+    EXPECT_EQ(NxPrintFormatFits(c.format, {Arg::kDouble}), c.doubles) << c.format;
+    EXPECT_EQ(NxPrintFormatFits(c.format, {Arg::kText}), c.text) << c.format;
+  }
+  EXPECT_FALSE(NxPrintFormatFits(nullptr, {Arg::kWord}));
+  EXPECT_TRUE(NxPrintFormatFits("%g %d", {Arg::kDouble, Arg::kWord}));
+  EXPECT_FALSE(NxPrintFormatFits("%d %g", {Arg::kDouble, Arg::kWord}));
+
+  const struct {
+    const char* format;
+    bool byte, shorts, word, floats, doubles, text;  // scans
+  } scans[] = {
+      {"none %% ", true, true, true, true, true, true},
+      {"%d", false, false, true, false, false, false},
+      {"%hd", false, true, true, false, false, false},
+      {"%hhu", true, true, true, false, false, false},
+      {"%lx", false, false, true, false, false, false},
+      {"%lld", false, false, false, false, false, false},
+      {"%c", true, true, true, false, false, true},
+      {"%3c", false, false, true, false, false, true},
+      {"%f", false, false, false, true, false, false},
+      {"%8lg", false, false, false, false, true, false},
+      {"%Lf", false, false, false, false, false, false},
+      {"%s", false, false, false, false, false, true},
+      {"%ms", false, false, false, false, false, false},
+      {"%ls", false, false, false, false, false, false},
+      {"%9[^]%n]", false, false, false, false, false, true},
+      {"%[]", false, false, false, false, false, false},
+      {"%*[^,],%d", false, false, true, false, false, false},
+      {"%*n%d", false, false, false, false, false, false},
+      {"%d%d", false, false, false, false, false, false},
+      {"%n", false, false, false, false, false, false},
+      {"%p", false, false, false, false, false, false},
+      {"%1$d", false, false, false, false, false, false},
+      {"%", false, false, false, false, false, false},
+  };
+  for (const auto& c : scans) {
+    EXPECT_EQ(NxScanFormatFits(c.format, {Arg::kByte}), c.byte) << c.format;
+    EXPECT_EQ(NxScanFormatFits(c.format, {Arg::kShort}), c.shorts) << c.format;
+    EXPECT_EQ(NxScanFormatFits(c.format, {Arg::kWord}), c.word) << c.format;
+    EXPECT_EQ(NxScanFormatFits(c.format, {Arg::kFloat}), c.floats) << c.format;
+    EXPECT_EQ(NxScanFormatFits(c.format, {Arg::kDouble}), c.doubles) << c.format;
+    EXPECT_EQ(NxScanFormatFits(c.format, {Arg::kText}), c.text) << c.format;
+  }
+}
+
+TEST(Numbers, PrintUnderTheirFormats) {
+  EXPECT_EQ(Print(ShortPrintToNxString, short(-5), "<%5hd>"), "<   -5>");
+  EXPECT_EQ(Print(ShortPrintToNxString, short(-1), "%hu"), "65535");
+  EXPECT_EQ(Print(IntPrintToNxString, -1, "%u"), "4294967295");
+  EXPECT_EQ(Print(LongPrintToNxString, 77L, "#%lu"), "#77");
+  EXPECT_EQ(Print(FloatPrintToNxString, 0.5f, "%f"), "0.500000");
+  EXPECT_EQ(Print(DoublePrintToNxString, -1234.5, "%.3lE|"), "-1.234E+03|");  // half to even
+  EXPECT_EQ(Print(IntPrintToNxString, 7, "%600d"), std::string(511, ' '));
+  for (const char* bad : {"%s", "%n", "%f", "%d%d", "%*d", "%lld"})
+    EXPECT_EQ(Print(IntPrintToNxString, 7, bad), "old") << bad;
+  EXPECT_EQ(Print(IntPrintToNxString, 7, static_cast<const char*>(nullptr)), "old");
+}
+
+TEST(Numbers, ScanWhatTheTextSupplies) {
+  EXPECT_EQ(Scan<short>(ShortScanFromNxString, 9, "-70000", "%hd"), short(-70000));
+  EXPECT_EQ(Scan(IntScanFromNxString, 9, " 0x1Fz", "%i"), 31);
+  EXPECT_EQ(Scan(LongScanFromNxString, 9L, "#12", "#%lu"), 12);
+  EXPECT_EQ(Scan(LongScanFromNxString, 9L, "no number", "%ld"), 9);
+  EXPECT_EQ(Scan(FloatScanFromNxString, 9.f, "2.5", "%f"), 2.5f);
+  EXPECT_EQ(Scan(DoubleScanFromNxString, 9.0, "1e3", "%lf"), 1000.0);
+  // Wider than the value, or of another kind.
+  EXPECT_EQ(Scan<short>(ShortScanFromNxString, 9, "5", "%ld"), 9);
+  EXPECT_EQ(Scan(FloatScanFromNxString, 9.f, "5", "%lf"), 9.f);
+  EXPECT_EQ(Scan(IntScanFromNxString, 9, "5", "%s"), 9);
+  EXPECT_EQ(Scan(IntScanFromNxString, 9, "5", "%d%n"), 9);
+}
+
+TEST(Numbers, MantissaAndExponentKeepDoublesExact) {
+  const char* fmt = "ldexp(%.17g, %d)";
+  EXPECT_EQ(Print(DoublePrintToNxString, 6.0, fmt), "ldexp(0.75, 3)");
+  std::mt19937_64 random(7);
+  for (int i = 0; i < 2000; ++i) {
+    const double value =
+        std::ldexp(static_cast<double>(random()) - 9e18, static_cast<int>(random() % 2000) - 1060);
+    const std::string text = Print(DoublePrintToNxString, value, fmt);
+    ASSERT_EQ(Scan(DoubleScanFromNxString, 9.0, text.c_str(), "ldexp(%lf, %d)"), value) << text;
+  }
+  EXPECT_EQ(Print(DoublePrintToNxString, 6.0, "ldexp %d"), "old");
+  EXPECT_EQ(Scan(DoubleScanFromNxString, 9.0, "ldexp(0.75", "ldexp(%lf, %d)"), 9.0);
+  EXPECT_EQ(Scan(DoubleScanFromNxString, 9.0, "ldexp(0.75, 3)", "ldexp(%lf, %s)"), 9.0);
+}
+
+TEST(Chars, AreOneText) {
+  char text[] = {'A', '\n', 'z'};
+  NxString out("old");
+  EXPECT_STREQ(CharPrintToNxString(out, text, "%c", 3).StrGet(), "A0x0az");
+  EXPECT_STREQ(CharPrintToNxString(out, text, "<%d>", 3).StrGet(), "<65>0x0a<122>");
+  EXPECT_STREQ(CharPrintToNxString(out, text, "%s", 3).StrGet(), "<65>0x0a<122>");  // unchanged
+  std::vector<char> many(30000, '\xFF');
+  EXPECT_EQ(CharPrintToNxString(out, many.data(), "%c", 9000).Len(), 4 * 9000);
+
+  char chars[6] = "-----";
+  NxString in("ab0x41");
+  EXPECT_EQ(CharScanFromNxString(chars, in, "%c", 5), chars);
+  EXPECT_STREQ(chars, "abAx4");  // an 0x number gives its byte, and one character is passed
+  NxString shorter("z");
+  CharScanFromNxString(chars, shorter, "%c", 5);
+  EXPECT_STREQ(chars, "zbAx4");
+  CharScanFromNxString(chars, in, "%5c", 5);  // would write five
+  EXPECT_STREQ(chars, "zbAx4");
+}
+
+TEST(Strings, PrintInTheirCodeSet) {
+  NxString value("Z\xFCrich"), out("old");
+  value.SetCodeSet(kCodeSetWindows1252);
+  EXPECT_STREQ(NxStringPrintToNxString(out, &value, "<%8s>", 1).StrGet(), "<  Z\xFCrich>");
+  EXPECT_EQ(out._nCodeSet, kCodeSetWindows1252);
+
+  value.MapToCodeSet(kCodeSetUnicode);
+  NxString latin("old");
+  EXPECT_STREQ(NxStringPrintToNxString(latin, &value, "%s", 1).StrGet(), "Z\xFCrich");
+  EXPECT_EQ(latin._nCodeSet, kCodeSetLatin1);
+
+  NxStringPrintToNxString(out, &value, "%d", 1);
+  EXPECT_STREQ(out.StrGet(), "<  Z\xFCrich>");
+  NxString self("abc");
+  EXPECT_STREQ(NxStringPrintToNxString(self, &self, "%s%%", 1).StrGet(), "abc%");
+
+  // A width beyond the text is cut at the work area.
+  NxString a("a");
+  EXPECT_EQ(NxStringPrintToNxString(out, &a, "%60000s", 1).Len(), 7 + 1 + 511);
+
+  NxString empty(kCodeSetWindows1252, 2);
+  EXPECT_TRUE(NxStringPrintToNxString(out, &empty, "<%s>", 1).IsEmpty());
+  EXPECT_EQ(out._nCodeSet, kCodeSetWindows1252);
+  empty.SetNullValue();
+  EXPECT_STREQ(NxStringPrintToNxString(out, &empty, "<%s>", 1).StrGet(), "{NULL}");
+}
+
+TEST(Strings, ScanIsACopyOrNull) {
+  NxString value("old"), in("{NULL} and more"), text("{NUL");
+  EXPECT_EQ(NxStringScanFromNxString(&value, in, "%s", 1), &value);
+  EXPECT_TRUE(value.IsNullValue());
+  NxStringScanFromNxString(&value, text, "%d", 1);
+  EXPECT_FALSE(value.IsNullValue());
+  EXPECT_STREQ(value.StrGet(), "{NUL");
+
+  NxString out;
+  NxIString alpha("\xE4pfel");
+  EXPECT_STREQ(NxIStringPrintToNxString(out, &alpha, "<%s>", 1).StrGet(), "<\xE4pfel>");
+  NxIStringScanFromNxString(&alpha, in, "%s", 1);
+  EXPECT_STREQ(alpha._pStr, "{NULL} and more");
+  NxCaseIString none;
+  EXPECT_TRUE(NxCaseIStringPrintToNxString(out, &none, "<%s>", 1).IsEmpty());
+  NxString wide("wide");
+  wide.MapToCodeSet(kCodeSetUnicode);
+  NxCaseIStringScanFromNxString(&none, wide, "%s", 1);
+  EXPECT_STREQ(none._pStr, "wide");
+}
+
+/// Order values as an NxString of code set 254.
+NxString Orders(const std::vector<unsigned short>& orders, unsigned char language) {
+  std::vector<unsigned short> units(orders);
+  units.push_back(0);
+  NxString s(kCodeSetOrderValues, language);
+  s.MakeString(reinterpret_cast<const char*>(units.data()), kCodeSetOrderValues, -1, 255);
+  return s;
+}
+
+TEST(Strings, OrderValuesPrintInFourWays) {
+  const unsigned short a = 0x4000 | 1 << 12 | 3 << 2, acute = 2 << 7, seven = 0x3F00 + 70;
+  NxString value = Orders({a, static_cast<unsigned short>(a | acute), seven, 32}, 1);
+  NxString out("old");
+  EXPECT_STREQ(NxStringPrintToNxString(out, &value, "<%s>", 1).StrGet(),
+               "<a\xE1"
+               "7 >");
+  EXPECT_STREQ(NxStringPrintToNxString(out, &value, "<%1M>", 1).StrGet(), "<aa7 >");
+  EXPECT_STREQ(NxStringPrintToNxString(out, &value, "<%2M>", 1).StrGet(),
+               "<a\xE1"
+               "7 >");
+  EXPECT_STREQ(NxStringPrintToNxString(out, &value, "%3M;", 1).StrGet(),
+               "lower letter a;lower letter a with accent acute;digit 7;space;");
+  EXPECT_STREQ(NxStringPrintToNxString(out, &value, "%4M.", 1).StrGet(), "a.\\'a.7. .");
+  EXPECT_STREQ(NxStringPrintToNxString(out, &value, "%3M%s", 1).StrGet(), "a.\\'a.7. .");  // unchanged
+  // In an 8-bit code set other than Latin-1 the text is relabelled by mapping.
+  NxString latin2(kCodeSetLatin2, 1);
+  EXPECT_STREQ(NxStringPrintToNxString(latin2, &value, "%2M", 1).StrGet(),
+               "a\xE1"
+               "7 ");
+  EXPECT_EQ(latin2._nCodeSet, kCodeSetLatin2);
+  NxString mixed = Orders({a}, 0x81);
+  EXPECT_STREQ(NxStringPrintToNxString(out, &mixed, "%3M;", 1).StrGet(), "lower letter a;[MIX];");
+  // Long texts stay inside their areas.
+  NxString longText = Orders(std::vector<unsigned short>(20000, a | acute), 1);
+  EXPECT_EQ(NxStringPrintToNxString(out, &longText, "%2M", 1).Len(), 20000);
+  EXPECT_EQ(NxStringPrintToNxString(out, &longText, "%4M", 1).Len(), 60000);
+}
+
+std::string Int64Text(long long v, const char* fmt) {
+  NxString out;
+  NxInt64 value = NxInt64::FromWide(v);
+  return Int64PrintToNxString(out, &value, fmt, 1).StrGet();
+}
+
+TEST(Int64Format, Prints) {
+  const long long lowest = std::numeric_limits<long long>::min();
+  const struct {
+    long long value;
+    const char *fmt, *text;
+  } cases[] = {
+      {255, "%x", "0xff"},
+      {255, "%X", "0XFF"},
+      {255, "%o", "0377"},
+      {255, "%S", "255"},
+      {255, nullptr, "255"},
+      {-255, "%x", "-0xff"},
+      {0, "%d|%x|%o", "0|0x0|00"},
+      {7, "a%ib%", "a7b%"},
+      {7, "%u%d", "%u7"},
+      {7, "%%d", "%%d"},
+      {7, "", ""},
+      {lowest, "%S", "-9223372036854775808"},
+      {lowest, "%x", "0x8000000000000000"},
+      {lowest, "%o", "01000000000000000000000"},
+      {lowest + 1, "%S", "-9223372036854775807"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(Int64Text(c.value, c.fmt), c.text) << c.text;
+  NxString out("appended ");
+  NxInt64 value(1);
+  EXPECT_STREQ(value.PrintToNxString(out, "%d").StrGet(), "appended 1");
+  NxString wide(kCodeSetUnicode, 1);
+  wide.MapToCodeSet(kCodeSetUnicode);
+  value.PrintToNxString(wide, nullptr);
+  EXPECT_EQ(wide.Len(), 1);
+}
+
+TEST(Int64Format, Scans) {
+  const struct {
+    const char *text, *fmt;
+    long long value;
+  } cases[] = {
+      {"0x1F", "%x", 31},
+      {"0x1F", "%d", -1},
+      {"0X1f", "%S", 31},
+      {"1F", "%x", -1},
+      {"12;", "%d,", -1},
+      {"12,", "%d,", 12},
+      {"-42", "%S", -42},
+      {"+42", "%d", 42},
+      {"017", "%S", 15},
+      {"017", "%o", 15},
+      {"18", "%o", -1},
+      {"08", "%S", -1},
+      {"0", "%S", 0},
+      {"0", "%d", -1},  // a leading 0 means base 8
+      {"<5>", "<%d>", 5},
+      {"<5", "<%d>", -1},
+      {"(5>", "<%d>", -1},
+      {"5%", "%d%%", 5},
+      {"%5", "%%%d", 5},
+      {"1,2", "%d,%d", 2},
+      {"1,x", "%d,%d", -1},
+      {"-", "%S", 0},
+      {"12 ", "%S", -1},
+      {"", "%S", 77},
+      {"abc", "abc", 77},
+      {"9223372036854775807", "%S", 9223372036854775807LL},
+      {"-9223372036854775808", "%S", std::numeric_limits<long long>::min()},
+      {"18446744073709551619", "%S", 3},
+      {"\xE4", "%S", -1},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(Scan(Int64ScanFromNxString, NxInt64(77), c.text, c.fmt).Wide(), c.value)
+        << c.text << ' ' << c.fmt;
+  std::mt19937_64 random(3);
+  for (int i = 0; i < 500; ++i) {
+    const long long v = static_cast<long long>(random()) >> random() % 64;
+    if (v == 0 || v == std::numeric_limits<long long>::min()) continue;
+    for (const char* fmt : {"%S", "%x", "%X", "%o"})
+      ASSERT_EQ(Scan(Int64ScanFromNxString, NxInt64(77), Int64Text(v, fmt).c_str(), fmt).Wide(), v) << fmt;
+  }
+}
+
+TEST(BooleanAndSeal, PrintAndScanWithoutFormat) {
+  NxBoolean null;
+  null.SetNullValue();
+  EXPECT_EQ(Print(BooleanPrintToNxString, null, "noop"), "{NULL}");
+  EXPECT_EQ(Print(BooleanPrintToNxString, NxBoolean(1), "noop"), "TRUE");
+  EXPECT_EQ(Print(BooleanPrintToNxString, NxBoolean(0L), "noop"), "FALSE");
+  NxBoolean two;
+  two.value = 2;
+  EXPECT_EQ(Print(BooleanPrintToNxString, two, "noop"), "FALSE");
+  const struct {
+    const char* text;
+    int byte;
+  } cases[] = {{"T", 1},   {"t", 1},  {"TRUE", 1}, {"true", 1},      {"1", 1},    {"True", 0},
+               {"yes", 0}, {"1 ", 0}, {"", 0},     {"{NULL}x", 255}, {"{NULL", 0}};
+  for (const auto& c : cases)
+    EXPECT_EQ(Scan(BooleanScanFromNxString, two, c.text, "noop").value, c.byte) << c.text;
+
+  EXPECT_EQ(Print(SealPrintToNxString, NxSeal{1, 2, 3}, "noop"), "old4295098371");
+  EXPECT_TRUE((Scan(SealScanFromNxString, NxSeal{9, 9, 9}, "4295098371", "noop") == NxSeal{1, 2, 3}));
+  EXPECT_TRUE(Scan(SealScanFromNxString, NxSeal{9, 9, 9}, "", "noop") == NxSeal());
+}
+
+TEST(MySscanf, ReadsEveryKindOfValue) {
+  double d = 0;
+  float f = 0;
+  unsigned long ul = 0;
+  unsigned u = 0;
+  unsigned short us = 0;
+  unsigned char uc = 0;
+  EXPECT_EQ(MySscanf("2.5", 0, "%lf", 1, &d), 0);
+  MySscanf("2.5", 0, "%f", 1, &f);
+  MySscanf("4294967295", 0, "%lu", 1, &ul);
+  MySscanf("ff", 0, "%x", 1, &u);
+  MySscanf("65535", 0, "%hu", 1, &us);
+  MySscanf("0x1ff", 0, "%c", 1, &uc);
+  EXPECT_TRUE(d == 2.5 && f == 2.5f && ul == 4294967295UL && u == 255 && us == 65535 && uc == 255);
+
+  NxString text("old");
+  MySscanf("one two", 0, "%s", 100, &text);
+  EXPECT_STREQ(text.StrGet(), "one");
+  MySscanf("one two", 0, "%[a-z ]", 5, &text);  // four characters and the terminator
+  EXPECT_STREQ(text.StrGet(), "one ");
+  MySscanf("one two", 0, "%3c", 100, &text);
+  EXPECT_STREQ(text.StrGet(), "one");
+  MySscanf("x", 0, "%500c", 100, &text);
+  EXPECT_STREQ(text.StrGet(), "x");
+  MySscanf("one", 0, "%d", 100, &text);
+  EXPECT_STREQ(text.StrGet(), "x");
+  MySscanf("one", 0, "%s", 0, &text);
+  EXPECT_TRUE(text.IsEmpty());
+}
+
+}  // namespace

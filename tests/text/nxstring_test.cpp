@@ -1,0 +1,341 @@
+// Making, assigning, building and converting strings, and the limit of their size.
+#include "nxstring.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <random>
+
+#include "nxchar.h"
+#include "nxlang.h"
+#include "support/stringtest.h"
+
+namespace {
+
+TEST(NxString, Construction) {
+  const unsigned short wide[] = {0x263A, 'b', 0};
+  const struct {
+    NxString s;
+    unsigned char codeSet;
+    std::string buffer;
+  } cases[] = {
+      {NxString(), 1, ""},
+      {NxString('\0'), 1, ""},
+      {NxString(static_cast<unsigned short>(0)), 253, ""},
+      {NxString('a'), 1, {"a\0", 2}},
+      {NxString(static_cast<unsigned short>(0x263A)), 253, {"\x3A\x26\0\0", 4}},
+      {NxString("abc"), 1, {"abc\0", 4}},
+      {NxString(static_cast<const char*>(nullptr)), 1, ""},
+      {NxString(static_cast<const unsigned short*>(nullptr)), 253, ""},
+      {NxString("abc", 65535), 1, {"abc\0", 4}},
+      {NxString("abcdef", 3), 1, {"abc\0", 4}},
+      {NxString("a\0c", 3), 1, {"a\0c\0", 4}},
+      {NxString("abc", 0), 1, ""},
+      {NxString(wide), 253, {"\x3A\x26\x62\0\0\0", 6}},
+      {NxString(wide, 1), 253, {"\x3A\x26\0\0", 4}},
+      {NxString(static_cast<short>(-32768)), 1, {"-32768\0", 7}},
+      {NxString(4294967295U), 1, {"-1\0", 3}},
+      {NxString(4294967295UL), 1, {"4294967295\0", 11}},
+      {NxString(0.1), 1, {"0.1\0", 4}},
+      {NxString(-1.5e300), 1, {"-1.5e+300\0", 10}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    EXPECT_EQ(Buffer(c.s), c.buffer);
+    EXPECT_EQ(c.s._nCodeSet, c.codeSet);
+    EXPECT_EQ(c.s._nLanguage, 1);
+  }
+}
+
+TEST(NxString, AssignmentCopiesTextCodeSetAndLanguage) {
+  NxString s = Wide(u"ab");
+  s = *&s;
+  EXPECT_EQ(Text16(s), u"ab");
+  NxString copy("old");
+  copy = s;
+  EXPECT_EQ(Buffer(copy), Buffer(s));
+  EXPECT_NE(copy._pBuffer, s._pBuffer);
+  EXPECT_EQ(copy._nLanguage, 2);
+  copy = NxString("a\0b", 3);  // what follows the first zero is no text
+  EXPECT_EQ(Buffer(copy), std::string("a\0", 2));
+  copy = "0123456789";  // a source in its own buffer
+  copy = copy.StrGet() + 4;
+  EXPECT_EQ(Text(copy), "456789");
+  copy = static_cast<const char*>(nullptr);
+  EXPECT_EQ(copy.StrGet(), zeroString);
+  s.Destruct(s);
+  copy.Destruct(s);
+  EXPECT_EQ(Text16(copy), u"ab");
+  EXPECT_EQ(s._nSize, 0);
+  EXPECT_EQ(s._nCodeSet, 253);
+}
+
+TEST(NxString, NullState) {
+  NxString s("abc");
+  EXPECT_EQ(s.IsNullValue(), 0);
+  EXPECT_EQ(s.SetNullValue(), 0);
+  EXPECT_EQ(s.IsNullValue(), 1);
+  EXPECT_EQ(s.Len(), 0);
+  EXPECT_EQ(s.StrGet(), zeroString);
+  s += NxString("x");  // editing leaves the language, and so the null state
+  EXPECT_EQ(s.IsNullValue(), 1);
+  EXPECT_EQ(NxString(s).IsNullValue(), 1);
+  s = "x";
+  EXPECT_EQ(s.IsNullValue(), 0);
+  EXPECT_EQ(NxString(254, 0).IsNullValue(), 1);
+  EXPECT_EQ(NxString(254, 1).IsNullValue(), 0);
+}
+
+TEST(NxString, CodeSets) {
+  NxString s = Narrow("\xA4z", 3);  // the euro sign of ISO 8859-15
+  EXPECT_EQ(s.SetCodeSetCode(253), kInvalidCodeSet);
+  EXPECT_EQ(s.MapToCodeSet(0), kInvalidCodeSet);
+  EXPECT_EQ(s._nCodeSet, 3);
+  EXPECT_EQ(s.MapToCodeSet(253), 0);
+  EXPECT_EQ(Text16(s), u"\u20ACz");
+  EXPECT_EQ(s._nSize, 6);
+  EXPECT_EQ(s.MapToCodeSet(1), 0);  // not in Latin-1
+  EXPECT_EQ(Buffer(s), std::string("\x7Fz\0", 3));
+  EXPECT_EQ(s.SetCodeSet(4), 0);  // same width: the bytes stay
+  EXPECT_EQ(Buffer(s), std::string("\x7Fz\0", 3));
+  NxString wide = Wide(u"\u00E9x");
+  EXPECT_EQ(wide.SetCodeSet(0), 0);
+  EXPECT_EQ(Buffer(wide), std::string("\xE9x\0", 3));
+  EXPECT_EQ(wide._nCodeSet, 0);
+  EXPECT_EQ(wide.SetCodeSet(253), 0);
+  EXPECT_EQ(Text16(wide), u"\u00E9x");
+}
+
+TEST(NxString, CopyMappedReusesALargerBuffer) {
+  NxString s("a long enough text here");
+  const char* buffer = s._pBuffer;
+  const unsigned short size = s._nSize;
+  EXPECT_EQ(s.CopyMapped(s, 253, -1), kInvalidCodeSet);
+  EXPECT_EQ(s.CopyMapped(Narrow("\xE9zz"), 253, 2), 2);
+  EXPECT_EQ(s._pBuffer, buffer);
+  EXPECT_EQ(s._nSize, size);
+  EXPECT_EQ(Text16(s), u"\u00E9z");
+  EXPECT_EQ(Buffer(s).find_first_not_of('\0', 4), std::string::npos);  // nothing of the old text
+  EXPECT_EQ(s._nLanguage, 2);
+  s += s.RightTrim();  // the end of the text is not that of the buffer
+  EXPECT_EQ(Text16(s), u"\u00E9z\u00E9z");
+  EXPECT_EQ(s.CopyMapped(NxString(), 1, -1), 0);
+  EXPECT_EQ(s.Len(), 0);
+  char* mapped = nullptr;
+  unsigned short room = 0;
+  EXPECT_EQ(AllocMappedN(1, 240, const_cast<char*>("abc"), 5, mapped, room), 3);
+  EXPECT_EQ(room, 12);
+  EXPECT_EQ(std::string(mapped, 12), std::string("a\0b\0c\0\0\0\0\0\0\0", 12));
+  const char* const reused = mapped;
+  EXPECT_EQ(AllocMappedN(1, 2, const_cast<char*>("xy"), -1, mapped, room), 2);
+  EXPECT_EQ(mapped, reused);
+  EXPECT_EQ(room, 12);
+  EXPECT_EQ(std::string(mapped, 12), std::string("xy\0\0c\0\0\0\0\0\0\0", 12));  // only text and zero
+  delete[] mapped;
+}
+
+TEST(NxString, Wildcards) {
+  const unsigned short asterisk = NxString::GetAsterisk(), question = NxString::GetQuestion();
+  EXPECT_EQ(asterisk, NxChar('*').GetOrder());
+  EXPECT_EQ(question, NxChar('?').GetOrder());
+  EXPECT_EQ(NxString::GetEscape(), NxChar('\\').GetOrder());
+  unsigned short order = 0;
+  EXPECT_EQ(NxString::SetAQE(NxChar('%'), order), 0);
+  EXPECT_EQ(order, NxChar('%').GetOrder());
+  EXPECT_EQ(NxString::SetAQE(NxChar(static_cast<unsigned short>(0xE9)), order), 0);
+  EXPECT_EQ(order, NxChar('\xE9').GetOrder());
+  const char swapped[] = {0, '%'};
+  EXPECT_EQ(NxString::SetAsterisk(NxChar(swapped, 253, 1, 2)), 0);
+  EXPECT_EQ(NxString::GetAsterisk(), NxChar('%').GetOrder());
+  NxString::SetAsterisk(NxChar('*'));
+  EXPECT_EQ(NxString::GetAsterisk(), asterisk);
+  EXPECT_EQ(NxString::GetQuestion(), question);
+}
+
+// ---------------------------------------------------------------------------
+// The buffer-building routine against its definition, told on byte strings.
+
+struct Build {
+  std::string src;
+  unsigned char srcCodeSet;
+  unsigned short destPos, start, length, repeat, mode;
+  unsigned char byteOrder;
+};
+
+std::string Swapped(std::string bytes, bool swap) {
+  for (size_t i = 0; swap && i + 1 < bytes.size(); i += 2) std::swap(bytes[i], bytes[i + 1]);
+  return bytes;
+}
+
+std::string Expected(const std::string& old, size_t w, const Build& b, std::string src) {
+  const bool swap = w == 2 && b.byteOrder == 2;
+  const size_t d = b.destPos * w, e = d + b.length * w;
+  std::string middle;
+  if (b.repeat == 1)
+    middle = Swapped(src.substr(b.start * w, b.length * w), swap);
+  else
+    for (int i = 0; i < b.repeat; ++i) middle += src.substr(0, w);
+  const std::string head = Swapped(old.substr(0, d), swap);
+  if (b.mode == 3) return head + middle + std::string(w, '\0');
+  if (old.empty()) return b.mode == 2 ? middle + std::string(w, '\0') : old;
+  return head + middle + Swapped(old.substr(b.mode == 2 ? d : e), swap);
+}
+
+TEST(BuildString, FollowsItsDefinition) {
+  std::mt19937 random(7);
+  const auto below = [&](unsigned n) { return static_cast<unsigned short>(random() % n); };
+  for (int round = 0; round < 20000; ++round) {
+    const size_t w = 1 + below(2), srcW = 1 + below(2);
+    NxString s(w == 1 ? below(5) : 253, 3);
+    const unsigned short length = below(6);
+    std::string old;
+    if (below(4)) {
+      for (size_t i = 0; i < length; ++i)
+        old +=
+            w == 1 ? std::string(1, 'a' + below(26)) : std::string({static_cast<char>('a' + below(26)), 0});
+      s.BuildString(old.c_str(), s._nCodeSet, 0, 0, length, 1, 3, 1);
+      old += std::string(w, '\0');
+      ASSERT_EQ(Buffer(s), old);
+    }
+    Build b;
+    std::string inOwnWidth;
+    const unsigned short available = below(6);
+    for (size_t i = 0; i < available; ++i) {
+      const char c = static_cast<char>('A' + below(26));
+      b.src += srcW == 1 ? std::string(1, c) : std::string({c, 0});
+      inOwnWidth += w == 1 ? std::string(1, c) : std::string({c, 0});
+    }
+    b.src += std::string(2, '\0');
+    b.srcCodeSet = srcW == 1 ? below(5) : 253;
+    b.mode = 1 + below(3);
+    const unsigned short textLength = s.Len();
+    b.destPos = below(textLength + 1);
+    b.repeat = b.mode == 3 && available > 0 && below(3) == 0 ? below(5) : 1;
+    b.start = b.repeat == 1 ? below(available + 1) : 0;
+    b.length = b.repeat == 1 ? below(available - b.start + 1) : 1;
+    if (b.mode == 1) b.length = std::min<unsigned short>(b.length, textLength - b.destPos);
+    b.byteOrder = below(3) == 0 ? 2 : 255;
+    const bool nothing = b.mode != 3 && available == 0;
+    const std::string expected = nothing ? old : Expected(old, w, b, inOwnWidth);
+    s.BuildString(b.src.c_str(), b.srcCodeSet, b.destPos, b.start, b.length, b.repeat, b.mode, b.byteOrder);
+    ASSERT_EQ(Buffer(s), expected) << "round " << round << " mode " << b.mode;
+    ASSERT_EQ(s._nLanguage, 3);
+  }
+}
+
+TEST(BuildString, StaysWithinItsTextsWhateverIsAsked) {
+  NxString s("abc");
+  s.BuildString("XY", 1, 4, 0, 2, 1, 2, 1);  // behind the terminator
+  s.BuildString("XY", 1, 2, 0, 2, 1, 1, 1);  // over the terminator
+  s.BuildString("XY", 1, 0, 0, 2, 1, 9, 1);
+  EXPECT_EQ(Buffer(s), std::string("abc\0", 4));
+  s.BuildString(s._pBuffer, 1, 1, 2, 20, 1, 3, 1);  // past the own buffer: zeros
+  EXPECT_EQ(Buffer(s), "ac" + std::string(20, '\0'));
+  s.BuildString("xy", 1, 30, 0, 1, 1, 3, 1);
+  EXPECT_EQ(Buffer(s).substr(22), std::string(8, '\0') + std::string("x\0", 2));
+  s = "abc";
+  s.BuildString("x", 1, 0, 0, 0, 9, 3, 1);  // copies without room for them
+  EXPECT_EQ(Buffer(s), std::string(1, '\0'));
+  NxString wide(253, 1);
+  const char unterminated[] = {'a', 'b', 'c'};
+  wide.MakeString(unterminated, 1, 3, 1);
+  EXPECT_EQ(Text16(wide), u"abc");
+  wide.MakeString("ab", 1, 5, 1);
+  EXPECT_EQ(wide._nSize, 12);
+}
+
+// ---------------------------------------------------------------------------
+// The limit
+
+TEST(Overflow, OneByteMoreThanTheLimitIsReportedAndChangesNothing) {
+  const std::string most(65532, 'x');
+  NxString s(most.c_str());
+  Reports reports;
+  EXPECT_EQ(s._nSize, 65533);
+  const std::vector<std::function<void()>> edits = {
+      [&] { s += NxString('x'); },
+      [&] { s << s; },
+      [&] { s << 1; },
+      [&] { s.Insert(NxString('x'), 5); },
+      [&] { s = (most + "x").c_str(); },
+      [&] { s = std::string(65536 + 3, 'y').c_str(); },  // 3 in 16 bits
+      [&] { s << std::string(131072, 'y').c_str(); },
+      [&] { s.Fill(65533, 'y'); },
+      [&] { s.Expand(65535, 'y'); },
+      [&] { s.MakeString((most + "xyz").c_str(), 1, -2, 1); },
+      [&] { s.BuildString("ab", 1, 65535, 0, 65535, 65535, 3, 1); },
+      [&] { s.ReplaceAll(NxString('x'), NxString("ab")); },
+  };
+  for (const auto& edit : edits) {
+    SCOPED_TRACE(&edit - &edits[0]);
+    edit();
+    EXPECT_EQ(reports.Take(), kBuildOverflow);
+    ASSERT_EQ(s._nSize, 65533);
+    EXPECT_EQ(Text(s), most);
+  }
+  EXPECT_EQ(NxString(std::string(65536 + 3, 'y').c_str())._pBuffer, nullptr);
+  EXPECT_EQ(reports.Take(), kBuildOverflow);
+  NxString wide(253, 1);
+  wide.Fill(32765, 'y');
+  EXPECT_TRUE(reports.Take().empty());
+  EXPECT_EQ(wide.Len(), 32765);
+  wide.Fill(32766, 'y');
+  EXPECT_EQ(reports.Take(), kBuildOverflow);
+}
+
+TEST(Overflow, OfConversions) {
+  Reports reports;
+  NxString s(std::string(32766, 'x').c_str()), target("t");
+  EXPECT_EQ(s.MapToCodeSet(253), kInvalidCodeSet);
+  EXPECT_EQ(s.SetCodeSet(253), kInvalidCodeSet);
+  EXPECT_EQ(s._nSize, 32767);
+  EXPECT_EQ(s._nCodeSet, 1);
+  EXPECT_EQ(reports.Take().size(), 2U);
+  EXPECT_EQ(target.CopyMapped(s, 253, -1), 0);
+  EXPECT_EQ(reports.Take(), kMapOverflow);
+  EXPECT_EQ(target._nCodeSet, 1);
+  EXPECT_EQ(target.CopyMapped(s, 253, 32764), 32764);
+  EXPECT_EQ(target._nSize, 65530);
+  NxString wide(253, 1);
+  wide += s;
+  EXPECT_EQ(wide._pBuffer, nullptr);
+  EXPECT_EQ(reports.Take(), kBuildOverflow);
+  for (const unsigned long length : {32766UL, 32767UL, 65535UL, 70000UL}) {
+    char* out = nullptr;
+    EXPECT_EQ(AllocMapped(1, 253, std::string(length, 'x').data(), out, 0, 1), 65534);
+    EXPECT_EQ(out[65531] | out[65533], 0);
+    EXPECT_EQ(out[65530], 'x');
+    EXPECT_EQ(reports.Take().empty(), length == 32766);
+    delete[] out;
+  }
+}
+
+class OneSetting final : public NxConfig {
+ public:
+  void Set(const char*, unsigned short) override {}
+  int Query(const char* key, unsigned short* value, const NxConfigScope* scope) override {
+    asked = std::string(scope->section) + "." + key;
+    if (present) *value = 1;
+    return present;
+  }
+  bool present = false;
+  std::string asked;
+};
+
+TEST(Overflow, TheConfigurationDecidesWhetherItIsReported) {
+  Reports reports;
+  NxConfig* before = DefaultConfig(NxAskConfig());
+  OneSetting config;
+  DefaultConfig(&config);
+  NxString s;
+  s.Fill(65535, 'x');
+  EXPECT_EQ(config.asked, "debug.stringOverflow");
+  EXPECT_TRUE(reports.Take().empty());
+  config.present = true;
+  s.Fill(65535, 'x');
+  EXPECT_EQ(reports.Take(), kBuildOverflow);
+  DefaultConfig(before);
+}
+
+}  // namespace

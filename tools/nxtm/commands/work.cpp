@@ -1,0 +1,274 @@
+// The commands that work on stores.
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+#include "commands/commands.h"
+#include "data/csvfile.h"
+#include "data/failure.h"
+#include "data/progress.h"
+#include "query/query.h"
+#include "store/index.h"
+#include "store/store.h"
+
+namespace nxtm {
+
+namespace {
+
+class Stopwatch {
+ public:
+  double Seconds() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+  }
+
+ private:
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+/// Turns the rows of a file into records of a store.
+class Importer {
+ public:
+  Importer(Store& store, const std::string& file) : store_(store), schema_(store.GetSchema()), file_(file) {}
+
+  /// The first row names the columns, in the order of the schema.
+  void TakeHeader(const CsvRow& row) {
+    CheckWidth(row);
+    for (unsigned long i = 0; i < row.fields.size(); ++i) {
+      const std::string& wanted = schema_.Columns()[i].name;
+      const std::string& found = row.fields[i].text;
+      if (found != wanted) Fail(row, i, "column '" + wanted + "' is missing here, found '" + found + "'");
+    }
+  }
+
+  void TakeRow(const CsvRow& row) {
+    CheckWidth(row);
+    record_.clear();
+    fields_.clear();
+    for (unsigned long i = 0; i < row.fields.size(); ++i) {
+      fields_.push_back(TakeField(row, i));
+      Record::Append(record_, schema_.Columns()[i], fields_.back());
+    }
+    AddToIndexes(store_, store_.Append(record_), fields_);
+  }
+
+ private:
+  [[noreturn]] void Fail(const CsvRow& row, unsigned long field, const std::string& reason) const {
+    Place place = PlaceOfField(row, field);
+    throw FailureAt(file_, place.line, place.column, reason);
+  }
+
+  void CheckWidth(const CsvRow& row) const {
+    unsigned long wanted = schema_.Columns().size(), found = row.fields.size();
+    if (found < wanted) Fail(row, found, "column '" + schema_.Columns()[found].name + "' is missing");
+    if (found > wanted)
+      Fail(row, wanted,
+           "the row has " + std::to_string(found) + " fields, the schema " + std::to_string(wanted));
+  }
+
+  Field TakeField(const CsvRow& row, unsigned long i) const {
+    const CsvField& field = row.fields[i];
+    const Column& column = schema_.Columns()[i];
+    try {
+      if (!field.isNull) return {ImageOfText(column.type, field.text, column.style), false};
+      if (column.nullable) return {NullImage(column.type), true};
+      if (IsText(column.type)) return {ImageOfText(column.type, "", column.style), false};
+      throw Failure("the field is empty and the column not nullable");
+    } catch (const Failure& failure) {
+      Fail(row, i, "column '" + column.name + "': " + failure.what());
+    }
+  }
+
+  Store& store_;
+  const Schema& schema_;
+  const std::string& file_;
+  std::string record_;
+  std::vector<Field> fields_;
+};
+
+std::unique_ptr<Store> OpenForImport(const std::string& schemaFile, const std::string& storeFile) {
+  Schema schema = Schema::Read(schemaFile);
+  if (!Store::Exists(storeFile)) return Store::Create(storeFile, schema);
+  auto store = Store::Open(storeFile, Store::Mode::kWrite);
+  if (store->GetSchema().Text() != schema.Text())
+    throw Failure(storeFile + ": has another schema than " + schemaFile + ":\n" + store->GetSchema().Text());
+  // A damaged store would only be damaged further.
+  store->ForEach([](unsigned int, std::string_view) {});
+  for (const IndexInfo& index : store->Indexes()) {
+    RequireCurrent(*store, index);
+    WalkIndex(*store, index);
+  }
+  return store;
+}
+
+/// A record of one null is exported as an empty line, and comes back from it.
+EmptyLine EmptyLineOf(const Schema& schema) {
+  bool oneNullable = schema.Columns().size() == 1 && schema.Columns()[0].nullable;
+  return oneNullable ? EmptyLine::kNullRow : EmptyLine::kNoRow;
+}
+
+std::string CsvOf(const Schema& schema, const std::vector<Field>& fields) {
+  std::string line;
+  for (unsigned long i = 0; i < fields.size(); ++i) {
+    const Column& column = schema.Columns()[i];
+    if (i) line += ',';
+    if (fields[i].isNull) continue;
+    // The null state of a type is written like a null of the column.
+    TextOfValue value = TextOfImage(column.type, fields[i].image);
+    line +=
+        CsvText(value.text, value.isNull || (value.text.empty() && !column.nullable && fields.size() > 1));
+  }
+  line += '\n';
+  return line;
+}
+
+void PrintHeader(const Schema& schema) {
+  std::string line;
+  for (const Column& column : schema.Columns()) line += (line.empty() ? "" : ",") + column.name;
+  std::printf("%s\n", line.c_str());
+}
+
+void PrintBound(const char* name, const Image& bound, char type) {
+  if (bound.empty()) {
+    std::printf("--   %s open\n", name);
+    return;
+  }
+  std::string text;
+  if (type == kStringTypeId) {
+    NxString key;
+    Manager().Translate(type, &key, kFormatMemory, 0, const_cast<char*>(bound.data()),
+                        kFormatKey | kFormatNative, bound.size(), 1);
+    for (NxStringIterator it(key); unsigned short order = it.GetNextOrder(1);) {
+      unsigned char ch = 0;
+      NxConvertOrderToChar(order, it._nCollation, ch, 1, nullptr);
+      text += order >= kFirstHanOrder ? "\xE2\x80\xA6" : Utf8OfString(NxString(static_cast<char>(ch)));
+    }
+  } else if (!IsText(type)) {
+    text = TextOfImage(type, bound).text;
+  }
+  std::printf("--   %s %s  %s\n", name, text.c_str(), Hex(bound).c_str());
+}
+
+void Explain(const Store& store, const QueryReport& report, double seconds) {
+  for (const Access& access : report.considered) {
+    const Column& column = store.GetSchema().Columns()[access.index.attribute];
+    auto used = std::find_if(report.used.begin(), report.used.end(),
+                             [&](const Access& other) { return other.term == access.term; });
+    std::printf("-- %s: %s index of %s, estimated fraction %.6f (%.0f records)%s\n",
+                access.term->text.c_str(), access.index.hash ? "hash" : "ordered", column.name.c_str(),
+                access.fraction, access.fraction * static_cast<double>(store.Count()),
+                used == report.used.end() ? ", not used" : "");
+    if (!access.index.hash) {
+      PrintBound("from", access.lower, column.type);
+      PrintBound("to  ", access.upper, column.type);
+      if (access.plainToo) std::printf("--   and all texts in plain order\n");
+    }
+    if (used != report.used.end()) std::printf("--   %lu entries read\n", used->entriesRead);
+  }
+  if (report.used.empty()) std::printf("-- no index helps: all records are read\n");
+  std::printf("-- %lu of %lu records read, %lu found, %.3f ms\n", report.recordsRead, store.Count(),
+              report.found, seconds * 1000);
+}
+
+}  // namespace
+
+void Import(const std::string& schemaFile, const std::string& dataFile, const std::string& storeFile,
+            bool header) {
+  Stopwatch watch;
+  auto store = OpenForImport(schemaFile, storeFile);
+  std::string data = ReadFile(dataFile);
+  unsigned long before = store->Count();
+  Importer importer(*store, dataFile);
+  Progress progress("importing", data.size());
+  bool headerNext = header;
+  ReadCsv(data, dataFile, EmptyLineOf(store->GetSchema()), [&](const CsvRow& row) {
+    if (headerNext)
+      importer.TakeHeader(row);
+    else
+      importer.TakeRow(row);
+    headerNext = false;
+    progress.At(data.size() - row.rest.size());
+  });
+  if (headerNext) throw FailureAt(dataFile, 1, 1, "the row with the names of the columns is missing");
+  store->Commit();
+  unsigned long added = store->Count() - before;
+  double seconds = watch.Seconds();
+  std::printf("%lu records imported in %.2f s (%.0f a second), %.2f MB in, store %.2f MB\n", added, seconds,
+              static_cast<double>(added) / seconds, static_cast<double>(data.size()) / 1e6,
+              static_cast<double>(store->FileSize()) / 1e6);
+}
+
+void Export(const std::string& storeFile, bool header) {
+  auto store = Store::Open(storeFile, Store::Mode::kRead);
+  if (header) PrintHeader(store->GetSchema());
+  std::vector<Field> fields;
+  store->ForEach([&](unsigned int number, std::string_view record) {
+    try {
+      Record::Split(store->GetSchema(), record, fields);
+      std::string line = CsvOf(store->GetSchema(), fields);
+      std::fwrite(line.data(), 1, line.size(), stdout);
+    } catch (const Failure& failure) {
+      throw Failure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
+    }
+  });
+}
+
+void Check(const std::string& storeFile) {
+  auto store = Store::Open(storeFile, Store::Mode::kRead);
+  Progress progress("checking", store->Count());
+  std::vector<Field> fields;
+  store->ForEach([&](unsigned int number, std::string_view record) {
+    try {
+      Record::Split(store->GetSchema(), record, fields);
+      for (unsigned long i = 0; i < fields.size(); ++i)
+        if (!fields[i].isNull) TextOfImage(store->GetSchema().Columns()[i].type, fields[i].image);
+    } catch (const Failure& failure) {
+      throw Failure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
+    }
+    progress.At(number);
+  });
+  std::printf("%lu records: sound\n", store->Count());
+  for (const IndexInfo& index : store->Indexes()) {
+    unsigned long entries = CheckIndex(*store, index);
+    std::printf("%s index of %s, %lu entries: sound\n", index.hash ? "hash" : "ordered",
+                store->GetSchema().Columns()[index.attribute].name.c_str(), entries);
+  }
+}
+
+void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash) {
+  Stopwatch watch;
+  auto store = Store::Open(storeFile, Store::Mode::kWrite);
+  BuildIndex(*store, IndexInfo{store->GetSchema().Find(attribute), hash, 0});
+  store->Commit();
+  std::printf("%s index of %s made in %.2f s, store %.2f MB\n", hash ? "hash" : "ordered", attribute.c_str(),
+              watch.Seconds(), static_cast<double>(store->FileSize()) / 1e6);
+}
+
+void Reindex(const std::string& storeFile) {
+  Stopwatch watch;
+  auto store = Store::Open(storeFile, Store::Mode::kWrite);
+  for (const IndexInfo& index : store->Indexes()) BuildIndex(*store, index);
+  unsigned long made = store->Indexes().size();
+  store->Commit();
+  std::printf("%lu indexes rebuilt in %.2f s\n", made, watch.Seconds());
+}
+
+void Query(const std::string& storeFile, const std::string& condition, const QueryOptions& options) {
+  auto store = Store::Open(storeFile, Store::Mode::kRead);
+  Condition parsed = Condition::Parse(condition, store->GetSchema());
+  Stopwatch watch;
+  std::string output;
+  unsigned long printed = 0;
+  QueryReport report =
+      RunQuery(*store, parsed, options.scan, [&](unsigned int, const std::vector<Field>& fields) {
+        if (options.count || (options.limit && printed >= options.limit)) return;
+        ++printed;
+        output += CsvOf(store->GetSchema(), fields);
+      });
+  double seconds = watch.Seconds();
+  if (options.explain) Explain(*store, report, seconds);
+  std::fwrite(output.data(), 1, output.size(), stdout);
+  if (options.count) std::printf("%lu\n", report.found);
+}
+
+}  // namespace nxtm

@@ -1,0 +1,68 @@
+/// Schemas of the workbench: the columns of a table, one a line:
+///
+///   # the cities
+///   name        NxString  language=german
+///   population  long      nullable
+///   codes       NxString  nullable codeset=253
+///
+/// A column's name is letters, digits and "_". A nullable column of a type without
+/// a null state is stored with a byte before its image: 1 for null (no image
+/// follows), 0 otherwise.
+#ifndef NXTM_SCHEMA_H
+#define NXTM_SCHEMA_H
+
+#include <string>
+#include <vector>
+
+#include "data/value.h"
+
+namespace nxtm {
+
+struct Column {
+  std::string name;
+  char type = 0;
+  bool nullable = false;
+  TextStyle style;
+
+  /// Whether a byte before the image tells null.
+  bool HasNullByte() const { return nullable && !Manager().SupportsNullValue(type); }
+};
+
+class Schema {
+ public:
+  /// Throws a Failure with file, line and column.
+  static Schema Parse(const std::string& text, const std::string& file);
+  static Schema Read(const std::string& file);
+
+  /// The text that Parse reads back as this schema.
+  std::string Text() const;
+  const std::vector<Column>& Columns() const { return columns_; }
+  /// The place of a column; a Failure names the columns when there is none.
+  unsigned long Find(const std::string& name) const;
+
+ private:
+  std::vector<Column> columns_;
+};
+
+/// One attribute of a record: its stored image, or null.
+struct Field {
+  Image image;
+  bool isNull = false;
+};
+
+/// A record is the images of its attributes one after another.
+class Record {
+ public:
+  /// Takes a record apart; `fields` may be those of another one, whose memory serves
+  /// again. Throws a Failure that names the attribute whose image is damaged.
+  static void Split(const Schema& schema, std::string_view bytes, std::vector<Field>& fields);
+  /// Appends an attribute to a record under construction.
+  static void Append(std::string& bytes, const Column& column, const Field& field);
+};
+
+/// The whole of a file; a Failure when it cannot be read.
+std::string ReadFile(const std::string& path);
+
+}  // namespace nxtm
+
+#endif

@@ -1,0 +1,74 @@
+/// Conditions on the records of a store, and the plan that finds the records.
+///
+///   word = "Haus*" and (length > 5 or note is null)
+///   name = "muenchen" ignoring case, accents
+///   born < 1960-01-01
+///   name = "what?" literally
+///
+/// Relations: = != < <= > >=. Texts stand in quotes, which are doubled inside. In a
+/// text "*" stands for any characters and "?" for one, unless `literally` follows;
+/// `ignoring` takes case, accents, symbols and spaces. In a date "*" stands for any
+/// year, month or day. Null matches nothing but `is null`.
+#ifndef NXTM_QUERY_H
+#define NXTM_QUERY_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "store/index.h"
+#include "store/store.h"
+
+namespace nxtm {
+
+/// One comparison of an attribute.
+struct Term {
+  unsigned long attribute = 0;
+  unsigned short relation = 0;  // relation bits; 0 for a test of null
+  unsigned short options = 0;
+  Image key;              // the value compared with, as a stored image
+  bool wantNull = false;  // of a test of null: whether null matches
+  std::string text;       // as it was written
+};
+
+/// A condition: a term, or conditions joined.
+struct Condition {
+  enum class Kind { kTerm, kAnd, kOr } kind = Kind::kTerm;
+  Term term;
+  std::vector<Condition> parts;
+
+  /// Throws a Failure that names the place in the text and what was expected there.
+  static Condition Parse(const std::string& text, const Schema& schema);
+  bool Matches(const Schema& schema, const std::vector<Field>& fields) const;
+};
+
+/// A way through an index to the records that one term may select.
+struct Access {
+  const Term* term = nullptr;
+  IndexInfo index;
+  double fraction = 1.0;  // estimated part of the index, 0 to 1
+  Image lower, upper;     // scan bounds; empty when open
+  bool plainToo = false;  // texts in plain order are read, too: they sort behind all bounds
+  unsigned long entriesRead = 0;
+};
+
+/// What a query read and found.
+struct QueryReport {
+  std::vector<Access> considered;  // every indexed term's estimate
+  std::vector<Access> used;        // none: all records were read
+  unsigned long recordsRead = 0;
+  unsigned long found = 0;
+};
+
+/// Runs a condition; onRecord gets every record found, in order of number. With
+/// `scan` no index is used.
+QueryReport RunQuery(Store& store, const Condition& condition, bool scan,
+                     const std::function<void(unsigned int, const std::vector<Field>&)>& onRecord);
+
+/// Scan bounds and estimate of a term on an ordered index. A term that selects no
+/// range of the index has no bounds.
+Access BoundTerm(Store& store, const Term& term, const IndexInfo& index);
+
+}  // namespace nxtm
+
+#endif

@@ -1,0 +1,216 @@
+// Indexes: their keys, building and checking.
+
+#include "store/index.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "data/failure.h"
+#include "data/progress.h"
+#include "nxlang.h"
+
+namespace nxtm {
+
+namespace {
+
+std::string Describe(const Store& store, const IndexInfo& index) {
+  return store.Path() + ": " + (index.hash ? "hash" : "ordered") + " index of '" +
+         store.GetSchema().Columns()[index.attribute].name + "'";
+}
+
+bool HasApart(const Store& store, const IndexInfo& index) {
+  return !index.hash && IsText(store.GetSchema().Columns()[index.attribute].type);
+}
+
+/// The key of an image as the index's table holds it.
+Image TableKey(const IndexInfo& index, char type, const Image& image) {
+  if (!index.hash) return OrderedKey(type, image);
+  unsigned int hash = HashKey(type, image);
+  return Image(reinterpret_cast<const char*>(&hash), sizeof hash);
+}
+
+/// The entries that an index should have, in its order.
+class Entries {
+ public:
+  Entries(Store& store, const IndexInfo& index, MDB_dbi table) : store_(store), index_(index), table_(table) {
+    Progress progress("indexing", store.Count());
+    store.ForEach([&](unsigned int number, std::string_view record) {
+      Take(record, number);
+      progress.At(number);
+    });
+    std::sort(entries_.begin(), entries_.end(), [this](const Entry& a, const Entry& b) {
+      int order = Compare(KeyOf(a), KeyOf(b));
+      return order < 0 || (order == 0 && a.number < b.number);
+    });
+  }
+
+  struct Entry {
+    unsigned long at;  // of the key among the keys
+    unsigned char size;
+    unsigned int number;
+  };
+
+  const std::vector<Entry>& Sorted() const { return entries_; }
+  const std::vector<unsigned int>& Apart() const { return apart_; }
+  MDB_val KeyOf(const Entry& entry) const { return Val({keys_.data() + entry.at, entry.size}); }
+  int Compare(MDB_val a, MDB_val b) const { return mdb_cmp(store_.Txn(), table_, &a, &b); }
+
+ private:
+  void Take(std::string_view record, unsigned int number) {
+    Field field = FieldOf(store_.GetSchema(), record, index_.attribute);
+    if (field.isNull) return;
+    char type = store_.GetSchema().Columns()[index_.attribute].type;
+    Image key = TableKey(index_, type, field.image);
+    if (index_.hash || IsWhole(type, key)) {
+      entries_.push_back({keys_.size(), static_cast<unsigned char>(key.size()), number});
+      keys_ += key;
+    } else {
+      apart_.push_back(number);
+    }
+  }
+
+  Store& store_;
+  const IndexInfo& index_;
+  MDB_dbi table_;
+  std::string keys_;
+  std::vector<Entry> entries_;
+  std::vector<unsigned int> apart_;
+};
+
+unsigned int NumberOf(const MDB_val& data) {
+  unsigned int number = 0;
+  if (data.mv_size == sizeof number) std::memcpy(&number, data.mv_data, sizeof number);
+  return number;
+}
+
+/// Compares what is listed apart with what should be.
+void CheckApart(Store& store, const IndexInfo& index, const std::vector<unsigned int>& expected) {
+  Cursor cursor(store, store.ApartTable(index, false));
+  MDB_val key, data;
+  bool equal = true;
+  for (unsigned int number : expected)
+    equal = equal && cursor.Get(key, data, MDB_NEXT) && NumberOf(key) == number;
+  if (!equal || cursor.Get(key, data, MDB_NEXT))
+    throw Failure(Describe(store, index) + ": the list of the records apart is damaged");
+}
+
+}  // namespace
+
+bool IsText(char type) {
+  const char* name = Manager().NameGet(type, nullptr);
+  return std::strstr(name, "String") != nullptr;
+}
+
+Image OrderedKey(char type, const Image& image) {
+  if (!IsText(type)) return image;
+  Image key(NxINDEX_MAX_KEYLEN, '\0');
+  int size = Manager().Translate(type, key.data(), kFormatKey | kFormatNative, key.size(),
+                                 const_cast<char*>(image.data()), kFormatNative, image.size(), 1);
+  key.resize(static_cast<unsigned>(size));
+  return key;
+}
+
+bool IsCut(const Image& key) { return key.size() >= NxINDEX_MAX_KEYLEN; }
+
+bool IsWhole(char type, const Image& key) {
+  if (!IsText(type)) return true;
+  constexpr unsigned char kStopsEarly = 0x80;  // in the language byte of a string's key
+  return !IsCut(key) && (type != kStringTypeId || !(static_cast<unsigned char>(key[3]) & kStopsEarly));
+}
+
+unsigned int HashKey(char type, const Image& image) {
+  int error = 0;
+  return static_cast<unsigned int>(
+      Manager().Hash(type, image.size(), const_cast<char*>(image.data()), 1, kFormatNative, error));
+}
+
+Field FieldOf(const Schema& schema, std::string_view record, unsigned long attribute) {
+  for (unsigned long i = 0;; ++i) {
+    const Column& column = schema.Columns()[i];
+    bool isNull = false;
+    if (column.HasNullByte() && !record.empty()) {
+      isNull = record[0] == 1;
+      record.remove_prefix(1);
+    }
+    unsigned long size = isNull ? 0 : ImageSize(column.type, record);
+    if (!isNull && size == 0) throw Failure("attribute '" + column.name + "' is damaged");
+    if (i == attribute) {
+      Field field{Image(record.substr(0, size)), isNull};
+      if (column.nullable && !column.HasNullByte()) field.isNull = field.image == NullImage(column.type);
+      return field;
+    }
+    record.remove_prefix(size);
+  }
+}
+
+void RequireCurrent(const Store& store, const IndexInfo& index) {
+  if (!IsText(store.GetSchema().Columns()[index.attribute].type) || index.collation == NxCollationVersion())
+    return;
+  throw Failure(Describe(store, index) + " was made with version " + std::to_string(index.collation) +
+                " of the collation data, this is version " + std::to_string(NxCollationVersion()) +
+                "; rebuild it with: nxtm reindex " + store.Path());
+}
+
+void WalkIndex(Store& store, const IndexInfo& index) {
+  Cursor cursor(store, store.IndexTable(index, false));
+  MDB_val key, data;
+  for (unsigned long entries = 0; cursor.Get(key, data, MDB_NEXT); ++entries)
+    if (entries == store.Count() || data.mv_size != sizeof(unsigned int) || NumberOf(data) >= store.Count())
+      throw Failure(Describe(store, index) + " is damaged; export the records and import them anew");
+}
+
+void BuildIndex(Store& store, const IndexInfo& index) {
+  if (const IndexInfo* old = store.FindIndex(index.attribute, index.hash)) WalkIndex(store, *old);
+  MDB_dbi table = store.IndexTable(index, true);
+  Entries entries(store, index, table);
+  Cursor cursor(store, table);
+  const Entries::Entry* before = nullptr;
+  for (const Entries::Entry& entry : entries.Sorted()) {
+    // Entries in order are appended, which fills every page.
+    bool again = before && entries.Compare(entries.KeyOf(*before), entries.KeyOf(entry)) == 0;
+    unsigned int number = entry.number;
+    cursor.Put(entries.KeyOf(entry), ValOf(number), again ? MDB_APPENDDUP : MDB_APPEND);
+    before = &entry;
+  }
+  if (HasApart(store, index)) {
+    Cursor apart(store, store.ApartTable(index, true));
+    for (unsigned int number : entries.Apart()) apart.Put(ValOf(number), {}, MDB_APPEND);
+  }
+  store.AddIndex({index.attribute, index.hash, NxCollationVersion()});
+}
+
+void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& fields) {
+  for (const IndexInfo& index : store.Indexes()) {
+    const Field& field = fields[index.attribute];
+    if (field.isNull) continue;
+    char type = store.GetSchema().Columns()[index.attribute].type;
+    Image key = TableKey(index, type, field.image);
+    if (index.hash || IsWhole(type, key))
+      Cursor(store, store.IndexTable(index, false)).Put(Val(key), ValOf(number), 0);
+    else
+      Cursor(store, store.ApartTable(index, false)).Put(ValOf(number), {}, MDB_APPEND);
+  }
+}
+
+unsigned long CheckIndex(Store& store, const IndexInfo& index) {
+  RequireCurrent(store, index);
+  const std::string where = Describe(store, index);
+  MDB_dbi table = store.IndexTable(index, false);
+  Entries expected(store, index, table);
+  if (HasApart(store, index)) CheckApart(store, index, expected.Apart());
+
+  Cursor cursor(store, table);
+  MDB_val key, data;
+  for (const Entries::Entry& entry : expected.Sorted()) {
+    const std::string of = " of record " + std::to_string(entry.number);
+    if (!cursor.Get(key, data, MDB_NEXT)) throw Failure(where + " ends before the entry" + of);
+    if (data.mv_size != sizeof entry.number || NumberOf(data) != entry.number)
+      throw Failure(where + " has another entry in place of that" + of);
+    if (expected.Compare(expected.KeyOf(entry), key) != 0)
+      throw Failure(where + ": the entry" + of + " is not its key");
+  }
+  if (cursor.Get(key, data, MDB_NEXT)) throw Failure(where + " has an entry too many");
+  return expected.Sorted().size() + expected.Apart().size();
+}
+
+}  // namespace nxtm

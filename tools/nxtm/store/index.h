@@ -1,0 +1,50 @@
+/// Indexes of a store: keys, building, checking.
+///
+/// The key of an ordered index is the attribute's image; of a text its key form, at
+/// most 254 bytes. Texts that have no key of their own are listed apart. The key of a
+/// hash index is the hash of the image. Null attributes have no entry.
+#ifndef NXTM_INDEX_H
+#define NXTM_INDEX_H
+
+#include <string>
+#include <string_view>
+
+#include "store/store.h"
+
+namespace nxtm {
+
+/// Whether values of the type are texts, which order by collation data.
+bool IsText(char type);
+
+/// The key of an attribute's image in an ordered index.
+Image OrderedKey(char type, const Image& image);
+/// Whether a text's key is cut short because it would be too long.
+bool IsCut(const Image& key);
+/// Whether a key stands for the whole of its text. One that does not (it is cut, or the
+/// text changes to another collation) says nothing of the rest, and two of such sort as
+/// their texts do only where a base letter differs. Their records are listed apart.
+bool IsWhole(char type, const Image& key);
+/// The key of an attribute's image in a hash index.
+unsigned int HashKey(char type, const Image& image);
+
+/// One attribute of a record, without taking the others further apart than needed.
+Field FieldOf(const Schema& schema, std::string_view record, unsigned long attribute);
+
+/// Refuses an index whose texts were ordered under other collation data, naming the
+/// command that rebuilds it.
+void RequireCurrent(const Store& store, const IndexInfo& index);
+
+/// Walks the entries of an index as they lie. Throws a Failure for damage that must not
+/// be built on: writing to it could reach other pages than its own.
+void WalkIndex(Store& store, const IndexInfo& index);
+/// Fills an index anew from the records.
+void BuildIndex(Store& store, const IndexInfo& index);
+/// Adds a record that was appended to every index of the store.
+void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& fields);
+/// Compares an index with the records, both ways. Throws a Failure at the first
+/// difference; returns the number of its entries, those apart included.
+unsigned long CheckIndex(Store& store, const IndexInfo& index);
+
+}  // namespace nxtm
+
+#endif
