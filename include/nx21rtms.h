@@ -7,6 +7,9 @@
 
 // Types and their manager.
 #include "nxconv.h"
+#include "nxnulltext.h"
+#include "nxoption.h"
+#include "nxslot.h"
 #include "nxtmdata.h"
 #include "nxtmvers.h"
 #include "nxtypcmp.h"

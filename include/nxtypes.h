@@ -26,34 +26,9 @@
 #ifndef NXTYPES_H
 #define NXTYPES_H
 
-#include <type_traits>
-
 #include "nxapi.h"
 #include "nxbase.h"
-#include "nxtypmgr.h"
-
-/// The function type of each slot of `NxTypeTab`.
-struct NxSlot {
-  using Create = std::remove_pointer_t<decltype(NxTypeTab::Create)>;
-  using Delete = std::remove_pointer_t<decltype(NxTypeTab::Delete)>;
-  using Store = std::remove_pointer_t<decltype(NxTypeTab::Store)>;
-  using Load = std::remove_pointer_t<decltype(NxTypeTab::Load)>;
-  using NullSizeGet = std::remove_pointer_t<decltype(NxTypeTab::NullSizeGet)>;
-  using SizeGet = std::remove_pointer_t<decltype(NxTypeTab::SizeGet)>;
-  using SizeGetFromMemFile = std::remove_pointer_t<decltype(NxTypeTab::SizeGetFromMemFile)>;
-  using Compare = std::remove_pointer_t<decltype(NxTypeTab::Compare)>;
-  using EvalAndBound = std::remove_pointer_t<decltype(NxTypeTab::EvalAndBound)>;
-  using Hash = std::remove_pointer_t<decltype(NxTypeTab::Hash)>;
-  using ConvertTo = std::remove_pointer_t<decltype(NxTypeTab::ConvertToNxString)>;
-  using ConvertFrom = std::remove_pointer_t<decltype(NxTypeTab::ConvertFromNxString)>;
-  using Place = std::remove_pointer_t<decltype(NxTypeTab::Constructor)>;
-  using Copy = std::remove_pointer_t<decltype(NxTypeTab::Copy)>;
-  using Translate = std::remove_pointer_t<decltype(NxTypeTab::Translate)>;
-  using Null = std::remove_pointer_t<decltype(NxTypeTab::IsNull)>;
-  using Print = std::remove_pointer_t<decltype(NxTypeTab::PrintToNxString)>;
-  using Scan = std::remove_pointer_t<decltype(NxTypeTab::ScanFromNxString)>;
-  using DefaultValue = std::remove_pointer_t<decltype(NxTypeTab::DefaultValue)>;
-};
+#include "nxslot.h"
 
 // ---------------------------------------------------------------------------
 // Life cycle

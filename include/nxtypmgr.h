@@ -10,88 +10,10 @@
 #define NXTYPMGR_H
 
 #include "nxapi.h"
+#include "nxnulltext.h"
+#include "nxslot.h"
 
-class MemFile;
-class NxString;
-class NxTypeConvertData;
 struct NxEvalData;
-struct NxIdxBounds;
-
-/// Names a type: 0 to 40 the built-in types, 100 and above the illegal type.
-using NxTypeId = signed char;
-
-inline constexpr unsigned long kTypeCount = 41;     // entries of NxNewtypetab
-inline constexpr unsigned long kOldTypeCount = 28;  // entries of NxOldtypetab
-inline constexpr char kStringTypeId = 11;           // NxString
-inline constexpr char kIllegalTypeId = 100;         // the identifier of a record without type
-inline constexpr int kIllegalTypeIndex = 40;        // the illegal type's place in NxNewtypetab
-
-/// Result code: not possible for this type in this form.
-inline constexpr int kNotPossible = -2999;
-
-/// Descriptor record of a type: its name, its operations, its print format and
-/// its size. "Values" are n consecutive values in memory; an image is their
-/// stored form. Counts are in values, sizes and lengths in bytes.
-struct NxTypeTab {
-  const char* name;
-
-  /// Allocates n values. Released by Delete of the same record with the same n.
-  void* (*Create)(unsigned long n);
-  /// Destroys and releases what Create made; null is accepted. Returns 0.
-  int (*Delete)(void* values, unsigned long n);
-  /// Writes the image of n values; returns the bytes written.
-  int (*Store)(void* image, const void* values, unsigned char format, unsigned long n);
-  /// Reads n constructed values from an image; returns the bytes consumed.
-  int (*Load)(void* values, const void* image, unsigned char format, unsigned long n);
-  /// Stored bytes of n empty values.
-  int (*NullSizeGet)(unsigned long n);
-  /// Stored bytes of n values, which are in memory when bit 3 of form is set and
-  /// an image written under format otherwise.
-  int (*SizeGet)(const void* p, unsigned char form, unsigned char format, unsigned long n);
-  /// Stored bytes of the n values whose image starts at the file's offset.
-  int (*SizeGetFromMemFile)(MemFile* file, unsigned char format, unsigned long n);
-  /// Three-way comparison of count values; lengths of 0 mean no limit.
-  long (*Compare)(unsigned char format, unsigned long len1, void* value1, unsigned long len2, void* value2,
-                  unsigned short options, unsigned long count, int& error);
-  /// Scan bounds of a query term and the fraction of the index that it selects.
-  float (*EvalAndBound)(NxIdxBounds* indexRange, unsigned short& relation, void* key, unsigned char format,
-                        unsigned long count, NxIdxBounds* bounds);
-  /// Hash of count values; a length of 0 means no limit.
-  unsigned long (*Hash)(unsigned char format, unsigned long len, void* value, unsigned long count,
-                        int& error);
-  /// The texts of n values, in a record that the caller deletes.
-  NxTypeConvertData* (*ConvertToNxString)(void* values, unsigned long n);
-  /// n values made by Create from texts; the record stays as it is.
-  void* (*ConvertFromNxString)(NxTypeConvertData* strings, unsigned long n);
-  /// Constructs n values in raw storage. No type reads extra.
-  void (*Constructor)(void* place, unsigned long n, unsigned long extra);
-  /// Destroys n values in place. No type reads extra.
-  void (*Destructor)(void* place, unsigned long n, unsigned long extra);
-  /// Assigns to n constructed values: src[0] to all when fill is not 0.
-  void (*Assignment)(void* dst, void* src, unsigned long n, int fill);
-  /// Copy-constructs n values in raw storage; fill as for Assignment.
-  void (*Copy)(void* dst, void* src, unsigned long n, int fill);
-  /// Moves n values from one form to another; returns the bytes produced.
-  int (*Translate)(void* dst, unsigned char dstForm, unsigned long dstLength, void* src,
-                   unsigned char srcForm, unsigned long srcLength, unsigned long n);
-  /// Not 0 when the value is null.
-  int (*IsNull)(void* value);
-  /// Makes the value null and returns 0; null for types without a null state.
-  int (*SetNull)(void* value);
-  /// Default print format.
-  const char* format;
-  /// Writes the text of n values to out, which it returns.
-  NxString& (*PrintToNxString)(NxString& out, void* values, const char* format, unsigned long n);
-  /// Reads n values from text; returns values.
-  void* (*ScanFromNxString)(void* values, NxString& in, const char* format, unsigned long n);
-  /// Low half: bytes of one value in memory. High half: 1 when a value is just
-  /// these bytes, 0 when it refers to storage of its own.
-  unsigned int flags;
-  /// n values of the type's default, null ones when asNull is not 0 and the type
-  /// has a null state. Released by Delete.
-  void* (*DefaultValue)(unsigned long n, int asNull);
-};
-static_assert(sizeof(NxTypeTab) == 25 * 4, "25 slots of one word");
 
 /// The records by identifier. The records are shared and writable: an exchange
 /// through any manager is seen by all.
@@ -248,10 +170,5 @@ class NX_API NxTypeMgr {
   void AssignEmptyText(char id, void* value);
 };
 static_assert(sizeof(NxTypeMgr) == 8, "a table pointer and a format number");
-
-/// What GetNullPrintString hands out; "{NULL}" when the library is loaded.
-extern NX_API NxString __NullPrintString;
-/// "0": what a type scans to be made null when it knows no other way.
-extern NX_API NxString SourceZeroString;
 
 #endif

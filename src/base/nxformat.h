@@ -4,10 +4,7 @@
 #ifndef NXFORMAT_H
 #define NXFORMAT_H
 
-#include <cstring>
 #include <initializer_list>
-
-#include "nxtypfmt.h"
 
 /// A value that a conversion prints, or scans into.
 enum class NxFormatArg : unsigned char {
@@ -30,10 +27,5 @@ bool NxPrintFormatFits(const char* format, std::initializer_list<NxFormatArg> ar
 /// The same of a scan format. An integer conversion fits that is no wider than its
 /// value, a suppressed one ("%*d") takes none.
 bool NxScanFormatFits(const char* format, std::initializer_list<NxFormatArg> args);
-
-/// True for a format of doubles that stands for mantissa and exponent.
-inline bool NxIsMantissaFormat(const char* format) {
-  return format && *format != '%' && std::strncmp(format, pSpecialDoubleFmt, 4) == 0;
-}
 
 #endif

@@ -10,9 +10,9 @@
 #include <memory>
 
 #include "nxlang.h"
+#include "nxoption.h"
 #include "nxstring.h"
 #include "nxstritr.h"
-#include "nxtypcmp.h"
 
 /// The character of a text at p, which needs no alignment.
 template <class Unit>

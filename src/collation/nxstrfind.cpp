@@ -6,7 +6,6 @@
 
 #include "collation/nxstrcmp.h"
 #include "nxchar.h"
-#include "nxtmdata.h"
 #include "nxwchar.h"
 #include "strwild.h"
 #include "text/nxstrbuild.h"

@@ -3,8 +3,8 @@
 #ifndef NXSTRFIND_H
 #define NXSTRFIND_H
 
+#include "nxoption.h"
 #include "nxstring.h"
-#include "nxtypcmp.h"
 
 inline constexpr long kNotFound = -1;
 

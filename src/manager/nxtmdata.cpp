@@ -1,5 +1,5 @@
 // The library's context: the default type manager, which start-up makes and shutdown
-// releases, and the options word.
+// releases.
 
 #include "nxtmdata.h"
 
@@ -14,7 +14,6 @@ namespace {
 constexpr unsigned long kCurrentFactory = 5;
 
 NxTypeMgr* def_tmgr = nullptr;
-unsigned long typeMgrOptions = 0;
 
 }  // namespace
 
@@ -33,5 +32,3 @@ void ___NxTypemgrContext(int start) {
   def_tmgr = new (std::nothrow) NxTypeMgr(kCurrentFactory);
   if (!def_tmgr) NxCallMemoryHandler(sizeof(NxTypeMgr));
 }
-
-unsigned long* ___NxTypeMgrOptions() { return &typeMgrOptions; }

@@ -13,9 +13,6 @@
 #include "nxtypes.h"
 #include "nxtypfmt.h"
 
-NxString __NullPrintString("{NULL}");
-NxString SourceZeroString("0");
-
 namespace {
 
 constexpr unsigned long kLastEarlyFactory = 3;

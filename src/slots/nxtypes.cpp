@@ -16,6 +16,7 @@
 #include "nxtypevl.h"
 #include "nxtypfmt.h"
 #include "nxtyphash.h"
+#include "slots/nxfixed.h"
 #include "slots/nxlife.h"
 
 void* NxDefaultFromEmptyText(NxSlot::ConvertFrom* convertFrom, unsigned long n) {
@@ -32,16 +33,6 @@ void* NxDefaultFromEmptyText(NxSlot::ConvertFrom* convertFrom, unsigned long n) 
 
 // ---------------------------------------------------------------------------
 // Life cycle
-
-#define NX_LIFE_CYCLE(Creator, Type, Form, Values)                                                     \
-  void* Creator##Create(unsigned long n) { return Form::Create(n); }                                   \
-  int Creator##Delete(void* values, unsigned long n) { return Form::Delete(values, n); }               \
-  void Type##Constructor(void* place, unsigned long n, unsigned long) { Values::Construct(place, n); } \
-  void Type##Destructor(void* place, unsigned long n, unsigned long) { Values::Destroy(place, n); }    \
-  void Type##Assignment(void* dst, void* src, unsigned long n, int fill) {                             \
-    Values::Assign(dst, src, n, fill);                                                                 \
-  }                                                                                                    \
-  void Type##Copy(void* dst, void* src, unsigned long n, int fill) { Values::Copy(dst, src, n, fill); }
 
 NX_LIFE_CYCLE(Short, Short, NxArrayForm<short>, NxPlainValues<short>)
 NX_LIFE_CYCLE(Int, Int, NxArrayForm<int>, NxPlainValues<int>)
@@ -64,8 +55,6 @@ struct CharForm : NxArrayForm<char> {
 }  // namespace
 
 NX_LIFE_CYCLE(Char, Char, CharForm, NxPlainValues<char>)
-
-#undef NX_LIFE_CYCLE
 
 void* CharDefaultValue(unsigned long n, int) { return NxDefaultFromEmptyText(CharConvertFromNxString, n); }
 void* ShortDefaultValue(unsigned long n, int) { return NxDefaultFromEmptyText(ShortConvertFromNxString, n); }
@@ -94,10 +83,6 @@ void* NxBooleanDefaultValue(unsigned long n, int asNull) {
 
 namespace {
 
-constexpr int StoredSize(unsigned long bytesPerValue, unsigned long n) {
-  return static_cast<int>(bytesPerValue * n);
-}
-
 constexpr unsigned long kYearBytes = 2;  // then month and day
 constexpr unsigned long kDateBytes = 4;
 constexpr unsigned long kTimeBytes = 3;
@@ -113,7 +98,7 @@ int ConvertDates(void* dst, const void* src, unsigned char format, unsigned long
     ShortStore(to, from, format & kFormatCodeMask, 1);
     std::memmove(to + kYearBytes, from + kYearBytes, kDateBytes - kYearBytes);
   }
-  return StoredSize(kDateBytes, n);
+  return NxStoredSize(kDateBytes, n);
 }
 
 }  // namespace
@@ -157,24 +142,15 @@ int SealLoad(void* values, const void* image, unsigned char, unsigned long n) {
   return ShortStore(values, image, kFormatBigEndian, 3 * n);
 }
 
-#define NX_FIXED_SIZE(Type, bytes)                                                \
-  int Type##NullSizeGet(unsigned long n) { return StoredSize(bytes, n); }         \
-  int Type##SizeGet(const void*, unsigned char, unsigned char, unsigned long n) { \
-    return StoredSize(bytes, n);                                                  \
-  }                                                                               \
-  int Type##SizeGetFromMemFile(MemFile*, unsigned char, unsigned long n) { return StoredSize(bytes, n); }
-
 NX_FIXED_SIZE(Date, kDateBytes)
 NX_FIXED_SIZE(Time, kTimeBytes)
 NX_FIXED_SIZE(Int64, kInt64Bytes)
 NX_FIXED_SIZE(Boolean, kBooleanBytes)
 NX_FIXED_SIZE(Seal, kSealBytes)
 
-#undef NX_FIXED_SIZE
-
-int CharSizeGetFromMemFile(MemFile*, unsigned char, unsigned long n) { return StoredSize(1, n); }
-int ShortSizeGetFromMemFile(MemFile*, unsigned char, unsigned long n) { return StoredSize(2, n); }
-int LongSizeGetFromMemFile(MemFile*, unsigned char, unsigned long n) { return StoredSize(4, n); }
+int CharSizeGetFromMemFile(MemFile*, unsigned char, unsigned long n) { return NxStoredSize(1, n); }
+int ShortSizeGetFromMemFile(MemFile*, unsigned char, unsigned long n) { return NxStoredSize(2, n); }
+int LongSizeGetFromMemFile(MemFile*, unsigned char, unsigned long n) { return NxStoredSize(4, n); }
 int IntSizeGetFromMemFile(MemFile*, unsigned char format, unsigned long n) {
   return IntSizeGet(nullptr, kFormatMemory, format, n);
 }
@@ -187,36 +163,6 @@ int DoubleSizeGetFromMemFile(MemFile*, unsigned char format, unsigned long n) {
 
 // ---------------------------------------------------------------------------
 // Translation
-
-namespace {
-
-/// Cuts an image or fills up behind it with zeros; returns the bytes of it that fit.
-int Resize(void* dst, unsigned long dstLength, const void* src, unsigned long srcLength) {
-  const unsigned long k = std::min(srcLength, dstLength);
-  if (k != 0) std::memmove(dst, src, k);
-  if (k < dstLength) std::memset(static_cast<unsigned char*>(dst) + k, 0, dstLength - k);
-  return static_cast<int>(k);
-}
-
-/// Loads, stores, copies or resizes by what is in memory on each side.
-template <unsigned long kMemoryBytes, NxSlot::Load* kLoad, NxSlot::Store* kStore>
-int TranslateFixed(void* dst, unsigned char dstForm, unsigned long dstLength, void* src,
-                   unsigned char srcForm, unsigned long srcLength, unsigned long n) {
-  const bool toMemory = dstForm & kFormatMemory;
-  const bool fromMemory = srcForm & kFormatMemory;
-  if (toMemory && fromMemory) return CharStore(dst, src, kFormatNative, kMemoryBytes * n);
-  if (toMemory) return kLoad(dst, src, srcForm, n);
-  if (fromMemory) return kStore(dst, src, dstForm & kFormatCodeMask, n);
-  return Resize(dst, dstLength, src, srcLength);
-}
-
-}  // namespace
-
-#define NX_FIXED_TRANSLATE(Name, bytes, load, store)                                                    \
-  int Name(void* dst, unsigned char dstForm, unsigned long dstLength, void* src, unsigned char srcForm, \
-           unsigned long srcLength, unsigned long n) {                                                  \
-    return TranslateFixed<bytes, load, store>(dst, dstForm, dstLength, src, srcForm, srcLength, n);     \
-  }
 
 NX_FIXED_TRANSLATE(CharTranslate, sizeof(char), CharStore, CharStore)
 NX_FIXED_TRANSLATE(ShortTranslate, sizeof(short), ShortStore, ShortStore)
@@ -231,8 +177,6 @@ NX_FIXED_TRANSLATE(NxTimeTranslate, sizeof(NxTime), TimeLoad, TimeStore)
 NX_FIXED_TRANSLATE(Int64Translate, sizeof(NxInt64), Int64Load, Int64Store)
 NX_FIXED_TRANSLATE(BooleanTranslate, sizeof(NxBoolean), BooleanLoad, BooleanStore)
 NX_FIXED_TRANSLATE(SealTranslate, sizeof(NxSeal), SealLoad, SealStore)
-
-#undef NX_FIXED_TRANSLATE
 
 // ---------------------------------------------------------------------------
 // The illegal type: nothing is done, and 0 answered.

@@ -15,18 +15,21 @@
 #include "nxint64.h"
 #include "nxistr.h"
 #include "nxlang.h"
+#include "nxnulltext.h"
+#include "nxoption.h"
 #include "nxseal.h"
 #include "nxstring.h"
 #include "nxstritr.h"
-#include "nxtypmgr.h"
 #include "ord2str.h"
+#include "slots/nxmantissa.h"
+#include "text/nxtextio.h"
+#include "values/nxint64text.h"
 
 const char* pSpecialDoubleFmt = "ldexp(";
 
 namespace {
 
 constexpr unsigned long kWorkBytes = 512;  // area of a printed number, terminator included
-constexpr unsigned short kDefaultCompare = 65535;
 
 /// out becomes the values printed under fmt; it stays as it is under a format that
 /// does not fit them.
@@ -38,61 +41,17 @@ NxString& PrintNumber(NxString& out, const char* fmt, std::initializer_list<NxFo
   return out;
 }
 
-/// The input of a scan as 8-bit text.
-class ScanText {
- public:
-  explicit ScanText(NxString& in) : in_(in) {
-    if (NxCharWidth(in._nCodeSet) == 2) copy_ += in;
-  }
-  const NxString& String() const { return NxCharWidth(in_._nCodeSet) == 2 ? copy_ : in_; }
-  const char* Chars() const { return String().StrGet(); }
-
- private:
-  const NxString& in_;
-  NxString copy_;
-};
-
 template <class T>
 void* ScanNumber(void* value, NxString& in, const char* fmt) {
-  if (value) MySscanf(ScanText(in).Chars(), 0, fmt, 1, static_cast<T*>(value));
+  if (value) MySscanf(NxScanText(in).Chars(), 0, fmt, 1, static_cast<T*>(value));
   return value;
 }
 
+/// Whether the input of a scan says null.
 bool BeginsWithNullText(const NxString& in) {
-  const NxString& nullText = NxTypeMgr::GetNullPrintString();
-  return in.Compare(nullText, static_cast<short>(nullText.Len()), kDefaultCompare) == 0;
+  const NxString& nullText = __NullPrintString;
+  return in.Compare(nullText, static_cast<short>(nullText.Len()), kDefaultOptions) == 0;
 }
-
-/// Appends pieces of 8-bit text to a string, many at a time: each append to an
-/// NxString allocates it anew.
-class PieceWriter {
- public:
-  explicit PieceWriter(NxString& out) : out_(out) {}
-  ~PieceWriter() { Flush(); }
-
-  void Add(const char* text) { Add(text, std::strlen(text)); }
-  void Add(const char* text, unsigned long length) {
-    while (length > 0) {
-      if (used_ == sizeof buffer_) Flush();
-      const unsigned long room = sizeof buffer_ - used_;
-      const unsigned long part = length < room ? length : room;
-      std::memcpy(buffer_ + used_, text, part);
-      used_ += part;
-      text += part;
-      length -= part;
-    }
-  }
-
- private:
-  void Flush() {
-    if (used_ > 0) out_ += NxString(buffer_, static_cast<unsigned short>(used_));
-    used_ = 0;
-  }
-
-  NxString& out_;
-  unsigned long used_ = 0;
-  char buffer_[2048];
-};
 
 /// An area for texts printed under a text format, as long as format and text call for;
 /// longer texts (by a width in the format) are cut.
@@ -193,7 +152,7 @@ class OrderTextPrinter {
 
   void PrintDescriptions(TextArea& area) {
     out_ = "";
-    PieceWriter pieces(out_);
+    NxPieceWriter pieces(out_);
     ForEachOrder([&](unsigned short order) {
       NxString description;
       NxConvertOrderToString(order, value_._nLanguage, description);
@@ -204,7 +163,7 @@ class OrderTextPrinter {
 
   void PrintSubstitutes(TextArea& area) {
     out_ = "";
-    PieceWriter pieces(out_);
+    NxPieceWriter pieces(out_);
     ForEachOrder([&](unsigned short order) {
       const char* substitute = nullptr;
       const char single[2] = {Character(order, 1, &substitute), 0};
@@ -237,7 +196,7 @@ NxString& PrintAlpha(NxString& out, const Alpha& value, const char* fmt) {
 
 template <class Alpha>
 void* ScanAlpha(void* value, NxString& in) {
-  if (value) *static_cast<Alpha*>(value) = ScanText(in).Chars();
+  if (value) *static_cast<Alpha*>(value) = NxScanText(in).Chars();
   return value;
 }
 
@@ -249,7 +208,7 @@ void* ScanAlpha(void* value, NxString& in) {
 NxString& CharPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long n) {
   if (!NxPrintFormatFits(fmt, {NxFormatArg::kByte})) return out;
   out = "";
-  PieceWriter pieces(out);
+  NxPieceWriter pieces(out);
   const char* chars = static_cast<const char*>(value);
   for (unsigned long i = 0; i < n; ++i) {
     char work[kWorkBytes];
@@ -263,7 +222,7 @@ NxString& CharPrintToNxString(NxString& out, void* value, const char* fmt, unsig
 
 void* CharScanFromNxString(void* value, NxString& in, const char* fmt, unsigned long n) {
   if (!value) return nullptr;
-  const ScanText text(in);
+  const NxScanText text(in);
   const char* input = text.Chars();
   char* chars = static_cast<char*>(value);
   for (unsigned long i = 0; i < n && *input; ++i) MySscanf(input++, 0, fmt, 1, chars + i);
@@ -326,7 +285,7 @@ NxString& NxStringPrintToNxString(NxString& out, void* value, const char* fmt, u
     NxString copy(string);
     return NxStringPrintToNxString(out, &copy, fmt, n);
   }
-  if (string.IsNullValue()) return out = NxTypeMgr::GetNullPrintString();
+  if (string.IsNullValue()) return out = __NullPrintString;
   if (string.IsEmpty()) return out = string;
   if (string._nCodeSet == kCodeSetOrderValues) {
     OrderTextPrinter(out, string, fmt).Print();
@@ -369,140 +328,13 @@ void* NxCaseIStringScanFromNxString(void* value, NxString& in, const char* /*fmt
 // ---------------------------------------------------------------------------
 // NxInt64
 
-namespace {
-
-constexpr unsigned long long kLowest = 1ULL << 63;
-
-/// What a directive says of a number's text.
-struct Radix {
-  unsigned base;
-  const char* prefix;
-  const char* digits;
-};
-
-/// Null for a character that is no directive.
-const Radix* RadixOf(char directive) {
-  static constexpr Radix kDecimal = {10, "", "0123456789"};
-  static constexpr Radix kOctal = {8, "0", "01234567"};
-  static constexpr Radix kHexadecimal = {16, "0x", "0123456789abcdef"};
-  static constexpr Radix kUpperHexadecimal = {16, "0X", "0123456789ABCDEF"};
-  switch (directive) {
-    case 'S':
-    case 'd':
-    case 'i':
-      return &kDecimal;
-    case 'o':
-      return &kOctal;
-    case 'x':
-      return &kHexadecimal;
-    case 'X':
-      return &kUpperHexadecimal;
-    default:
-      return nullptr;
-  }
-}
-
-void AddInt64(PieceWriter& pieces, const NxInt64& value, const Radix& radix) {
-  unsigned long long magnitude = static_cast<unsigned long long>(value.Abs().Wide());
-  // The lowest value is its own magnitude; only its decimal text has a sign.
-  if (value.high < 0 && (radix.base == 10 || magnitude != kLowest)) pieces.Add("-");
-  pieces.Add(radix.prefix);
-  char text[24];  // 22 octal digits
-  char* p = text + sizeof text;
-  do {
-    *--p = radix.digits[magnitude % radix.base];
-    magnitude /= radix.base;
-  } while (magnitude);
-  pieces.Add(p, static_cast<unsigned long>(text + sizeof text - p));
-}
-
-/// Reads an NxInt64 from a text, walking format and text together.
-class Int64Scanner {
- public:
-  Int64Scanner(const char* text, const char* fmt, NxInt64& value) : in_(text), fmt_(fmt), value_(value) {}
-
-  /// False when the text does not fit the format.
-  bool Scan() {
-    for (; *fmt_ && *in_; Step()) {
-      if (*fmt_ == '%') {
-        ++fmt_;
-        if (!(RadixOf(*fmt_) ? Number() : *in_ == '%')) return false;
-      } else if (*fmt_ != *in_) {
-        return false;
-      }
-    }
-    return true;
-  }
-
- private:
-  /// One character of both; the end of either stays where it is.
-  void Step() {
-    if (*fmt_) ++fmt_;
-    if (*in_) ++in_;
-  }
-
-  bool Number() {
-    const char directive = *fmt_++;
-    const char terminator = *fmt_;
-    const bool negative = *in_ == '-';
-    if (*in_ == '-' || *in_ == '+') ++in_;
-    const unsigned base = Base();
-    if (directive != 'S' && base != RadixOf(directive)->base) return false;
-    NxInt64 number;
-    for (; *in_ && *in_ != terminator; ++in_) {
-      const unsigned digit = Digit(*in_);
-      if (digit >= base) return false;
-      number =
-          number * NxInt64(static_cast<unsigned long>(base)) + NxInt64(static_cast<unsigned long>(digit));
-    }
-    value_ = negative ? -number : number;
-    return *in_ == terminator;
-  }
-
-  /// The base by the number's prefix. That of 16 is skipped, that of 8 is a digit.
-  unsigned Base() {
-    if (*in_ != '0') return 10;
-    if (in_[1] != 'x' && in_[1] != 'X') return 8;
-    in_ += 2;
-    return 16;
-  }
-
-  static unsigned Digit(char c) {
-    if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
-    if (c >= 'a' && c <= 'z') return static_cast<unsigned>(c - 'a') + 10;
-    if (c >= 'A' && c <= 'Z') return static_cast<unsigned>(c - 'A') + 10;
-    return 255;
-  }
-
-  const char* in_;
-  const char* fmt_;
-  NxInt64& value_;
-};
-
-const char* Int64Format(const char* fmt) { return fmt ? fmt : "%S"; }
-
-}  // namespace
-
 NxString& Int64PrintToNxString(NxString& out, void* value, const char* fmt, unsigned long /*n*/) {
-  PieceWriter pieces(out);
-  for (const char* p = Int64Format(fmt); *p; ++p) {
-    const Radix* radix = *p == '%' ? RadixOf(p[1]) : nullptr;
-    if (radix) {
-      AddInt64(pieces, *static_cast<NxInt64*>(value), *radix);
-      ++p;
-      continue;
-    }
-    pieces.Add(p, 1);
-    if (*p == '%' && p[1]) pieces.Add(++p, 1);  // even a second "%" is then text
-  }
+  NxPrintInt64(out, *static_cast<NxInt64*>(value), fmt);
   return out;
 }
 
 void* Int64ScanFromNxString(void* value, NxString& in, const char* fmt, unsigned long /*n*/) {
-  if (!value) return nullptr;
-  NxInt64& number = *static_cast<NxInt64*>(value);
-  const ScanText text(in);
-  if (!Int64Scanner(text.Chars(), Int64Format(fmt), number).Scan()) number = -1;
+  if (value) NxScanInt64(*static_cast<NxInt64*>(value), NxScanText(in).Chars(), fmt);
   return value;
 }
 
@@ -511,14 +343,14 @@ void* Int64ScanFromNxString(void* value, NxString& in, const char* fmt, unsigned
 
 NxString& BooleanPrintToNxString(NxString& out, void* value, const char* /*fmt*/, unsigned long /*n*/) {
   const NxBoolean& boolean = *static_cast<NxBoolean*>(value);
-  if (boolean.IsNullValue()) return out = NxTypeMgr::GetNullPrintString();
+  if (boolean.IsNullValue()) return out = __NullPrintString;
   return out = boolean.value == 1 ? "TRUE" : "FALSE";
 }
 
 void* BooleanScanFromNxString(void* value, NxString& in, const char* /*fmt*/, unsigned long /*n*/) {
   if (!value) return nullptr;
   NxBoolean& boolean = *static_cast<NxBoolean*>(value);
-  const ScanText text(in);
+  const NxScanText text(in);
   if (BeginsWithNullText(text.String())) {
     boolean.SetNullValue();
     return value;
@@ -535,6 +367,6 @@ NxString& SealPrintToNxString(NxString& out, void* value, const char* /*fmt*/, u
 }
 
 void* SealScanFromNxString(void* value, NxString& in, const char* /*fmt*/, unsigned long /*n*/) {
-  if (value) static_cast<NxSeal*>(value)->ScanFromNxString(ScanText(in).String());
+  if (value) static_cast<NxSeal*>(value)->ScanFromNxString(NxScanText(in).String());
   return value;
 }

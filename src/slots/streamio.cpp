@@ -8,6 +8,7 @@
 #include "base/nxformat.h"
 #include "nxstring.h"
 #include "nxtypfmt.h"
+#include "slots/nxmantissa.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // NxChar: reading and writing a character where it stands, mapping it between code
-// sets, its class, case and comparison. What the values mean is the code sets' data.
+// sets, its class and case. What the values mean is the code sets' data.
 
 #include "nxchar.h"
 
@@ -10,15 +10,12 @@
 #include "nxlang.h"
 #include "nxstring.h"
 #include "nxstritr.h"
-#include "strwild.h"
 #include "text/nxchartext.h"
 
 static_assert(offsetof(NxChar, _nChar) == 4 && offsetof(NxChar, _nCodeSet) == 6 &&
               offsetof(NxChar, _nLanguage) == 7 && offsetof(NxChar, _nByteOrder) == 8);
 
 namespace {
-
-constexpr unsigned short kDefaultOptions = 65535;
 
 /// Whether `place` is in the one text that all strings without buffer share, which is
 /// never written to.
@@ -185,33 +182,6 @@ NxChar NxChar::ToLower(NxStringIterator* /*it*/) const {  // lower case never is
   if (!props || props->lower == 0) return *this;
   return NxChar(props->lower, kCodeSetUnicode, _nLanguage).MapTo(_nCodeSet);
 }
-
-int NxChar::Compare(const NxChar& c, unsigned short op) const {
-  if (op == kDefaultOptions) op = NxLanguageContext::GetDefaultCmpOp();
-  return NxStrCmp(_nCodeSet, _nLanguage, Address(), c._nCodeSet, c._nLanguage, c.Address(), op, 1,
-                  kFormatNative, nullptr);
-}
-
-int NxChar::operator==(const NxChar& c) const { return Compare(c, kDefaultOptions) == 0; }
-int NxChar::operator!=(const NxChar& c) const { return Compare(c, kDefaultOptions) != 0; }
-int NxChar::operator<(const NxChar& c) const { return Compare(c, kDefaultOptions) < 0; }
-int NxChar::operator>(const NxChar& c) const { return Compare(c, kDefaultOptions) > 0; }
-int NxChar::operator<=(const NxChar& c) const { return Compare(c, kDefaultOptions) <= 0; }
-int NxChar::operator>=(const NxChar& c) const { return Compare(c, kDefaultOptions) >= 0; }
-
-int NxChar::operator==(char c) const { return *this == NxChar(c); }
-int NxChar::operator!=(char c) const { return *this != NxChar(c); }
-int NxChar::operator<(char c) const { return *this < NxChar(c); }
-int NxChar::operator>(char c) const { return *this > NxChar(c); }
-int NxChar::operator<=(char c) const { return *this <= NxChar(c); }
-int NxChar::operator>=(char c) const { return *this >= NxChar(c); }
-
-int NxChar::operator==(unsigned short c) const { return *this == NxChar(c); }
-int NxChar::operator!=(unsigned short c) const { return *this != NxChar(c); }
-int NxChar::operator<(unsigned short c) const { return *this < NxChar(c); }
-int NxChar::operator>(unsigned short c) const { return *this > NxChar(c); }
-int NxChar::operator<=(unsigned short c) const { return *this <= NxChar(c); }
-int NxChar::operator>=(unsigned short c) const { return *this >= NxChar(c); }
 
 char* NxChar::Address() const {
   return _pChar ? _pChar : const_cast<char*>(reinterpret_cast<const char*>(&_nChar));

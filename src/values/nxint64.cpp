@@ -7,7 +7,8 @@
 
 #include "nxbase.h"
 #include "nxstring.h"
-#include "nxtypfmt.h"
+#include "text/nxtextio.h"
+#include "values/nxint64text.h"
 
 namespace {
 
@@ -64,11 +65,10 @@ NxInt64 NxInt64::Division(const NxInt64& b, int wantRemainder) const {
 }
 
 NxString& NxInt64::PrintToNxString(NxString& out, const char* format) const {
-  NxInt64 value(*this);
-  return Int64PrintToNxString(out, &value, format, 1);
+  NxPrintInt64(out, *this, format);
+  return out;
 }
 
 void NxInt64::ScanFromNxString(const NxString& text, const char* format) {
-  NxString copy(text);  // the slot takes its input as changeable
-  Int64ScanFromNxString(this, copy, format, 1);
+  NxScanInt64(*this, NxScanText(text).Chars(), format);
 }

@@ -17,6 +17,7 @@
 #include "nxtypcmp.h"
 #include "nxtypes.h"
 #include "nxtypevl.h"
+#include "nxtypmgr.h"
 
 namespace {
 

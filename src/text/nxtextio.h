@@ -1,0 +1,56 @@
+// Texts on their way in and out: the input of a scan as 8-bit text, and a string that
+// grows by pieces.
+#ifndef NXTEXTIO_H
+#define NXTEXTIO_H
+
+#include <cstring>
+
+#include "nxlang.h"
+#include "nxstring.h"
+
+/// The input of a scan as 8-bit text.
+class NxScanText {
+ public:
+  explicit NxScanText(const NxString& in) : in_(in) {
+    if (NxCharWidth(in._nCodeSet) == 2) copy_ += in;
+  }
+  const NxString& String() const { return NxCharWidth(in_._nCodeSet) == 2 ? copy_ : in_; }
+  const char* Chars() const { return String().StrGet(); }
+
+ private:
+  const NxString& in_;
+  NxString copy_;
+};
+
+/// Appends pieces of 8-bit text to a string, many at a time: each append to an
+/// NxString allocates it anew.
+class NxPieceWriter {
+ public:
+  explicit NxPieceWriter(NxString& out) : out_(out) {}
+  ~NxPieceWriter() { Flush(); }
+
+  void Add(const char* text) { Add(text, std::strlen(text)); }
+  void Add(const char* text, unsigned long length) {
+    while (length > 0) {
+      if (used_ == sizeof buffer_) Flush();
+      const unsigned long room = sizeof buffer_ - used_;
+      const unsigned long part = length < room ? length : room;
+      std::memcpy(buffer_ + used_, text, part);
+      used_ += part;
+      text += part;
+      length -= part;
+    }
+  }
+
+ private:
+  void Flush() {
+    if (used_ > 0) out_ += NxString(buffer_, static_cast<unsigned short>(used_));
+    used_ = 0;
+  }
+
+  NxString& out_;
+  unsigned long used_ = 0;
+  char buffer_[2048];
+};
+
+#endif
