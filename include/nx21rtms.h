@@ -6,9 +6,13 @@
 #include "nxapi.h"
 
 // Types and their manager.
+#include "nxblobx.h"
 #include "nxconv.h"
+#include "nxdatimx.h"
 #include "nxnulltext.h"
+#include "nxnultyp.h"
 #include "nxoption.h"
+#include "nxrefx.h"
 #include "nxslot.h"
 #include "nxtmdata.h"
 #include "nxtmvers.h"
@@ -18,6 +22,7 @@
 #include "nxtypfmt.h"
 #include "nxtyphash.h"
 #include "nxtypmgr.h"
+#include "odmgtyp.h"
 
 // Texts.
 #include "nx_utf_8.h"
@@ -33,9 +38,17 @@
 #include "strwild.h"
 
 // Values.
+#include "d_date.h"
+#include "d_interv.h"
+#include "d_time.h"
+#include "d_timest.h"
+#include "nxblob.h"
 #include "nxbool.h"
 #include "nxcomp.h"
+#include "nxdatime.h"
 #include "nxint64.h"
+#include "nxostime.h"
+#include "nxref.h"
 #include "nxseal.h"
 
 #endif

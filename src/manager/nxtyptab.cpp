@@ -1,18 +1,18 @@
 // The descriptor records of the built-in types and the two tables that find them by
-// type identifier, with the functions of their null states. The records are built at
-// compile time, so that they serve before any other static value of a program.
+// type identifier. The records are built at compile time, so that they serve before any
+// other static value of a program.
 
-#include <cstring>
-
-#include "nxbool.h"
-#include "nxcomp.h"
-#include "nxstring.h"
+#include "nxblobx.h"
+#include "nxdatimx.h"
+#include "nxnultyp.h"
+#include "nxrefx.h"
 #include "nxtypcmp.h"
 #include "nxtypes.h"
 #include "nxtypevl.h"
 #include "nxtypfmt.h"
 #include "nxtyphash.h"
 #include "nxtypmgr.h"
+#include "odmgtyp.h"
 
 namespace {
 
@@ -21,72 +21,82 @@ namespace {
 constexpr unsigned int Fixed(unsigned short size) { return 1U << 16 | size; }
 constexpr unsigned int OwnsStorage(unsigned short size) { return size; }
 
-// The rows keep to one grouping: clang-format would give every slot a line.
-// clang-format off
+/// The slots of a type by the prefixes of its functions, its own name, format, size and
+/// null state being left open: Made##Create, Stored##Compare, Class##Copy and so on. The
+/// scalars load by the function that stores them, so Load is given; and DefaultValue, which
+/// takes its prefix from either.
+#define NX_SLOTS(Made, Class, Stored, load, defaultValue)                                            \
+  {                                                                                                  \
+    nullptr, Made##Create, Made##Delete, Stored##Store, load, Stored##NullSizeGet, Stored##SizeGet,  \
+        Stored##SizeGetFromMemFile, Stored##Compare, Stored##EvalAndBound, Stored##Hash,             \
+        Class##ConvertToNxString, Class##ConvertFromNxString, Class##Constructor, Class##Destructor, \
+        Class##Assignment, Class##Copy, Class##Translate, NoIsNullDefined, nullptr, nullptr,         \
+        Class##PrintToNxString, Class##ScanFromNxString, 0, defaultValue                             \
+  }
 
-constexpr NxTypeTab kIllegal = {
-    "illegal", NxIllegalCreate, NxIllegalDelete, NxIllegalStore, NxIllegalLoad,
-    NxIllegalNullSizeGet, NxIllegalSizeGet, NxIllegalSizeGetFromMemFile,
-    NxIllegalCompare, NxIllegalEvalAndBound, NxIllegalHash, NxIllegalConvertTo, NxIllegalConvertFrom,
-    NxIllegalConstructor, NxIllegalDestructor, NxIllegalAssignment, NxIllegalCopy, NxIllegalTranslate,
-    NoIsNullDefined, nullptr, "illegal", NxIllegalPrintToNxString, NxIllegalScanFromNxString,
-    Fixed(0), NxIllegalDefaultValue};
+/// NxDate and NxTime have no text yet: the illegal type's stands in.
+#define NxDatePrintToNxString NxIllegalPrintToNxString
+#define NxDateScanFromNxString NxIllegalScanFromNxString
+#define NxTimePrintToNxString NxIllegalPrintToNxString
+#define NxTimeScanFromNxString NxIllegalScanFromNxString
+
+/// A record of given slots under a name, with its print format and size.
+constexpr NxTypeTab Named(NxTypeTab slots, const char* name, const char* format, unsigned int flags) {
+  slots.name = name;
+  slots.format = format;
+  slots.flags = flags;
+  return slots;
+}
+
+/// The same for a type with a null state.
+constexpr NxTypeTab Nullable(NxTypeTab slots, const char* name, const char* format, unsigned int flags,
+                             NxSlot::Null* isNull, NxSlot::Null* setNull) {
+  slots = Named(slots, name, format, flags);
+  slots.IsNull = isNull;
+  slots.SetNull = setNull;
+  return slots;
+}
+
+// The illegal type converts under names of its own.
+constexpr NxTypeTab kIllegal = {"illegal",
+                                NxIllegalCreate,
+                                NxIllegalDelete,
+                                NxIllegalStore,
+                                NxIllegalLoad,
+                                NxIllegalNullSizeGet,
+                                NxIllegalSizeGet,
+                                NxIllegalSizeGetFromMemFile,
+                                NxIllegalCompare,
+                                NxIllegalEvalAndBound,
+                                NxIllegalHash,
+                                NxIllegalConvertTo,
+                                NxIllegalConvertFrom,
+                                NxIllegalConstructor,
+                                NxIllegalDestructor,
+                                NxIllegalAssignment,
+                                NxIllegalCopy,
+                                NxIllegalTranslate,
+                                NoIsNullDefined,
+                                nullptr,
+                                "illegal",
+                                NxIllegalPrintToNxString,
+                                NxIllegalScanFromNxString,
+                                Fixed(0),
+                                NxIllegalDefaultValue};
 
 // The scalars whose functions serve several types.
+constexpr NxTypeTab kChar =
+    Named(NX_SLOTS(Char, Char, Char, CharStore, CharDefaultValue), "char", "%c", Fixed(1));
+constexpr NxTypeTab kShort =
+    Named(NX_SLOTS(Short, Short, Short, ShortStore, ShortDefaultValue), "short", "%hd", Fixed(2));
+constexpr NxTypeTab kInt = Named(NX_SLOTS(Int, Int, Int, IntLoad, IntDefaultValue), "int", "%d", Fixed(4));
+constexpr NxTypeTab kLong =
+    Named(NX_SLOTS(Long, Long, Long, LongStore, LongDefaultValue), "long", "%ld", Fixed(4));
+constexpr NxTypeTab kFloat =
+    Named(NX_SLOTS(Float, Float, Float, FloatStore, FloatDefaultValue), "float", "%f", Fixed(4));
 
-constexpr NxTypeTab kChar = {
-    "char", CharCreate, CharDelete, CharStore, CharStore,
-    CharNullSizeGet, CharSizeGet, CharSizeGetFromMemFile,
-    CharCompare, CharEvalAndBound, CharHash, CharConvertToNxString, CharConvertFromNxString,
-    CharConstructor, CharDestructor, CharAssignment, CharCopy, CharTranslate,
-    NoIsNullDefined, nullptr, "%c", CharPrintToNxString, CharScanFromNxString, Fixed(1), CharDefaultValue};
-
-constexpr NxTypeTab kShort = {
-    "short", ShortCreate, ShortDelete, ShortStore, ShortStore,
-    ShortNullSizeGet, ShortSizeGet, ShortSizeGetFromMemFile,
-    ShortCompare, ShortEvalAndBound, ShortHash, ShortConvertToNxString, ShortConvertFromNxString,
-    ShortConstructor, ShortDestructor, ShortAssignment, ShortCopy, ShortTranslate,
-    NoIsNullDefined, nullptr, "%hd", ShortPrintToNxString, ShortScanFromNxString,
-    Fixed(2), ShortDefaultValue};
-
-constexpr NxTypeTab kInt = {
-    "int", IntCreate, IntDelete, IntStore, IntLoad,
-    IntNullSizeGet, IntSizeGet, IntSizeGetFromMemFile,
-    IntCompare, IntEvalAndBound, IntHash, IntConvertToNxString, IntConvertFromNxString,
-    IntConstructor, IntDestructor, IntAssignment, IntCopy, IntTranslate,
-    NoIsNullDefined, nullptr, "%d", IntPrintToNxString, IntScanFromNxString, Fixed(4), IntDefaultValue};
-
-constexpr NxTypeTab kLong = {
-    "long", LongCreate, LongDelete, LongStore, LongStore,
-    LongNullSizeGet, LongSizeGet, LongSizeGetFromMemFile,
-    LongCompare, LongEvalAndBound, LongHash, LongConvertToNxString, LongConvertFromNxString,
-    LongConstructor, LongDestructor, LongAssignment, LongCopy, LongTranslate,
-    NoIsNullDefined, nullptr, "%ld", LongPrintToNxString, LongScanFromNxString, Fixed(4), LongDefaultValue};
-
-constexpr NxTypeTab kFloat = {
-    "float", FloatCreate, FloatDelete, FloatStore, FloatStore,
-    FloatNullSizeGet, FloatSizeGet, FloatSizeGetFromMemFile,
-    FloatCompare, FloatEvalAndBound, FloatHash, FloatConvertToNxString, FloatConvertFromNxString,
-    FloatConstructor, FloatDestructor, FloatAssignment, FloatCopy, FloatTranslate,
-    NoIsNullDefined, nullptr, "%f", FloatPrintToNxString, FloatScanFromNxString, Fixed(4), FloatDefaultValue};
-
-constexpr NxTypeTab kDouble = {
-    "double", DoubleCreate, DoubleDelete, DoubleStore, DoubleStore,
-    DoubleNullSizeGet, DoubleSizeGet, DoubleSizeGetFromMemFile,
-    DoubleCompare, DoubleEvalAndBound, DoubleHash, DoubleConvertToNxString, DoubleConvertFromNxString,
-    DoubleConstructor, DoubleDestructor, DoubleAssignment, DoubleCopy, DoubleTranslate,
-    NoIsNullDefined, nullptr, "%lf", DoublePrintToNxString, DoubleScanFromNxString,
-    Fixed(8), DoubleDefaultValue};
-
-constexpr NxTypeTab kString = {
-    "NxString", NxStringCreate, NxStringDelete, StringStore, StringLoad,
-    StringNullSizeGet, StringSizeGet, StringSizeGetFromMemFile,
-    StringCompare, StringEvalAndBound, StringHash, NxStringConvertToNxString, NxStringConvertFromNxString,
-    NxStringConstructor, NxStringDestructor, NxStringAssignment, NxStringCopy, NxStringTranslate,
-    NxStringIsNull, NxStringSetNull, "%s", NxStringPrintToNxString, NxStringScanFromNxString,
-    OwnsStorage(8), NxStringDefaultValue};
-
-// clang-format on
+constexpr NxTypeTab kString = Nullable(NX_SLOTS(NxString, NxString, String, StringLoad, NxStringDefaultValue),
+                                       "NxString", "%s", OwnsStorage(8), NxStringIsNull, NxStringSetNull);
 
 /// A type that takes its functions from another of its size, under its own name and
 /// print format.
@@ -148,7 +158,8 @@ constexpr NxTypeTab Pending(const char* name, const char* format, unsigned int f
 NxTypeTab NxCharTab = kChar;
 NxTypeTab NxShortTab = kShort;
 NxTypeTab NxLongTab = kLong;
-NxTypeTab NxDoubleTab = kDouble;
+NxTypeTab NxDoubleTab =
+    Named(NX_SLOTS(Double, Double, Double, DoubleStore, DoubleDefaultValue), "double", "%lf", Fixed(8));
 NxTypeTab NxFloatTab = kFloat;
 NxTypeTab NxWordTab = Sharing(kShort, "NxWord", "%hu", WordCompare, WordEvalAndBound, WordHash);
 NxTypeTab NxDWordTab = Sharing(kLong, "NxDWord", "%lu", DwordCompare, DwordEvalAndBound, DwordHash);
@@ -161,67 +172,24 @@ NxTypeTab NxIllegalTab = kIllegal;
 
 NxTypeTab NxStringTab = kString;
 NxTypeTab NxOldStringTab = OldString();
+NxTypeTab NxIStringTab =
+    Named(NX_SLOTS(NxIString, NxIString, NxIString, NxIStringLoad, NxIStringDefaultValue), "NxIString", "%s",
+          OwnsStorage(8));
+NxTypeTab NxCaseIStringTab =
+    Named(NX_SLOTS(NxCaseIString, NxCaseIString, NxCaseIString, NxCaseIStringLoad, NxCaseIStringDefaultValue),
+          "NxCaseIString", "%s", OwnsStorage(8));
 
-// clang-format off
+NxTypeTab NxDateTab = Nullable(NX_SLOTS(NxDate, NxDate, Date, DateLoad, NxDateDefaultValue), "NxDate",
+                               "%a %e.%b %Y", Fixed(4), NxDateIsNull, NxDateSetNull);
+NxTypeTab NxTimeTab = Nullable(NX_SLOTS(NxTime, NxTime, Time, TimeLoad, NxTimeDefaultValue), "NxTime",
+                               "%I:%M:%S %p", Fixed(3), NxTimeIsNull, NxTimeSetNull);
 
-NxTypeTab NxIStringTab = {
-    "NxIString", NxIStringCreate, NxIStringDelete, NxIStringStore, NxIStringLoad,
-    NxIStringNullSizeGet, NxIStringSizeGet, NxIStringSizeGetFromMemFile,
-    NxIStringCompare, NxIStringEvalAndBound, NxIStringHash,
-    NxIStringConvertToNxString, NxIStringConvertFromNxString,
-    NxIStringConstructor, NxIStringDestructor, NxIStringAssignment, NxIStringCopy, NxIStringTranslate,
-    NoIsNullDefined, nullptr, "%s", NxIStringPrintToNxString, NxIStringScanFromNxString,
-    OwnsStorage(8), NxIStringDefaultValue};
-
-NxTypeTab NxCaseIStringTab = {
-    "NxCaseIString", NxCaseIStringCreate, NxCaseIStringDelete, NxCaseIStringStore, NxCaseIStringLoad,
-    NxCaseIStringNullSizeGet, NxCaseIStringSizeGet, NxCaseIStringSizeGetFromMemFile,
-    NxCaseIStringCompare, NxCaseIStringEvalAndBound, NxCaseIStringHash,
-    NxCaseIStringConvertToNxString, NxCaseIStringConvertFromNxString,
-    NxCaseIStringConstructor, NxCaseIStringDestructor, NxCaseIStringAssignment,
-    NxCaseIStringCopy, NxCaseIStringTranslate,
-    NoIsNullDefined, nullptr, "%s", NxCaseIStringPrintToNxString, NxCaseIStringScanFromNxString,
-    OwnsStorage(8), NxCaseIStringDefaultValue};
-
-NxTypeTab NxDateTab = {
-    "NxDate", NxDateCreate, NxDateDelete, DateStore, DateLoad,
-    DateNullSizeGet, DateSizeGet, DateSizeGetFromMemFile,
-    DateCompare, DateEvalAndBound, DateHash, NxDateConvertToNxString, NxDateConvertFromNxString,
-    NxDateConstructor, NxDateDestructor, NxDateAssignment, NxDateCopy, NxDateTranslate,
-    NxDateIsNull, NxDateSetNull, "%a %e.%b %Y", NxIllegalPrintToNxString, NxIllegalScanFromNxString,
-    Fixed(4), NxDateDefaultValue};
-
-NxTypeTab NxTimeTab = {
-    "NxTime", NxTimeCreate, NxTimeDelete, TimeStore, TimeLoad,
-    TimeNullSizeGet, TimeSizeGet, TimeSizeGetFromMemFile,
-    TimeCompare, TimeEvalAndBound, TimeHash, NxTimeConvertToNxString, NxTimeConvertFromNxString,
-    NxTimeConstructor, NxTimeDestructor, NxTimeAssignment, NxTimeCopy, NxTimeTranslate,
-    NxTimeIsNull, NxTimeSetNull, "%I:%M:%S %p", NxIllegalPrintToNxString, NxIllegalScanFromNxString,
-    Fixed(3), NxTimeDefaultValue};
-
-NxTypeTab NxInt64Tab = {
-    "NxInt64", NxInt64Create, NxInt64Delete, Int64Store, Int64Load,
-    Int64NullSizeGet, Int64SizeGet, Int64SizeGetFromMemFile,
-    Int64Compare, Int64EvalAndBound, Int64Hash, Int64ConvertToNxString, Int64ConvertFromNxString,
-    Int64Constructor, Int64Destructor, Int64Assignment, Int64Copy, Int64Translate,
-    NoIsNullDefined, nullptr, "%S", Int64PrintToNxString, Int64ScanFromNxString, Fixed(8), Int64DefaultValue};
-
-NxTypeTab NxBooleanTab = {
-    "NxBoolean", NxBooleanCreate, NxBooleanDelete, BooleanStore, BooleanLoad,
-    BooleanNullSizeGet, BooleanSizeGet, BooleanSizeGetFromMemFile,
-    BooleanCompare, BooleanEvalAndBound, BooleanHash, BooleanConvertToNxString, BooleanConvertFromNxString,
-    BooleanConstructor, BooleanDestructor, BooleanAssignment, BooleanCopy, BooleanTranslate,
-    NxBooleanIsNull, NxBooleanSetNull, "noop", BooleanPrintToNxString, BooleanScanFromNxString,
-    Fixed(1), NxBooleanDefaultValue};
-
-NxTypeTab NxSealTab = {
-    "NxSeal", NxSealCreate, NxSealDelete, SealStore, SealLoad,
-    SealNullSizeGet, SealSizeGet, SealSizeGetFromMemFile,
-    SealCompare, SealEvalAndBound, SealHash, SealConvertToNxString, SealConvertFromNxString,
-    SealConstructor, SealDestructor, SealAssignment, SealCopy, SealTranslate,
-    NoIsNullDefined, nullptr, "noop", SealPrintToNxString, SealScanFromNxString, Fixed(6), SealDefaultValue};
-
-// clang-format on
+NxTypeTab NxInt64Tab =
+    Named(NX_SLOTS(NxInt64, Int64, Int64, Int64Load, Int64DefaultValue), "NxInt64", "%S", Fixed(8));
+NxTypeTab NxBooleanTab = Nullable(NX_SLOTS(NxBoolean, Boolean, Boolean, BooleanLoad, NxBooleanDefaultValue),
+                                  "NxBoolean", "noop", Fixed(1), NxBooleanIsNull, NxBooleanSetNull);
+NxTypeTab NxSealTab =
+    Named(NX_SLOTS(NxSeal, Seal, Seal, SealLoad, SealDefaultValue), "NxSeal", "noop", Fixed(6));
 
 NxTypeTab NxObjIdTab = Pending("NxObjId", "(%H-%L#%B)", Fixed(12), NxObjIdIsNull, NxObjIdSetNull);
 NxTypeTab NxClassIdTab = Pending("NxClassId", "(%Cv%V)", Fixed(4), NxClassIdIsNull, NxClassIdSetNull);
@@ -266,111 +234,3 @@ NxTypeTab* NxOldtypetab[kOldTypeCount] = {
     &NxDateTab,        &NxTimeTab,       &NxBlockIdTab,  &NxObjIdTab,       &NxClassIdTab, &NxRefTab,
     &NxBlobTab,        &NxDateTimeTab,   &NxIStringTab,  &NxCaseIStringTab, &Nxd_DateTab,  &Nxd_TimeTab,
     &Nxd_TimestampTab, &Nxd_IntervalTab, &NxInt64Tab,    &NxBooleanTab};
-
-// Null states. Values are read and written where they stand, aligned or not.
-
-namespace {
-
-template <class T>
-T Field(const void* value, unsigned offset) {
-  T field;
-  std::memcpy(&field, static_cast<const char*>(value) + offset, sizeof field);
-  return field;
-}
-
-constexpr unsigned short kNoClass = 65535;
-
-/// A nullable scalar is its value, then its null flag.
-template <unsigned kValueBytes>
-int NullFlag(const void* value) {
-  return static_cast<const signed char*>(value)[kValueBytes];
-}
-
-template <unsigned kValueBytes>
-int SetNullFlag(void* value) {
-  std::memset(value, 0, kValueBytes);
-  static_cast<signed char*>(value)[kValueBytes] = 1;
-  return 0;
-}
-
-// Where the fields of an object identifier stand: block, low and high are the first
-// ten bytes; the class identifier is classNumber, version.
-constexpr unsigned kLowOffset = 4;
-constexpr unsigned kHighOffset = 8;
-constexpr unsigned kObjIdBytes = 10;
-// A date-time is a date and, behind it, a time.
-constexpr unsigned kTimeOffset = 4;
-
-}  // namespace
-
-int NoIsNullDefined(void*) { return 0; }
-
-int NxStringIsNull(void* value) { return static_cast<NxString*>(value)->IsNullValue(); }
-int NxStringSetNull(void* value) {
-  static_cast<NxString*>(value)->SetNullValue();
-  return 0;
-}
-
-int NxDateIsNull(void* value) { return static_cast<NxDate*>(value)->IsNullValue(); }
-int NxDateSetNull(void* value) { return static_cast<NxDate*>(value)->SetNullValue(); }
-
-int NxTimeIsNull(void* value) { return static_cast<NxTime*>(value)->IsNullValue(); }
-int NxTimeSetNull(void* value) { return static_cast<NxTime*>(value)->SetNullValue(); }
-
-int NxBooleanIsNull(void* value) { return static_cast<NxBoolean*>(value)->IsNullValue(); }
-int NxBooleanSetNull(void* value) { return static_cast<NxBoolean*>(value)->SetNullValue(); }
-
-int NxDateTimeIsNull(void* value) {
-  return NxDateIsNull(value) && NxTimeIsNull(static_cast<char*>(value) + kTimeOffset);
-}
-int NxDateTimeSetNull(void* value) {
-  NxDateSetNull(value);
-  return NxTimeSetNull(static_cast<char*>(value) + kTimeOffset);
-}
-
-/// A blob is a pointer to its data; making one null has to release them, which needs
-/// the class.
-int NxBlobIsNull(void* value) { return Field<void*>(value, 0) == nullptr; }
-int NxBlobSetNull(void*) { return kNotPossible; }
-
-int NxObjIdIsNull(void* value) {
-  return Field<unsigned int>(value, kLowOffset) == 0 && Field<unsigned short>(value, kHighOffset) == 0;
-}
-int NxObjIdSetNull(void* value) {
-  std::memset(value, 0, kObjIdBytes);
-  return 0;
-}
-
-int NxRefIsNull(void* value) { return NxObjIdIsNull(value); }
-int NxRefSetNull(void* value) { return NxObjIdSetNull(value); }
-
-int NxClassIdIsNull(void* value) {
-  return Field<unsigned short>(value, 0) == kNoClass && Field<unsigned short>(value, 2) == kNoClass;
-}
-int NxClassIdSetNull(void* value) {
-  std::memset(value, 0xFF, 4);
-  return 0;
-}
-
-int NxNull_charIsNull(void* value) { return NullFlag<1>(value); }
-int NxNull_charSetNull(void* value) { return SetNullFlag<1>(value); }
-int NxNull_ucharIsNull(void* value) { return NullFlag<1>(value); }
-int NxNull_ucharSetNull(void* value) { return SetNullFlag<1>(value); }
-int NxNull_shortIsNull(void* value) { return NullFlag<2>(value); }
-int NxNull_shortSetNull(void* value) { return SetNullFlag<2>(value); }
-int NxNull_ushortIsNull(void* value) { return NullFlag<2>(value); }
-int NxNull_ushortSetNull(void* value) { return SetNullFlag<2>(value); }
-int NxNull_intIsNull(void* value) { return NullFlag<4>(value); }
-int NxNull_intSetNull(void* value) { return SetNullFlag<4>(value); }
-int NxNull_unsignedIsNull(void* value) { return NullFlag<4>(value); }
-int NxNull_unsignedSetNull(void* value) { return SetNullFlag<4>(value); }
-int NxNull_longIsNull(void* value) { return NullFlag<4>(value); }
-int NxNull_longSetNull(void* value) { return SetNullFlag<4>(value); }
-int NxNull_ulongIsNull(void* value) { return NullFlag<4>(value); }
-int NxNull_ulongSetNull(void* value) { return SetNullFlag<4>(value); }
-int NxNull_floatIsNull(void* value) { return NullFlag<4>(value); }
-int NxNull_floatSetNull(void* value) { return SetNullFlag<4>(value); }
-int NxNull_doubleIsNull(void* value) { return NullFlag<8>(value); }
-int NxNull_doubleSetNull(void* value) { return SetNullFlag<8>(value); }
-int NxNull_NxInt64IsNull(void* value) { return NullFlag<8>(value); }
-int NxNull_NxInt64SetNull(void* value) { return SetNullFlag<8>(value); }

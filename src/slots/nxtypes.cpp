@@ -179,6 +179,18 @@ NX_FIXED_TRANSLATE(BooleanTranslate, sizeof(NxBoolean), BooleanLoad, BooleanStor
 NX_FIXED_TRANSLATE(SealTranslate, sizeof(NxSeal), SealLoad, SealStore)
 
 // ---------------------------------------------------------------------------
+// Null state
+
+int NoIsNullDefined(void*) { return 0; }
+
+int NxDateIsNull(void* value) { return static_cast<NxDate*>(value)->IsNullValue(); }
+int NxDateSetNull(void* value) { return static_cast<NxDate*>(value)->SetNullValue(); }
+int NxTimeIsNull(void* value) { return static_cast<NxTime*>(value)->IsNullValue(); }
+int NxTimeSetNull(void* value) { return static_cast<NxTime*>(value)->SetNullValue(); }
+int NxBooleanIsNull(void* value) { return static_cast<NxBoolean*>(value)->IsNullValue(); }
+int NxBooleanSetNull(void* value) { return static_cast<NxBoolean*>(value)->SetNullValue(); }
+
+// ---------------------------------------------------------------------------
 // The illegal type: nothing is done, and 0 answered.
 
 void* NxIllegalCreate(unsigned long) { return nullptr; }

@@ -256,3 +256,12 @@ int StringSizeGetFromMemFile(MemFile* file, unsigned char format, unsigned long 
   }
   return static_cast<int>(size);
 }
+
+// ---------------------------------------------------------------------------
+// Null state
+
+int NxStringIsNull(void* value) { return static_cast<NxString*>(value)->IsNullValue(); }
+int NxStringSetNull(void* value) {
+  static_cast<NxString*>(value)->SetNullValue();
+  return 0;
+}

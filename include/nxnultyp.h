@@ -1,0 +1,8 @@
+/// Nullable scalars.
+#ifndef NXNULTYP_H
+#define NXNULTYP_H
+
+#include "nxapi.h"
+#include "nxslot.h"
+
+#endif

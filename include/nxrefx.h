@@ -1,0 +1,8 @@
+/// The slots of identifiers and references.
+#ifndef NXREFX_H
+#define NXREFX_H
+
+#include "nxapi.h"
+#include "nxslot.h"
+
+#endif
