@@ -14,6 +14,7 @@
 #include "nxoption.h"
 #include "nxrefx.h"
 #include "nxslot.h"
+#include "nxsortkey.h"
 #include "nxtmdata.h"
 #include "nxtmvers.h"
 #include "nxtypcmp.h"

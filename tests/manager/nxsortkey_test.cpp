@@ -1,0 +1,277 @@
+// Sort keys: the order of their bytes is that of Cmp, and bounds hold what a term selects.
+#include "nxsortkey.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "nxbase.h"
+#include "nxcistr.h"
+#include "nxistr.h"
+#include "nxoption.h"
+#include "nxstring.h"
+#include "nxtypmgr.h"
+#include "strwild.h"
+
+namespace {
+
+constexpr char kIStringId = 20, kCaseIStringId = 21;
+
+int Sign(long v) { return (v > 0) - (v < 0); }
+
+std::string KeyOf(char id, const void* value, unsigned char format, unsigned long length = 0,
+                  unsigned short options = 0) {
+  const unsigned long size = NxSortKey(id, value, format, length, options, nullptr, 0);
+  std::string key(size, '\0');
+  EXPECT_EQ(NxSortKey(id, value, format, length, options, key.data(), size), size);
+  return key;
+}
+
+bool IsPrefix(const std::string& a, const std::string& b) {
+  return a.size() < b.size() && b.compare(0, a.size(), a) == 0;
+}
+
+NxString Text(const std::string& units, unsigned char codeSet, unsigned char language) {
+  NxString s(codeSet, language);
+  s.MakeString((units + std::string(2, '\0')).c_str(), codeSet, -1, 1);
+  s._nLanguage = language;
+  return s;
+}
+
+std::string ImageOf(char id, const void* value, unsigned char format) {
+  std::string image(NxTypeMgr(5).DiskLenGet(id, const_cast<void*>(value), format, 1, 8), '\0');
+  NxTypeMgr(5).Store(id, image.data(), const_cast<void*>(value), format, 1);
+  return image;
+}
+
+// ---------------------------------------------------------------------------
+// Texts
+
+struct Case {
+  NxString text;
+  std::string key;
+};
+
+class Texts : public testing::Test {
+ protected:
+  Case Make(const std::string& bytes, unsigned char codeSet, unsigned char language) {
+    Case made = {Text(bytes, codeSet, language), ""};
+    made.key = KeyOf(kStringTypeId, &made.text, 8);
+    return made;
+  }
+  std::string Pick(const std::string& alphabet, unsigned most) {
+    std::string s;
+    for (unsigned n = random() % (most + 1); n > 0; --n) s += alphabet[random() % alphabet.size()];
+    return s;
+  }
+  void Check(const Case& a, const Case& b) {
+    const int expected = Sign(a.text.Compare(b.text, -1, kWildcardsOff));
+    ASSERT_EQ(Sign(a.key.compare(b.key)), expected) << a.text.StrGet() << " | " << b.text.StrGet();
+    ASSERT_FALSE(IsPrefix(a.key, b.key) || IsPrefix(b.key, a.key));
+  }
+
+  // Letters that contract in Spanish and Danish, expand, have accents; spaces and symbols.
+  const std::string hostile = "aAcChHlL-. 1*?\xdf\xe6\xe4\xc5\xbd\xb2\xf1\x01";
+  std::mt19937 random{11};
+};
+
+TEST_F(Texts, OrderAsTheComparisonWhenShort) {
+  for (unsigned char language : {1, 4, 6}) {
+    std::vector<Case> all = {Make("", 1, language)};
+    for (char a : hostile) {
+      all.push_back(Make({a}, 1, language));
+      for (char b : hostile) all.push_back(Make({a, b}, 1, language));
+    }
+    for (const Case& a : all)
+      for (const Case& b : all) Check(a, b);
+  }
+}
+
+TEST_F(Texts, OrderAsTheComparisonOverCodeSetsAndLanguages) {
+  // Other scripts, a symbol in an expansion, the largest unit, the last unit that changes the selector.
+  const std::u16string wide = u"aAb- ch\u00e4\u0149\u0430\u3042\uffff\uffef\u20ac\ud55c\u017f";
+  const unsigned char languages[] = {1, 2, 4, 5, 6};
+  for (int round = 0; round < 300000; ++round) {
+    const auto any = [&]() -> Case {
+      const unsigned char language = languages[random() % 5];
+      if (random() % 2) return Make(Pick(hostile, 6), static_cast<unsigned char>(1 + random() % 4), language);
+      std::string bytes;
+      for (unsigned n = random() % 5; n > 0; --n) {
+        const char16_t unit = wide[random() % wide.size()];
+        bytes.append(reinterpret_cast<const char*>(&unit), 2);
+      }
+      return Make(bytes, 253, language);
+    };
+    Check(any(), any());
+  }
+}
+
+TEST_F(Texts, LongRunsKeepTheirDistances) {
+  for (int round = 0; round < 20000; ++round) {
+    std::string a, b;
+    for (unsigned n = random() % 4; n > 0; --n)
+      a += std::string(random() % 3 ? random() % 3 : random() % 700, hostile[random() % hostile.size()]);
+    b = a;
+    if (!b.empty()) b[random() % b.size()] = hostile[random() % hostile.size()];
+    Check(Make(a, 1, 4), Make(b, 1, 4));
+  }
+}
+
+TEST_F(Texts, EveryFormHasTheSameKey) {
+  for (int round = 0; round < 2000; ++round) {
+    const Case made = Make(Pick(hostile, 300), 1, 4);
+    for (unsigned char format : {1, 2}) {
+      const std::string image = ImageOf(kStringTypeId, &made.text, format);
+      ASSERT_EQ(KeyOf(kStringTypeId, image.data(), format, image.size()), made.key);
+      const unsigned long cut = random() % image.size();
+      std::string copy(image, 0, cut);
+      if (cut > 0) {
+        ASSERT_EQ(NxSortKey(kStringTypeId, copy.data(), format, cut, 0, nullptr, 0), 0UL);
+      }
+    }
+    std::string cut(random() % made.key.size(), '\0');
+    ASSERT_EQ(NxSortKey(kStringTypeId, &made.text, 8, 0, 0, cut.data(), cut.size()), made.key.size());
+    ASSERT_EQ(made.key.compare(0, cut.size(), cut), 0);
+  }
+}
+
+TEST_F(Texts, NullComesFirstAndDescendingTurnsTheOrder) {
+  NxString null;
+  null.SetNullValue();
+  const std::string nullKey = KeyOf(kStringTypeId, &null, 8);
+  Case last = Make("", 1, 1);
+  EXPECT_LT(nullKey, last.key);
+  for (int round = 0; round < 1000; ++round) {
+    const Case a = Make(Pick(hostile, 4), 1, 1);
+    const int order = Sign(a.text.Compare(last.text, -1, kWildcardsOff));
+    const auto down = [](const Case& c) { return KeyOf(kStringTypeId, &c.text, 8, 0, kSortKeyDescending); };
+    ASSERT_EQ(Sign(down(last).compare(down(a))), order);
+    last = a;
+  }
+}
+
+// ---------------------------------------------------------------------------
+// Bounds
+
+void ExpectBetween(const NxSortKeyRange& range, const std::string& key, const std::string& what) {
+  const std::string lower(static_cast<char*>(range.lower), range.lowerLength);
+  const std::string upper(static_cast<char*>(range.upper), range.upperLength);
+  ASSERT_TRUE(!range.lower || lower <= key) << what;
+  ASSERT_TRUE(!range.upper || key < upper) << what;
+}
+
+bool Selects(long order, unsigned short relation) {
+  return (relation & (order == 0 ? kRelationEqual : order < 0 ? kRelationLess : kRelationGreater)) != 0;
+}
+
+TEST_F(Texts, BoundsHoldWhatATermSelects) {
+  const unsigned short ignored[] = {
+      0, kIgnoreCase, kIgnoreAccents, kSkipSpaces, kSkipSymbols, kOrderValuesOnly, kWildcardsOff};
+  std::vector<Case> all;
+  for (int i = 0; i < 400; ++i) all.push_back(Make(Pick(hostile, 4), 1, i % 3 ? 4 : 6));
+  Case null = {NxString(), ""};
+  null.text.SetNullValue();
+  null.key = KeyOf(kStringTypeId, &null.text, 8);
+  all.push_back(null);
+  int narrow = 0;
+  for (int round = 0; round < 3000; ++round) {
+    const Case term = Make(Pick(hostile + "**", 4), 1, round % 3 ? 4 : 6);
+    const unsigned short relation = 1 + random() % 6;
+    const unsigned short op = ignored[random() % 7] | ignored[random() % 7] | ignored[random() % 7];
+    NxSortKeyRange range;
+    ASSERT_EQ(NxSortKeyBounds(kStringTypeId, &term.text, 8, 0, relation | op, range), 1);
+    narrow += range.lower || range.upper;
+    for (const Case& c : all)
+      if (Selects(c.text.Compare(term.text, -1, op), relation))
+        ExpectBetween(
+            range, c.key,
+            std::string(c.text.StrGet()) + " | " + term.text.StrGet() + " " + std::to_string(relation | op));
+    std::free(range.lower);
+    std::free(range.upper);
+  }
+  EXPECT_GT(narrow, 1000);
+}
+
+template <class Alpha>
+void CheckAlpha(char id, const std::string& letters) {
+  std::mt19937 random(5);
+  NxTypeMgr mgr(5);
+  const auto pick = [&] {
+    std::string s;
+    for (unsigned n = random() % 5; n > 0; --n) s += letters[random() % letters.size()];
+    return Alpha(s.c_str());
+  };
+  for (int round = 0; round < 100000; ++round) {
+    const Alpha a = pick(), b = pick();
+    const std::string key = KeyOf(id, &a, 8), image = ImageOf(id, &a, 1 + round % 2);
+    ASSERT_EQ(KeyOf(id, image.data(), 1 + round % 2, image.size()), key);
+    const auto order = [&](unsigned short op) {
+      return mgr.Cmp(id, const_cast<Alpha*>(&a), const_cast<Alpha*>(&b), op, 1, 8);
+    };
+    ASSERT_EQ(Sign(key.compare(KeyOf(id, &b, 8))), Sign(order(kWildcardsOff))) << a._pStr << " | " << b._pStr;
+    const unsigned short relation = 1 + random() % 6, op = random() % 2 ? kWildcardsOff : 0;
+    NxSortKeyRange range;
+    ASSERT_EQ(NxSortKeyBounds(id, &b, 8, 0, relation | op, range), 1);
+    if (Selects(order(op), relation)) ExpectBetween(range, key, std::string(a._pStr ? a._pStr : ""));
+    std::free(range.lower);
+    std::free(range.upper);
+  }
+}
+
+TEST(AlphaKeys, OrderAndBounds) {
+  const std::string letters = "aAbBsSz*?\\- \xdf\xe6\xe4\xc9\xe9\x9c";
+  CheckAlpha<NxIString>(kIStringId, letters);
+  CheckAlpha<NxCaseIString>(kCaseIStringId, letters);
+}
+
+TEST(FixedKeys, OrderAndBounds) {
+  NxTypeMgr mgr(5);
+  std::mt19937 random(3);
+  for (char id = 0; id < 40; ++id) {
+    if (!mgr.IsFixed(id)) continue;
+    const auto size = static_cast<unsigned long>(NxNewtypetab[static_cast<int>(id)]->NullSizeGet(1));
+    if (size == 0) continue;
+    const auto pick = [&] {
+      std::string image(size, '\0');
+      for (char& c : image) c = "\0\1\x7f\x80\xff\xfe\2"[random() % (random() % 2 ? 7 : 2)];
+      if (id == 27) image[0] = "\0\1\xff"[random() % 3];  // no other byte is a boolean
+      // What is not a number has no order.
+      if (std::strchr("\3\4\x19\x24\x25", id) && id) image.back() = "\0\x80\x40\xc0"[random() % 4];
+      return image;
+    };
+    for (int round = 0; round < 20000; ++round) {
+      std::string a = pick(), b = pick();
+      int error;
+      const auto order = [&](unsigned short op) {
+        return Sign(mgr.Cmp(id, size, a.data(), size, b.data(), op, 1, 1, error));
+      };
+      const std::string keyA = KeyOf(id, a.data(), 1, size), keyB = KeyOf(id, b.data(), 1, size);
+      ASSERT_EQ(Sign(keyA.compare(keyB)), order(kWildcardsOff)) << int{id};
+      ASSERT_FALSE(IsPrefix(keyA, keyB) || IsPrefix(keyB, keyA));
+      const unsigned short relation = 1 + random() % 6, op = random() % 2 ? kWildcardsOff : 0;
+      NxSortKeyRange range;
+      ASSERT_EQ(NxSortKeyBounds(id, b.data(), 1, size, relation | op, range), 1);
+      if (Selects(order(op), relation)) ExpectBetween(range, keyA, mgr.NameGet(id, nullptr));
+      std::free(range.lower);
+      std::free(range.upper);
+      void* value = mgr.Create(id, 1);
+      mgr.Load(id, value, a.data(), 1, 1);
+      std::string swapped(size, '\0');
+      mgr.Store(id, swapped.data(), value, 2, 1);
+      ASSERT_EQ(KeyOf(id, value, 8), keyA) << int{id};
+      ASSERT_EQ(KeyOf(id, swapped.data(), 2, size), keyA) << int{id};
+      mgr.Delete(id, value, 1);
+      ASSERT_EQ(NxSortKey(id, a.data(), 1, size - 1, 0, nullptr, 0), size == 1 ? keyA.size() : 0);
+    }
+  }
+  long value = 1;
+  EXPECT_EQ(NxSortKey(18, &value, 1, 0, 0, nullptr, 0), 0UL) << "blobs have no order";
+  EXPECT_EQ(NxSortKey(kIllegalTypeId, &value, 1, 0, 0, nullptr, 0), 0UL);
+}
+
+}  // namespace
