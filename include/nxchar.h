@@ -56,7 +56,7 @@ class NX_API NxChar {
   NxChar ToLower(NxStringIterator* it) const;
 
   /// Negative, 0 or positive by collation, `c` being the pattern when wildcards are on.
-  /// op 65535 means the default options, which the operators use.
+  /// op kDefaultOptions means the default options, which the operators use.
   int Compare(const NxChar& c, unsigned short op) const;
   int operator==(const NxChar& c) const;
   int operator!=(const NxChar& c) const;

@@ -13,6 +13,7 @@
 #define NXSTRING_H
 
 #include "nxapi.h"
+#include "nxoption.h"
 
 class NxChar;
 class NxCharOperation;
@@ -178,16 +179,16 @@ class NX_API NxString {
   NxString& ToLower();
   NxString& Transform(NxCharOperation& op);
 
-  // Searching. op is a compare option word (nxtypcmp.h), 65535 the default one.
+  // Searching. op is a compare option word (nxtypcmp.h), kDefaultOptions the default one.
 
   /// Position of the first match at or after start, or -1. Positions from 32768 on
   /// come out negative: as an unsigned short they are right, and only -1 means none.
   /// With wildcards on, "*" and "?" of the pattern are wildcards. A pattern without
   /// buffer, or of more bytes than the rest of the text has, is not found.
-  short Find(const NxString& pattern, unsigned short start = 0, unsigned short op = 65535) const;
-  short Find(char c, unsigned short start = 0, unsigned short op = 65535) const;
-  short Find(unsigned short c, unsigned short start = 0, unsigned short op = 65535) const;
-  short SubStringPos(const NxString& pattern, unsigned short op = 65535) const;
+  short Find(const NxString& pattern, unsigned short start = 0, unsigned short op = kDefaultOptions) const;
+  short Find(char c, unsigned short start = 0, unsigned short op = kDefaultOptions) const;
+  short Find(unsigned short c, unsigned short start = 0, unsigned short op = kDefaultOptions) const;
+  short SubStringPos(const NxString& pattern, unsigned short op = kDefaultOptions) const;
   /// Replaces every match under the default options, from start on. An empty `from`
   /// matches nothing.
   NxString& ReplaceAll(const NxString& from, const NxString& to, unsigned short start = 0);
@@ -204,7 +205,7 @@ class NX_API NxString {
   int operator<=(const NxString& s) const;
   int operator>=(const NxString& s) const;
   /// Negative, 0 or positive over the first len (-1: all) characters.
-  int Compare(const NxString& s, short len = -1, unsigned short op = 65535) const;
+  int Compare(const NxString& s, short len = -1, unsigned short op = kDefaultOptions) const;
   int EqualsIgnoreLanguage(const NxString& s) const;
 
   // Numbers. Texts that do not parse give 0.

@@ -4,11 +4,9 @@
 #include <cstdlib>
 
 #include "nxbase.h"
+#include "nxversion.h"
 
 namespace {
-
-constexpr int kMajor = 9;
-constexpr int kMinor = 5;
 
 NxAssertHandler assertHandler = nullptr;
 NxMemoryHandler memoryHandler = nullptr;
@@ -45,5 +43,5 @@ NxMemoryHandler NxSetMemoryHandler(NxMemoryHandler handler) {
 }
 
 int CheckNxVersionNumber(int major, int minor, int /*build*/, int /*patch*/, int /*extra*/, int /*flags*/) {
-  return major == kMajor && minor == kMinor ? 0 : -1;
+  return major == NX_VERSION_MAJOR && minor == NX_VERSION_MINOR ? 0 : -1;
 }

@@ -14,7 +14,7 @@
 #include "base/nxalloc.h"
 #include "strwild.h"
 
-inline unsigned long NxTextLength(const char* s) { return s ? std::strlen(s) : 0; }
+inline unsigned long NxAlphaLength(const char* s) { return s ? std::strlen(s) : 0; }
 
 /// A new buffer with three pieces of text one after another, or null when they are
 /// empty or memory is short.
@@ -39,7 +39,7 @@ void NxAlphaText<Text>::Adopt(char* text) {
 
 template <class Text>
 void NxAlphaText<Text>::Assign(const char* s) {
-  Adopt(NxJoinTexts(s, NxTextLength(s), nullptr, 0, nullptr, 0));
+  Adopt(NxJoinTexts(s, NxAlphaLength(s), nullptr, 0, nullptr, 0));
   _nForm = 0;
 }
 
@@ -106,9 +106,9 @@ NxAlphaText<Text>& NxAlphaText<Text>::operator=(const NxAlphaText& s) {
 
 template <class Text>
 Text& NxAlphaText<Text>::operator+=(const Text& s) {
-  unsigned long added = NxTextLength(s._pStr);
+  unsigned long added = NxAlphaLength(s._pStr);
   if (added == 0) return Self();
-  char* text = NxJoinTexts(_pStr, NxTextLength(_pStr), s._pStr, added, nullptr, 0);
+  char* text = NxJoinTexts(_pStr, NxAlphaLength(_pStr), s._pStr, added, nullptr, 0);
   if (text) Adopt(text);
   return Self();
 }
@@ -123,16 +123,16 @@ int NxAlphaText<Text>::Order(const NxAlphaText& a, const NxAlphaText& b) {
 
 template <class Text>
 unsigned short NxAlphaText<Text>::Len() const {
-  return static_cast<unsigned short>(NxTextLength(_pStr));
+  return static_cast<unsigned short>(NxAlphaLength(_pStr));
 }
 
 template <class Text>
 Text& NxAlphaText<Text>::Insert(const Text& s, unsigned short pos) {
-  unsigned long added = NxTextLength(s._pStr);
+  unsigned long added = NxAlphaLength(s._pStr);
   if (added == 0) return Self();
   if (!_pStr) return Self() = s;
   pos = std::min(pos, Len());
-  char* text = NxJoinTexts(_pStr, pos, s._pStr, added, _pStr + pos, NxTextLength(_pStr + pos));
+  char* text = NxJoinTexts(_pStr, pos, s._pStr, added, _pStr + pos, NxAlphaLength(_pStr + pos));
   if (text) Adopt(text);
   return Self();
 }
@@ -159,7 +159,7 @@ Text& NxAlphaText<Text>::Fill(unsigned short n, char c) {
 
 template <class Text>
 Text& NxAlphaText<Text>::Expand(unsigned short n, char c) {
-  unsigned long length = NxTextLength(_pStr);
+  unsigned long length = NxAlphaLength(_pStr);
   if (n <= length) return Self();
   char* text = NxNewZeroArray<char>(n + 1UL);
   if (!text) return Self();
@@ -175,7 +175,7 @@ Text& NxAlphaText<Text>::Cut(unsigned short pos, unsigned short count) {
   unsigned long n = std::min<unsigned long>(count, length - pos);
   if (n == 0) return Self();
   const char* tail = _pStr + pos + n;
-  unsigned long tailLength = NxTextLength(tail);
+  unsigned long tailLength = NxAlphaLength(tail);
   char* text = NxJoinTexts(_pStr, pos, tail, tailLength, nullptr, 0);
   if (text || pos + tailLength == 0) Adopt(text);
   return Self();
@@ -235,13 +235,13 @@ Text& NxAlphaText<Text>::ToLower() {
 
 template <class Text>
 Text& NxAlphaText<Text>::SpaceToZero() {
-  std::replace(_pStr, _pStr + NxTextLength(_pStr), ' ', '0');
+  std::replace(_pStr, _pStr + NxAlphaLength(_pStr), ' ', '0');
   return Self();
 }
 
 template <class Text>
 Text& NxAlphaText<Text>::ZeroToSpace() {
-  std::replace(_pStr, _pStr + NxTextLength(_pStr), '0', ' ');
+  std::replace(_pStr, _pStr + NxAlphaLength(_pStr), '0', ' ');
   return Self();
 }
 

@@ -29,11 +29,11 @@ constexpr unsigned char kOverC0toFF[64] = {
 };
 constexpr NxMappedByte kLowerOe = {0x90, 0x69};
 
-constexpr int kNotFound = 64;
+constexpr int kNotInTable = 64;
 
 int IndexOf(const unsigned char (&table)[64], unsigned char key) {
   int i = 0;
-  while (i < kNotFound && table[i] != key) ++i;
+  while (i < kNotInTable && table[i] != key) ++i;
   return i;
 }
 
@@ -56,11 +56,11 @@ int _NxCaseIMapString(unsigned char* dst, const unsigned char* src, unsigned sho
 unsigned char _NxCaseIDeMapByte(unsigned char k, unsigned char next, int& consumed) {
   consumed = 1;
   int i = IndexOf(kFromC0toFF, k);
-  if (i != kNotFound && kOverC0toFF[i] == next && next != k) return static_cast<unsigned char>(0xC0 + i);
+  if (i != kNotInTable && kOverC0toFF[i] == next && next != k) return static_cast<unsigned char>(0xC0 + i);
   consumed = 0;
   i = IndexOf(kFrom40to7F, k);
   // A ligature begins with the key of a letter, so it comes back as two letters.
-  if (i != kNotFound) return static_cast<unsigned char>(0x40 + i);
+  if (i != kNotInTable) return static_cast<unsigned char>(0x40 + i);
   if (k >= 0xE0) return k - 0x60;
   return k >= 0xB0 && k <= 0xCF ? k - 0x10 : k;
 }

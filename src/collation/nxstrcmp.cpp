@@ -11,6 +11,7 @@
 #include "nxstring.h"
 #include "ord2str.h"
 #include "strwild.h"
+#include "text/nxchartext.h"
 
 // ---------------------------------------------------------------------------
 // Reading order values
@@ -205,10 +206,6 @@ int ProcessCharInfo::Result() const {
 
 namespace {
 
-bool IsNull(unsigned char codeSet, unsigned char language) {
-  return language == kLanguageNull || (codeSet == kCodeSetOrderValues && language == kLanguageNone);
-}
-
 /// Order values alone: the first difference of two keys decides.
 int CompareOrderValues(NxOrderReader a, NxOrderReader b, short len) {
   unsigned rounds = static_cast<unsigned short>(len);
@@ -235,11 +232,11 @@ int CompareByReaders(const NxComparedText& a, const NxComparedText& b, unsigned 
 int CompareTexts(NxComparedText a, NxComparedText b, unsigned short op, short len, unsigned char byteOrder,
                  int* outPos, bool plain) {
   const bool bytesDecide = (op & (kWildcardsOff | kOrderValuesOnly)) != 0;
-  if (IsNull(a.codeSet, a.language)) {
-    if (IsNull(b.codeSet, b.language)) return 0;
+  if (NxIsNullText(a.codeSet, a.language)) {
+    if (NxIsNullText(b.codeSet, b.language)) return 0;
     if (bytesDecide) return -1;  // otherwise a pattern may match it
     if (!a.text) a.text = zeroString;
-  } else if (IsNull(b.codeSet, b.language)) {
+  } else if (NxIsNullText(b.codeSet, b.language)) {
     return 1;
   }
   if (len == 0) return 0;

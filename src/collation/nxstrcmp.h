@@ -9,18 +9,11 @@
 #include <limits>
 #include <memory>
 
+#include "base/nxbytes.h"
 #include "nxlang.h"
 #include "nxoption.h"
 #include "nxstring.h"
 #include "nxstritr.h"
-
-/// The character of a text at p, which needs no alignment.
-template <class Unit>
-unsigned NxUnitAt(const char* p) {
-  Unit unit;
-  std::memcpy(&unit, p, sizeof unit);
-  return unit;
-}
 
 /// How each of the first 256 characters of a code set orders in one language. Tables
 /// are built when first asked for and never change.

@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr short kWholeText = -1;
 constexpr unsigned long kLongestCompared = 32767;  // characters that a comparison can be limited to
 
 /// NxStrCmp of two texts, the second one the pattern.
@@ -130,7 +129,7 @@ class MatchStart {
 }  // namespace
 
 long NxFindText(const NxString& s, const NxString& pattern, unsigned long start, unsigned short op) {
-  if (!pattern._pBuffer || !s._pBuffer || start > s.Len()) return kNotFound;
+  if (!pattern._pBuffer || !s._pBuffer || start > s.Len()) return kNoMatch;
   // The byte sizes of both texts decide where the search stops, whatever the widths.
   const long patternSize = pattern._nSize - pattern.NullLen();
   const long width = NxCharWidth(s._nCodeSet);
@@ -157,7 +156,7 @@ long NxFindText(const NxString& s, const NxString& pattern, unsigned long start,
     if (result == 0) return pos;
     if (wildcards) pos += starts.CountSkipped(text);
   }
-  return kNotFound;
+  return kNoMatch;
 }
 
 short NxString::Find(const NxString& pattern, unsigned short start, unsigned short op) const {

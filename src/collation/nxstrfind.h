@@ -6,9 +6,9 @@
 #include "nxoption.h"
 #include "nxstring.h"
 
-inline constexpr long kNotFound = -1;
+inline constexpr long kNoMatch = -1;
 
-/// Position of the first match of pattern at or after start, or kNotFound.
+/// Position of the first match of pattern at or after start, or kNoMatch.
 long NxFindText(const NxString& s, const NxString& pattern, unsigned long start, unsigned short op);
 
 #endif

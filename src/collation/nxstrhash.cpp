@@ -5,6 +5,7 @@
 #include "nxstring.h"
 #include "ord2str.h"
 #include "strwild.h"
+#include "text/nxchartext.h"
 
 namespace {
 
@@ -59,11 +60,8 @@ unsigned Mix(unsigned hash, unsigned value) { return hash * 9 + value; }
 template <class Unit>
 unsigned HashUnits(const char* text, int mask) {
   unsigned hash = 0;
-  for (; NxUnitAt<Unit>(text) != 0; text += sizeof(Unit)) {
-    Unit unit;
-    std::memcpy(&unit, text, sizeof unit);
+  for (; const Unit unit = NxUnitAt<Unit>(text); text += sizeof unit)
     hash = Mix(hash, static_cast<unsigned>(unit & mask));
-  }
   return hash;
 }
 
@@ -106,7 +104,7 @@ unsigned HashWholeText(unsigned char cs, unsigned char lang, const char* text, u
 
 unsigned long HashString(unsigned char cs, unsigned char lang, const char* text, short len,
                          unsigned char byteOrder) {
-  if (lang == kLanguageNull || (cs == kCodeSetOrderValues && lang == kLanguageNone)) return kNullHash;
+  if (NxIsNullText(cs, lang)) return kNullHash;
   if (!text) text = zeroString;
   if (len == -1) return HashWholeText(cs, lang, text, byteOrder);
   unsigned hash = 0;

@@ -204,8 +204,8 @@ NxString& NxString::Transform(NxCharOperation& op) {
 NxString& NxString::ReplaceAll(const NxString& from, const NxString& to, unsigned short start) {
   const unsigned long fromLength = from.Len();
   const unsigned long toLength = to.Len();
-  long i = fromLength == 0 ? kNotFound : NxFindText(*this, from, start, kDefaultOptions);
-  if (i == kNotFound || i >= Len()) return *this;  // a match behind the text replaces nothing
+  long i = fromLength == 0 ? kNoMatch : NxFindText(*this, from, start, kDefaultOptions);
+  if (i == kNoMatch || i >= Len()) return *this;  // a match behind the text replaces nothing
   // On a copy: this string may be `from` or `to`, and stays as it is on an overflow.
   NxString text(*this);
   do {
@@ -213,7 +213,7 @@ NxString& NxString::ReplaceAll(const NxString& from, const NxString& to, unsigne
     CutText(text, pos, std::min<unsigned long>(pos + fromLength, text.Len()));
     if (!InsertText(text, to, pos)) return *this;
     i = NxFindText(text, from, pos + toLength, kDefaultOptions);
-  } while (i != kNotFound && i < text.Len());
+  } while (i != kNoMatch && i < text.Len());
   Destruct(text);
   return *this;
 }
@@ -229,7 +229,7 @@ int NxSplitList(NxString& list, NxString& item, const NxString& separator, unsig
   long end = NxFindText(list, separator, pos, kDefaultOptions);
   if (end == 0) end = NxFindText(list, separator, ++pos, kDefaultOptions);
   const unsigned short length = list.Len();
-  if (end == kNotFound) {
+  if (end == kNoMatch) {
     if (pos >= length) return kEndOfList;
     end = length;
   }

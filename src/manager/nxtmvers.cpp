@@ -6,14 +6,11 @@
 #include <cstdio>
 
 #include "nxbase.h"
+#include "nxversion.h"
 
 namespace {
 
-struct Version {
-  int major, minor, build, patch, extra;
-};
-constexpr Version kVersion = {9, 5, 23, 262, 0};
-constexpr char kVersionText[] = "9.5.23.262.0 ";
+constexpr char kVersionText[] = NX_VERSION_TEXT " ";
 constexpr char kBuildDateTime[] = __DATE__ " " __TIME__;
 constexpr int kCheckFlags = 3;  // always added to the caller's
 
@@ -32,18 +29,18 @@ const char* DLLcompilerName = "GCC " __VERSION__ ", 32-bit Linux";
 int DLLcompilerNum = 320;
 
 int NxCheckDll(int flags) {
-  return CheckNxVersionNumber(kVersion.major, kVersion.minor, kVersion.build, kVersion.patch, kVersion.extra,
-                              flags | kCheckFlags);
+  return CheckNxVersionNumber(NX_VERSION_MAJOR, NX_VERSION_MINOR, NX_VERSION_BUILD, NX_VERSION_PATCH,
+                              NX_VERSION_EXTRA, flags | kCheckFlags);
 }
 
 const char* NxDescribeDll(int* major, int* minor, int* build, int* patch, int* extra, const char** shortName,
                           const char** buildDateTime, const char** placeholder, int* compilerNumber,
                           const char** compilerName, const char** empty) {
-  *major = kVersion.major;
-  *minor = kVersion.minor;
-  *build = kVersion.build;
-  *patch = kVersion.patch;
-  *extra = kVersion.extra;
+  *major = NX_VERSION_MAJOR;
+  *minor = NX_VERSION_MINOR;
+  *build = NX_VERSION_BUILD;
+  *patch = NX_VERSION_PATCH;
+  *extra = NX_VERSION_EXTRA;
   *shortName = DLLname;
   *buildDateTime = kBuildDateTime;
   *placeholder = "unknown";

@@ -219,21 +219,21 @@ void NxTypeMgr::AssignEmptyText(char id, void* value) {
 
 namespace {
 
-constexpr unsigned short kNotFound = 65535;
+constexpr unsigned short kNoSeparator = 65535;
 
-/// Where the separator stands in text from pos on; kNotFound for nowhere. What is found
+/// Where the separator stands in text from pos on; kNoSeparator for nowhere. What is found
 /// may be a character that begins like the separator, as a quarter does like a raised one.
 unsigned short FindSeparator(const NxString& text, const NxString& separator, unsigned short pos) {
   for (;; ++pos) {
     pos = static_cast<unsigned short>(text.Find(separator, pos, kWildcardsOff));
-    if (pos == kNotFound || text.Copy(pos, 1).EqualsIgnoreLanguage(separator)) return pos;
+    if (pos == kNoSeparator || text.Copy(pos, 1).EqualsIgnoreLanguage(separator)) return pos;
   }
 }
 
 bool AnyContains(NxTypeConvertData& strings, const NxString& separator) {
   int i = 0;
   while (const NxString* s = strings.GetString(i++))
-    if (FindSeparator(*s, separator, 0) != kNotFound) return true;
+    if (FindSeparator(*s, separator, 0) != kNoSeparator) return true;
   return false;
 }
 
@@ -258,7 +258,7 @@ void CutFront(NxString& text, unsigned long n) {
 NxString* SplitParts(NxString& text, const NxString& separator, unsigned long& count) {
   unsigned short pos = 0;
   count = 1;
-  for (unsigned short at; (at = FindSeparator(text, separator, pos)) != kNotFound; ++count) pos = at + 1;
+  for (unsigned short at; (at = FindSeparator(text, separator, pos)) != kNoSeparator; ++count) pos = at + 1;
 
   auto* parts = static_cast<NxString*>(NxStringCreate(count));
   if (!parts) return nullptr;

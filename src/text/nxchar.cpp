@@ -156,10 +156,7 @@ int NxChar::IsDigit() const {
   return order >= kFirstDigitOrder && order < kFirstLetterOrder;
 }
 
-int NxChar::IsAlpha() const {
-  const unsigned short order = GetOrder();
-  return order >= kFirstLetterOrder && order < kFirstHanOrder;
-}
+int NxChar::IsAlpha() const { return NxIsLetterOrder(GetOrder()); }
 
 int NxChar::IsHan() const { return GetOrder() >= kFirstHanOrder; }
 

@@ -1,11 +1,11 @@
 // What characters, iterators and the UTF-8 conversions share: the replacements of the
-// numbers that stand for a default, and the reading of one character of a text.
+// numbers that stand for a default, the null test of a text, the class of letters, and
+// the reading of one character of a text.
 #ifndef NXCHARTEXT_H
 #define NXCHARTEXT_H
 
-#include <cstring>
-
-#include "nxbase.h"
+#include "base/nxbytes.h"
+#include "nxchar.h"
 #include "nxlang.h"
 
 inline unsigned char StatedCodeSet(unsigned char codeSet) {
@@ -24,25 +24,26 @@ inline unsigned char Stated16CodeSet(unsigned char codeSet) {
   return codeSet != kCodeSetDefault ? codeSet : NxLanguageContext::GetDefault16CodeSet();
 }
 
-inline constexpr unsigned char kByteOrderDefault = 255;  // in parameters only
+inline constexpr unsigned char kDefaultByteOrder = 255;  // in parameters only
 
 inline unsigned char StatedByteOrder(unsigned char byteOrder) {
-  return byteOrder != kByteOrderDefault ? byteOrder : kFormatNative;
+  return byteOrder != kDefaultByteOrder ? byteOrder : kFormatNative;
 }
 
-inline unsigned short ReadUnit(const char* where, unsigned char byteOrder) {
-  unsigned short unit;
-  if (byteOrder == kFormatNative || byteOrder == kFormatMemory)
-    std::memcpy(&unit, where, sizeof unit);
-  else
-    ShortStore(&unit, where, byteOrder, 1);
-  return unit;
+/// Whether code set and language are those of a null value.
+constexpr bool NxIsNullText(unsigned char codeSet, unsigned char language) {
+  return language == kLanguageNull || (codeSet == kCodeSetOrderValues && language == kLanguageNone);
+}
+
+/// Whether an order value is a letter's, which has the fields of ord2str.h.
+constexpr bool NxIsLetterOrder(unsigned order) {
+  return order >= kFirstLetterOrder && order < kFirstHanOrder;
 }
 
 /// The value of the character of a code set at `where`.
 inline unsigned short ReadCharacter(const char* where, unsigned char codeSet, unsigned char byteOrder) {
   if (NxCharWidth(codeSet) == 1) return static_cast<unsigned char>(*where);
-  return ReadUnit(where, byteOrder);
+  return NxReadShort(where, byteOrder);
 }
 
 #endif

@@ -11,7 +11,7 @@
 unsigned long NxLimitedLength(const char* text, unsigned width, unsigned long limit) {
   if (width == 1) return strnlen(text, limit);
   unsigned long length = 0;
-  while (length < limit && NxUnitAt(text + 2 * length) != 0) ++length;
+  while (length < limit && NxUnitAt<unsigned short>(text + 2 * length) != 0) ++length;
   return length;
 }
 
@@ -181,7 +181,7 @@ bool MapReusing(unsigned char srcCodeSet, unsigned char dstCodeSet, const char* 
                 unsigned short& size, unsigned long& count) {
   if (!src) src = zeroString;
   const unsigned long wanted =
-      n == -1 ? NxTextLength(src, NxCharWidth(srcCodeSet)) : static_cast<unsigned short>(n);
+      n == kWholeText ? NxTextLength(src, NxCharWidth(srcCodeSet)) : static_cast<unsigned short>(n);
   const unsigned long needed = (wanted + 1) * NxCharWidth(dstCodeSet);
   if (needed > kMaxStringBytes) {
     NxReportOverflow(kOverflowInMapping);
@@ -237,7 +237,7 @@ void NxString::MakeString(const char* text, unsigned char cs, short n, unsigned 
     return;
   }
   NxComposeText(*this, text, cs,
-                n == -1 ? NxTextLength(text, NxCharWidth(cs)) : static_cast<unsigned short>(n), mode);
+                n == kWholeText ? NxTextLength(text, NxCharWidth(cs)) : static_cast<unsigned short>(n), mode);
 }
 
 // ---------------------------------------------------------------------------
@@ -268,7 +268,8 @@ unsigned short AllocMapped(unsigned char srcCodeSet, unsigned char dstCodeSet, c
   const char* text = src ? src : zeroString;
   const unsigned long width = NxCharWidth(dstCodeSet);
   unsigned long length = NxTextLength(text, NxCharWidth(srcCodeSet));
-  const unsigned long most = 65535 / width - 1;  // characters that the 16-bit size can say
+  constexpr unsigned long kLargestSize = 65535;  // that the result can say
+  const unsigned long most = kLargestSize / width - 1;
   if (length > most) {
     NxReportOverflow(kOverflowInMapping);
     length = most;

@@ -9,19 +9,14 @@
 #include "base/nxalloc.h"
 #include "nxlang.h"
 #include "nxstring.h"
+#include "text/nxchartext.h"
 
-inline constexpr unsigned char kDefaultByteOrder = 255;  // in parameters: this machine's order
-
-/// A 16-bit unit at any address.
-inline unsigned short NxUnitAt(const char* p) {
-  unsigned short unit;
-  std::memcpy(&unit, p, sizeof unit);
-  return unit;
-}
+/// As a count of characters: all of them. Also 65535, where the count is unsigned.
+inline constexpr short kWholeText = -1;
 
 /// The character at p of a text with characters of the width.
 inline unsigned short NxCharAt(const char* p, unsigned width) {
-  return width == 1 ? static_cast<unsigned char>(*p) : NxUnitAt(p);
+  return width == 1 ? static_cast<unsigned char>(*p) : NxUnitAt<unsigned short>(p);
 }
 
 /// Characters before the first zero character, or limit when it comes first.

@@ -86,8 +86,8 @@ NxString::NxString(const NxString& s) : NxString(s._nCodeSet, s._nLanguage) { *t
 
 NxString::NxString(char c) : NxString(&c, c != 0) {}
 NxString::NxString(unsigned short c) : NxString(&c, c != 0) {}
-NxString::NxString(const char* text) : NxString(text, 65535) {}
-NxString::NxString(const unsigned short* text) : NxString(text, 65535) {}
+NxString::NxString(const char* text) : NxString(text, static_cast<unsigned short>(kWholeText)) {}
+NxString::NxString(const unsigned short* text) : NxString(text, static_cast<unsigned short>(kWholeText)) {}
 
 NxString::NxString(const char* text, unsigned short n) : NxString(Default8(), DefaultLanguage()) {
   MakeString(text, _nCodeSet, static_cast<short>(n));
@@ -167,9 +167,7 @@ int NxString::SetNullValue() {
   return 0;
 }
 
-int NxString::IsNullValue() const {
-  return _nLanguage == kLanguageNull || (_nCodeSet == kCodeSetOrderValues && _nLanguage == kLanguageNone);
-}
+int NxString::IsNullValue() const { return NxIsNullText(_nCodeSet, _nLanguage); }
 
 // ---------------------------------------------------------------------------
 // The process's defaults and wildcards

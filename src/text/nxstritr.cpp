@@ -102,7 +102,7 @@ unsigned short OrderReader::Next() {
 /// image with the most significant byte first has them that way round too.
 unsigned short OrderReader::NextOfOrderValues() {
   const unsigned char byteOrder = it_._nByteOrder == kFormatBigEndian ? kFormatBigEndian : kFormatNative;
-  const unsigned short order = it_._pPos ? ReadUnit(it_._pPos, byteOrder) : 0;
+  const unsigned short order = it_._pPos ? NxReadShort(it_._pPos, byteOrder) : 0;
   if (order != 0)
     ++it_;
   else if (!IsPending(it_))
@@ -310,6 +310,5 @@ unsigned short GetNextOrderValue(NxStringIterator& it, unsigned short mask) {
   }
   if (it.IsEOS()) return 0;
   const unsigned short order = it.GetNextOrder(1);
-  const bool isLetter = order >= kFirstLetterOrder && order < kFirstHanOrder;
-  return isLetter ? order & ~mask : order;
+  return NxIsLetterOrder(order) ? order & ~mask : order;
 }

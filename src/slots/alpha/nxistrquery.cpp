@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "alpha/nxalpha.h"
-#include "base/nxalloc.h"
+#include "base/nxclosedcopy.h"
 #include "nxtypcmp.h"
 #include "nxtypevl.h"
 #include "nxtyphash.h"
@@ -21,24 +21,21 @@ constexpr unsigned long kHeadSize = NxAlphaImage::kHeadSize;
 /// at hand end without a terminator.
 class TerminatedText {
  public:
-  explicit TerminatedText(NxTextSpan text) : copy_(nullptr), text_("") {
+  explicit TerminatedText(NxTextSpan text) {
     const unsigned long size = text.Size();
     if (size == 0) return;
-    text_ = reinterpret_cast<const char*>(text.at);
-    if (std::memchr(text.at, 0, size)) return;
-    copy_ = NxNewZeroArray<char>(size + 1);
-    if (copy_) std::memcpy(copy_, text.at, size);
-    text_ = copy_ ? copy_ : "";
+    if (std::memchr(text.at, 0, size)) {
+      text_ = reinterpret_cast<const char*>(text.at);
+    } else if (const char* const closed = copy_.Take(text.at, size)) {
+      text_ = closed;
+    }
   }
-  TerminatedText(const TerminatedText&) = delete;
-  TerminatedText& operator=(const TerminatedText&) = delete;
-  ~TerminatedText() { delete[] copy_; }
 
   operator const char*() const { return text_; }
 
  private:
-  char* copy_;
-  const char* text_;
+  NxClosedCopy<kTruncatedTextMax> copy_;
+  const char* text_ = "";
 };
 
 // ---------------------------------------------------------------------------

@@ -14,6 +14,7 @@
 #include "nxlang.h"
 #include "nxstring.h"
 #include "nxtypes.h"
+#include "slots/nxfixed.h"
 #include "slots/nxlife.h"
 
 namespace {
@@ -236,14 +237,6 @@ int StoreCut(Bytes dst, unsigned char dstForm, unsigned long dstLength, const vo
   return static_cast<int>(std::min<unsigned long>(size, dstLength));
 }
 
-/// Cuts an image or fills up behind it with zeros; returns the bytes of it that fit.
-int Resize(Bytes dst, unsigned long dstLength, const void* src, unsigned long srcLength) {
-  const unsigned long k = std::min(srcLength, dstLength);
-  if (k != 0) std::memmove(dst, src, k);
-  if (k < dstLength) std::memset(dst + k, 0, dstLength - k);
-  return static_cast<int>(k);
-}
-
 template <class Text>
 int Translate(void* dst, unsigned char dstForm, unsigned long dstLength, void* src, unsigned char srcForm,
               unsigned long srcLength, unsigned long n) {
@@ -264,7 +257,7 @@ int Translate(void* dst, unsigned char dstForm, unsigned long dstLength, void* s
       return ValueFromKey(*static_cast<Text*>(dst), src, srcForm, srcLength);
   if (toMemory) return LoadWithin<Text>(dst, src, srcLength, n);
   if (fromMemory) return StoreCut<Text>(image, dstForm, dstLength, src, n);
-  return Resize(image, dstLength, src, srcLength);
+  return NxResizeImage(image, dstLength, src, srcLength);
 }
 
 }  // namespace

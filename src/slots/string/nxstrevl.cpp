@@ -10,50 +10,52 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/nxalloc.h"
+#include "base/nxclosedcopy.h"
 #include "base/nxstored.h"
 #include "nxbase.h"
 #include "nxlang.h"
+#include "nxstring.h"
 #include "nxstritr.h"
 #include "nxtypcmp.h"
 #include "nxtypes.h"
 #include "nxtypevl.h"
+#include "ord2str.h"
 #include "strwild.h"
+#include "text/nxchartext.h"
 
 namespace {
 
-constexpr unsigned short kUnknownCount = 65535;
-constexpr unsigned short kCaseMask = 0x3000;
-constexpr unsigned short kAccentMask = 0x0F80;
+constexpr unsigned short kUnknownCount = 65535;  // of characters: no smaller count is known
 constexpr unsigned short kLargestUnit = 0xFFFE;
+constexpr unsigned char kLargestByte = 0xFF;
 constexpr double kByteTextUnit = 128.0;
 constexpr double kOrderTextUnit = 1048576.0;
+/// The selector that most languages share. A cut key under it counts as one without
+/// wildcard.
+constexpr unsigned char kRootSelector = 1;
+
+// Where reports say that they come from; those who read reports know them by these
+// numbers, which therefore stay.
+constexpr int kLowerBoundLine = 733;
+constexpr int kUpperBoundLine = 868;
+constexpr int kEstimateLine = 1013;
 
 /// The text of a stored image, copied and closed by zeros, with its head.
-class ScanText {
+class ImageText {
  public:
-  ScanText() { local_[0] = local_[1] = 0; }
-  ScanText(const ScanText&) = delete;
-  ScanText& operator=(const ScanText&) = delete;
-  ~ScanText() { delete[] heap_; }
-
-  /// Takes the text of an image in a buffer of `length` bytes.
+  /// Takes the text of an image in a buffer of `length` bytes. Without memory the text
+  /// stays empty.
   void Take(const void* image, unsigned long length, unsigned char formatCode, bool oldForm) {
-    NxStoredString stored(image, length, formatCode);
-    unsigned long offset = std::min(length, oldForm ? 2UL : NxStoredString::kHeadSize);
-    unsigned long trailer = oldForm ? 1 : NxStoredString::kEmptyLength;
-    unsigned long bytes = stored.n > trailer ? std::min(stored.n - trailer, length - offset) : 0;
+    const NxStoredString stored(image, length, formatCode);
+    const unsigned long offset =
+        std::min(length, oldForm ? NxStoredString::kLengthSize : NxStoredString::kHeadSize);
+    const unsigned long trailer = oldForm ? 1 : NxStoredString::kEmptyLength;
+    const unsigned long bytes = stored.n > trailer ? std::min(stored.n - trailer, length - offset) : 0;
     if (!oldForm && length >= NxStoredString::kHeadSize) {
-      codeSet = stored.bytes[2];
-      language = stored.bytes[3];
+      codeSet = NxStoredString::CodeSetOf(image);
+      language = NxStoredString::LanguageOf(image);
     }
-    char* copy = local_;
-    if (bytes + kClosingZeros > sizeof local_) copy = heap_ = NxNewArray<char>(bytes + kClosingZeros);
-    if (!copy) return;
-    std::memcpy(copy, stored.bytes + offset, bytes);
-    std::memset(copy + bytes, 0, kClosingZeros);
-    text = copy;
-    size = bytes;
+    if (const char* const closed = copy_.Take(stored.bytes + offset, bytes)) text = closed;
   }
 
   unsigned short Width() const { return NxCharWidth(codeSet); }
@@ -63,22 +65,18 @@ class ScanText {
     return static_cast<unsigned short>((length - 4) / Width());
   }
 
-  char* text = local_;
-  unsigned long size = 0;  // bytes, without the zeros
+  const char* text = zeroString;
   unsigned char codeSet = kCodeSetNone;
   unsigned char language = kLanguageNone;
 
  private:
-  static constexpr unsigned long kClosingZeros = 3;  // an odd byte and a 16-bit zero
-
-  char local_[512];
-  char* heap_ = nullptr;
+  NxClosedCopy<509> copy_;
 };
 
 /// A text as the estimate walks it: where it is, and how many of its characters are
 /// known.
 struct ScanEnd {
-  const ScanText* text;
+  const ImageText* text;
   unsigned short count;
 };
 
@@ -100,13 +98,13 @@ class StringBounds {
         code_(format & kFormatCodeMask),
         bounds_(bounds),
         oldForm_(oldForm) {
-    ShortStore(&keyLength_, key, code_, 1);
+    keyLength_ = NxStoredString::LengthOf(key, code_);
     relationOut_ = relation_;
   }
 
   float Evaluate(const NxIdxBounds* indexRange) {
     if (keyLength_ < (oldForm_ ? 1 : NxStoredString::kEmptyLength)) return 0.0F;  // not an image
-    key_.Take(keyImage_, keyLength_ + 2UL, code_, oldForm_);
+    key_.Take(keyImage_, NxStoredString::kLengthSize + keyLength_, code_, oldForm_);
     FindWildcard();
     ChooseMasks();
     if (!bounds_) return 0.0F;
@@ -129,7 +127,7 @@ class StringBounds {
     wildChar_ = NxStrWild(key_.codeSet, key_.language, key_.text, 0, -1, &position, code_);
     wildByte_ = wildChar_ < 0 ? -1 : position;
     // A key that was stored truncated goes on in any way, as one with a wildcard does.
-    if (wildByte_ < 0 && (key_.language & kMixedCollation) && (key_.language & 0x7F) != 1) {
+    if (wildByte_ < 0 && (key_.language & kMixedCollation) && SelectorOf(key_.language) != kRootSelector) {
       wildByte_ = static_cast<long>(keyLength_ - NxStoredString::kEmptyLength);
       wildChar_ = wildByte_ / key_.Width();
     }
@@ -138,16 +136,18 @@ class StringBounds {
 
   void ChooseMasks() {
     if (key_.codeSet == kCodeSetNone) return;
-    if (options_ & kIgnoreCase) caseMask_ = kCaseMask;
-    if (options_ & kIgnoreAccents) accentMask_ = kAccentMask;
+    if (options_ & kIgnoreCase) caseMask_ = kOrderCaseMask;
+    if (options_ & kIgnoreAccents) accentMask_ = kOrderAccentMask;
   }
 
   // -- the bounds --------------------------------------------------------------
 
   bool CanBuild() const { return wildByte_ != 0; }
-  unsigned long HeadSize() const { return oldForm_ ? 2 : NxStoredString::kHeadSize; }
+  unsigned long HeadSize() const {
+    return oldForm_ ? NxStoredString::kLengthSize : NxStoredString::kHeadSize;
+  }
   /// Bytes behind the text: the terminator, and 0xFF in the current form.
-  unsigned long TrailerSize() const { return oldForm_ ? 1 : 2; }
+  unsigned long TrailerSize() const { return oldForm_ ? 1 : NxStoredString::kTrailerSize; }
   unsigned long UnitSize() const { return key_.codeSet == kCodeSetNone ? 1 : 2; }
 
   /// Bytes of the key's image that belong to a bound: up to the wildcard, or without
@@ -162,7 +162,7 @@ class StringBounds {
     auto translate = oldForm_ ? NxStringOldTranslate : NxStringTranslate;
     unsigned long room = NxINDEX_MAX_KEYLEN + 2;
     int used = translate(image.bytes, code_ | kFormatKey, room, const_cast<unsigned char*>(keyImage_), code_,
-                         std::min(sourceBytes, keyLength_ + 2UL), 1);
+                         std::min(sourceBytes, NxStoredString::kLengthSize + keyLength_), 1);
     image.used = static_cast<unsigned long>(used);
     if (HasOwnTerminator(image)) image.used -= 2;
     Cap(image);
@@ -178,26 +178,28 @@ class StringBounds {
   /// Whether the translation closed the key, which it does at a zero character and
   /// where the collation changes; a key that it cut counts a terminator more.
   bool HasOwnTerminator(const BoundImage& image) const {
-    return IsTranslated() && image.used > NxStoredString::kHeadSize && Unit(image, 0) != image.used;
+    return IsTranslated() && image.used > NxStoredString::kHeadSize &&
+           NxStoredString::LengthOf(image.bytes, code_) != image.used;
   }
 
   /// Whether the key stops at a change of collation: any text may go on from there.
-  bool IsMixed(const BoundImage& image) const { return IsTranslated() && (image.bytes[3] & kMixedCollation); }
+  bool IsMixed(const BoundImage& image) const {
+    return IsTranslated() && (NxStoredString::LanguageOf(image.bytes) & kMixedCollation);
+  }
 
-  unsigned short Unit(const BoundImage& image, unsigned long at) const {
-    unsigned short unit;
-    ShortStore(&unit, image.bytes + at, code_, 1);
-    return unit;
+  static unsigned char SelectorOf(unsigned char language) {
+    return language & static_cast<unsigned char>(~kMixedCollation);
   }
 
   /// Clears and sets bits in every letter. Values of plain order carry no such bits.
   void MaskLetters(BoundImage& image, unsigned short clear, unsigned short set) const {
-    if (!(caseMask_ | accentMask_) || (image.bytes[3] & 0x7F) >= kPlainOrderSelector) return;
+    if (!(caseMask_ | accentMask_) ||
+        SelectorOf(NxStoredString::LanguageOf(image.bytes)) >= kPlainOrderSelector)
+      return;
     for (unsigned long at = NxStoredString::kHeadSize; at + 2 <= image.used; at += 2) {
-      unsigned short unit = Unit(image, at);
-      if ((unit & 0xC000) != 0x4000) continue;
-      unit = static_cast<unsigned short>((unit & ~clear) | set);
-      ShortStore(image.bytes + at, &unit, code_, 1);
+      const unsigned short unit = NxReadShort(image.bytes + at, code_);
+      if (!NxIsLetterOrder(unit)) continue;
+      NxWriteShort(image.bytes + at, static_cast<unsigned short>((unit & ~clear) | set), code_);
     }
   }
 
@@ -205,9 +207,9 @@ class StringBounds {
   void CloseWithLargest(BoundImage& image) const {
     if (image.used == HeadSize()) image.used += UnitSize();
     if (UnitSize() == 1)
-      image.bytes[image.used - 1] = 0xFF;
+      image.bytes[image.used - 1] = kLargestByte;
     else
-      ShortStore(image.bytes + image.used - 2, &kLargestUnit, code_, 1);
+      NxWriteShort(image.bytes + image.used - 2, kLargestUnit, code_);
   }
 
   /// Writes length and trailer and hands out a copy of the image.
@@ -216,10 +218,9 @@ class StringBounds {
     if (!image.capped) image.bytes[image.used] = 0;
     // An early image keeps the key's length, unless it has become longer than that.
     if (!oldForm_ || image.used > keyLength_ + 1UL) {
-      auto length = static_cast<unsigned short>(oldForm_ ? image.used - 1 : image.used);
-      ShortStore(image.bytes, &length, code_, 1);
+      NxWriteShort(image.bytes, static_cast<unsigned short>(oldForm_ ? image.used - 1 : image.used), code_);
     }
-    if (!oldForm_ && !image.capped) image.bytes[image.used + 1] = 0xFF;
+    if (!oldForm_ && !image.capped) image.bytes[image.used + 1] = NxStoredString::kLastByte;
     if (size > NxINDEX_MAX_KEYLEN) NEXO_assert("actualLen <= NxINDEX_MAX_KEYLEN", "src/nxtypevl", line);
     bound = std::malloc(size);
     if (!bound) {
@@ -240,7 +241,7 @@ class StringBounds {
       BoundImage image;
       Translate(image, SourceSize());
       MaskLetters(image, accentMask_, caseMask_);
-      Finish(image, bounds_->lower, bounds_->lowerLen, 733);
+      Finish(image, bounds_->lower, bounds_->lowerLen, kLowerBoundLine);
     }
   }
 
@@ -276,7 +277,7 @@ class StringBounds {
       Cap(image);
     }
     if (wildByte_ > 0 || SkipsCharacters() || IsMixed(image)) CloseWithLargest(image);
-    Finish(image, bounds_->upper, bounds_->upperLen, 868);
+    Finish(image, bounds_->upper, bounds_->upperLen, kUpperBoundLine);
     return image.capped;
   }
 
@@ -284,7 +285,7 @@ class StringBounds {
 
   enum { kScanLower, kScanUpper, kIndexLower, kIndexUpper, kEnds };
 
-  NxStringIterator Iterator(const ScanText& text) const {
+  NxStringIterator Iterator(const ImageText& text) const {
     return NxStringIterator(text.text, text.codeSet, text.language, code_);
   }
 
@@ -311,7 +312,7 @@ class StringBounds {
     return count > taken ? static_cast<unsigned short>(count - taken) : 0;
   }
 
-  int CompareText(const ScanText& a, const ScanText& b, unsigned short length) const {
+  int CompareText(const ImageText& a, const ImageText& b, unsigned short length) const {
     return NxStrCmp(a.codeSet, a.language, a.text, b.codeSet, b.language, b.text, relation_ | options_,
                     static_cast<short>(length), code_, nullptr);
   }
@@ -343,7 +344,7 @@ class StringBounds {
     double range = CalcRange(relation_, low, high, indexLow, indexHigh, unit);
     if (range == 0.0) range = CorrectEmptyRange(low, high, indexLow, indexHigh, unit);
     if (wildChar_ == 0 && range < area) {
-      NEXO_assert("charWildPos != 0 || valueRange >= valueTotalArea", "src/nxtypevl", 1013);
+      NEXO_assert("charWildPos != 0 || valueRange >= valueTotalArea", "src/nxtypevl", kEstimateLine);
       range = area;
     }
     return static_cast<float>(range / area);
@@ -375,13 +376,13 @@ class StringBounds {
   NxIdxBounds* bounds_;
   bool oldForm_;
 
-  ScanText key_;
+  ImageText key_;
   long wildByte_ = -1;  // of the first wildcard in the key's text, or -1
   long wildChar_ = -1;
   unsigned short caseMask_ = 0;
   unsigned short accentMask_ = 0;
 
-  ScanText lower_, upper_, indexLowerText_, indexUpperText_;
+  ImageText lower_, upper_, indexLowerText_, indexUpperText_;
   ScanEnd scanLower_{}, scanUpper_{}, indexLower_{}, indexUpper_{};
 };
 

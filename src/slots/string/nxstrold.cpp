@@ -3,10 +3,13 @@
 
 #include <cstring>
 
+#include "base/nxstored.h"
 #include "nxtypes.h"
 #include "text/nxstrbuild.h"
 
 namespace {
+
+constexpr unsigned long kLengthSize = NxStoredString::kLengthSize;
 
 /// Bytes of the texts of n strings, each with its NUL.
 unsigned long TextBytes(const NxString* strings, unsigned long n) {
@@ -15,17 +18,11 @@ unsigned long TextBytes(const NxString* strings, unsigned long n) {
   return bytes;
 }
 
-unsigned long BlockSize(const void* image, unsigned char format) {
-  unsigned short length;
-  ShortStore(&length, image, format & kFormatCodeMask, 1);
-  return length;
-}
-
 }  // namespace
 
 int StringOldStore(void* image, const void* values, unsigned char format, unsigned long n) {
   const auto* strings = static_cast<const NxString*>(values);
-  char* const texts = static_cast<char*>(image) + 2;
+  char* const texts = static_cast<char*>(image) + kLengthSize;
   char* p = texts;
   for (unsigned long i = 0; i < n; ++i) {
     const NxString& s = strings[i];
@@ -38,19 +35,19 @@ int StringOldStore(void* image, const void* values, unsigned char format, unsign
     *p++ = 0;
   }
   const auto bytes = static_cast<unsigned long>(p - texts);
-  const auto length = static_cast<unsigned short>(bytes);
-  ShortStore(image, &length, format & kFormatCodeMask, 1);
-  return static_cast<int>(bytes + 2);
+  NxWriteShort(image, static_cast<unsigned short>(bytes), format);
+  return static_cast<int>(kLengthSize + bytes);
 }
 
 int StringOldSizeGet(const void* p, unsigned char form, unsigned char format, unsigned long n) {
   const bool inMemory = form & kFormatMemory;
-  return static_cast<int>(2 +
-                          (inMemory ? TextBytes(static_cast<const NxString*>(p), n) : BlockSize(p, format)));
+  return static_cast<int>(kLengthSize + (inMemory ? TextBytes(static_cast<const NxString*>(p), n)
+                                                  : NxStoredString::LengthOf(p, format)));
 }
 
 int StringOldSizeGetFromMemFile(MemFile* file, unsigned char format, unsigned long /*n*/) {
   unsigned long available = 0;
   const void* image = file->Seek(0, 1, &available, 0);
-  return image && available >= 2 ? static_cast<int>(2 + BlockSize(image, format)) : 0;
+  if (!image || available < kLengthSize) return 0;
+  return static_cast<int>(kLengthSize + NxStoredString::LengthOf(image, format));
 }

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "base/nxalloc.h"
+#include "base/nxclosedcopy.h"
 #include "base/nxstored.h"
 #include "collation/nxstrcmp.h"
 #include "nxbase.h"
@@ -14,10 +15,20 @@
 #include "nxstritr.h"
 #include "nxtypes.h"
 #include "nxtypevl.h"
+#include "slots/nxfixed.h"
+#include "text/nxchartext.h"
 
 namespace {
 
 using Bytes = unsigned char*;
+
+constexpr unsigned long kLengthSize = NxStoredString::kLengthSize;
+/// Bytes that a current image has and an early one of the same text has not: code set,
+/// language and the last one.
+constexpr unsigned short kCurrentHasMore = 3;
+/// Where the report of forms that no translation joins says that it comes from; those who
+/// read reports know it by this number, which therefore stays.
+constexpr int kUnsupportedFormsLine = 1509;
 
 bool InMemory(unsigned char form) { return form & kFormatMemory; }
 bool IsKeyForm(unsigned char form) { return form & kFormatKey; }
@@ -30,14 +41,6 @@ int AssignStrings(void* dst, void* src, unsigned long n) {
   return static_cast<int>(n * sizeof(NxString));
 }
 
-/// Copies what fits of an image and zeroes the rest of the destination.
-unsigned long CopyCut(void* dst, unsigned long dstLength, const void* image, unsigned long length) {
-  unsigned long k = std::min(length, dstLength);
-  if (k != 0) std::memcpy(dst, image, k);
-  if (k < dstLength) std::memset(static_cast<Bytes>(dst) + k, 0, dstLength - k);
-  return k;
-}
-
 /// Bytes of the images of n strings in memory. Wider than 16 bits, which the stored
 /// sizes are not.
 unsigned long ImageBytes(const NxString* strings, unsigned long n) {
@@ -48,9 +51,9 @@ unsigned long ImageBytes(const NxString* strings, unsigned long n) {
 
 /// The same for the one early image of all of them.
 unsigned long EarlyImageBytes(const NxString* strings, unsigned long n) {
-  unsigned long bytes = 2;
+  unsigned long bytes = kLengthSize;
   for (unsigned long i = 0; i < n; ++i)
-    bytes += StringOldSizeGet(strings + i, kFormatMemory, kFormatNative, 1) - 2;
+    bytes += StringOldSizeGet(strings + i, kFormatMemory, kFormatNative, 1) - kLengthSize;
   return bytes;
 }
 
@@ -68,9 +71,9 @@ int StoreCut(StringStoreFunc store, unsigned long bytes, void* dst, unsigned lon
   char* image = NxNewZeroArray<char>(bytes);
   if (!image) return 0;
   store(image, src, format, n);
-  unsigned long k = CopyCut(dst, dstLength, image, bytes);
+  const int k = NxResizeImage(dst, dstLength, image, bytes);
   delete[] image;
-  return static_cast<int>(k);
+  return k;
 }
 
 // ---------------------------------------------------------------------------
@@ -106,8 +109,8 @@ int LoadWithin(NxString* strings, const void* src, unsigned char format, unsigne
       // A key that was cut counts the terminator that it lacks, so its characters
       // reach exactly to the end of the source.
       unsigned long size = std::min<unsigned long>(image.n, length - read);
-      codeSet = bytes[read + 2];
-      language = bytes[read + 3];
+      codeSet = NxStoredString::CodeSetOf(bytes + read);
+      language = NxStoredString::LanguageOf(bytes + read);
       text = bytes + read + NxStoredString::kHeadSize;
       unsigned long textBytes = size > NxStoredString::kEmptyLength ? size - NxStoredString::kEmptyLength : 0;
       characters = static_cast<unsigned short>(textBytes / NxCharWidth(codeSet));
@@ -132,14 +135,13 @@ int LoadWithin(NxString* strings, const void* src, unsigned char format, unsigne
 /// Whether 16-bit texts of the universal code set are narrowed to bytes when their
 /// images are copied. The setting is asked for once, when the first such text comes.
 bool NarrowsUnicode() {
-  static signed char handleUnicode = -1;
-  if (handleUnicode < 0) {
+  static const bool narrows = [] {
     unsigned short keepOrder = 0;
     if (NxConfig* config = DefaultConfig(NxAskConfig()))
       config->Query("oldIndexUnicodeOrder", &keepOrder, nullptr);
-    handleUnicode = keepOrder != 0;
-  }
-  return handleUnicode == 0;
+    return keepOrder == 0;
+  }();
+  return narrows;
 }
 
 /// Copies images into a destination of limited size, byte by byte past its end.
@@ -151,10 +153,9 @@ class CutWriter {
     if (written_ < length_) dst_[written_++] = byte;
   }
   void PutLength(unsigned short n, unsigned char format) {
-    unsigned char bytes[2];
-    ShortStore(bytes, &n, format, 1);
-    Put(bytes[0]);
-    Put(bytes[1]);
+    unsigned char bytes[kLengthSize];
+    NxWriteShort(bytes, n, format);
+    Put(bytes, sizeof bytes);
   }
   void Put(const unsigned char* bytes, unsigned long n) {
     n = std::min(n, length_ - written_);
@@ -177,33 +178,33 @@ class CutWriter {
 /// with a zero byte, which the trailer shares.
 int CopyEarlyAsCurrent(CutWriter& out, const NxStoredString& image, unsigned char codeSet,
                        unsigned char format) {
-  out.PutLength(static_cast<unsigned short>(image.n + 3), format);
+  out.PutLength(static_cast<unsigned short>(image.n + kCurrentHasMore), format);
   out.Put(codeSet);
   out.Put(kLanguageNone);
-  out.Put(image.bytes + 2, image.n);
-  out.Put(0xFF);
+  out.Put(image.bytes + kLengthSize, image.n);
+  out.Put(NxStoredString::kLastByte);
   return out.Finish();
 }
 
 /// Writes one image of the universal code set with a byte for every unit; a unit
-/// that a byte cannot hold becomes 0x7F. An image whose text its source cuts stays a
+/// that a byte cannot hold is replaced. An image whose text its source cuts stays a
 /// cut one: its length still counts the whole text, and it has no trailer.
 void PutNarrowed(CutWriter& out, const NxStoredString& image, unsigned char codeSet, unsigned char srcFormat,
                  unsigned char dstFormat) {
   constexpr unsigned short kEmpty = NxStoredString::kEmptyLength;
+  constexpr unsigned char kReplacement = 0x7F;
   unsigned long units = image.TextBytes() / 2;
   int stated = (std::max(image.n, kEmpty) - kEmpty) / 2;
   out.PutLength(static_cast<unsigned short>(stated + kEmpty), dstFormat);
   out.Put(codeSet);
   out.Put(image.language);
   for (unsigned long i = 0; i < units; ++i) {
-    unsigned short unit;
-    ShortStore(&unit, image.Text() + 2 * i, srcFormat, 1);
-    out.Put(unit < 256 ? static_cast<unsigned char>(unit) : 0x7F);
+    const unsigned short unit = NxReadShort(image.Text() + 2 * i, srcFormat);
+    out.Put(unit < 256 ? static_cast<unsigned char>(unit) : kReplacement);
   }
   if (units < static_cast<unsigned long>(stated)) return;
   out.Put(0x00);
-  out.Put(0xFF);
+  out.Put(NxStoredString::kLastByte);
 }
 
 int CopyNarrowed(CutWriter& out, const unsigned char* src, unsigned long length, unsigned long n,
@@ -228,8 +229,8 @@ int CopyImages(void* dst, unsigned long dstLength, unsigned char dstFormat, cons
   if (image.early) return CopyEarlyAsCurrent(out, image, codeSet, dstFormat);
   if (image.codeSet == kCodeSetUnicode && srcLength >= NxStoredString::kHeadSize && NarrowsUnicode())
     return CopyNarrowed(out, image.bytes, srcLength, n, codeSet, srcFormat, dstFormat);
-  int k = static_cast<int>(CopyCut(dst, dstLength, src, srcLength));
-  if (k > 2) static_cast<Bytes>(dst)[2] = codeSet;
+  const int k = NxResizeImage(dst, dstLength, src, srcLength);
+  if (k > static_cast<int>(kLengthSize)) static_cast<Bytes>(dst)[kLengthSize] = codeSet;
   return k;
 }
 
@@ -256,9 +257,7 @@ struct KeySource {
   unsigned char language;
   unsigned char byteOrder;
 
-  bool IsNull() const {
-    return language == kLanguageNull || (codeSet == kCodeSetOrderValues && language == kLanguageNone);
-  }
+  bool IsNull() const { return NxIsNullText(codeSet, language); }
 };
 
 /// Builds the key of one text: a head and then the text's order values, the last of
@@ -327,11 +326,9 @@ class KeyBuilder {
   /// A key that was cut counts the terminator that it lacks, so that it reads as
   /// longer than its buffer.
   void PutHead(unsigned char format) {
-    if (ended_) dst_[written_ - 1] = 0xFF;
-    auto n = static_cast<unsigned short>(written_ - 2 + (ended_ ? 0 : 2));
-    ShortStore(dst_, &n, format, 1);
-    dst_[2] = kCodeSetOrderValues;
-    dst_[3] = collation_;
+    if (ended_) dst_[written_ - 1] = NxStoredString::kLastByte;
+    const unsigned long size = written_ + (ended_ ? 0 : NxStoredString::kTrailerSize);
+    NxStoredString::PutHead(dst_, size - kLengthSize, kCodeSetOrderValues, collation_, format);
   }
 
   Bytes dst_;
@@ -342,39 +339,15 @@ class KeyBuilder {
   unsigned char collation_ = 0;
 };
 
-/// A zero-terminated copy of a stored text, as far as a key of some size can need it.
-class TextCopy {
- public:
-  TextCopy() = default;
-  TextCopy(const TextCopy&) = delete;
-  TextCopy& operator=(const TextCopy&) = delete;
-  ~TextCopy() { delete[] heap_; }
-
-  /// Null when there is no memory.
-  const char* Take(const unsigned char* text, unsigned long bytes) {
-    char* copy = local_;
-    if (bytes + kClosingZeros > sizeof local_) copy = heap_ = NxNewArray<char>(bytes + kClosingZeros);
-    if (!copy) return nullptr;
-    std::memcpy(copy, text, bytes);
-    std::memset(copy + bytes, 0, kClosingZeros);
-    return copy;
-  }
-
- private:
-  static constexpr unsigned long kClosingZeros = 3;  // an odd byte and a 16-bit zero
-
-  char local_[1024];
-  char* heap_ = nullptr;
-};
-
-/// The key of one stored image.
+/// The key of one stored image, of whose text no more is copied than a key of `room`
+/// bytes can need.
 unsigned long PutImageKey(KeyBuilder& key, const NxStoredString& image, unsigned char codeSet,
                           unsigned char srcFormat, unsigned char dstFormat, unsigned long room) {
-  // No order value takes more than four characters, contractions included.
-  unsigned long needed = room * 4 + 8;
+  constexpr unsigned long kMostBytes = 4 * 2;  // of an order value's characters: a contraction has up to four
+  const unsigned long needed = (room / 2 + 1) * kMostBytes;
   unsigned long bytes = std::min(image.TextBytes(), needed);
   KeySource source{reinterpret_cast<const char*>(image.Text()), nullptr, codeSet, image.language, srcFormat};
-  TextCopy copy;
+  NxClosedCopy<1024> copy;
   bool terminated =
       NxCharWidth(codeSet) == 1 && image.HasTerminator() && image.Text()[image.TextBytes()] == 0;
   if (!terminated) source.text = copy.Take(image.Text(), bytes);
@@ -451,7 +424,7 @@ int NxStringTranslate(void* dst, unsigned char dstForm, unsigned long dstLength,
   if (InMemory(srcForm) && !IsKeyForm(dstForm))
     return StoreCut(StringStore, ImageBytes(strings, n), dst, dstLength, src, dstFormat, n);
   if (!IsKeyForm(dstForm) && srcForm != dstForm) {
-    NEXO_assert("\"format combination not supported\" && 0", "src/nxtypes", 1509);
+    NEXO_assert("\"format combination not supported\" && 0", "src/nxtypes", kUnsupportedFormsLine);
     return 0;
   }
   if (n == 0 || dstLength == 0) return 0;
@@ -484,16 +457,17 @@ int NxStringOldTranslate(void* dst, unsigned char dstForm, unsigned long dstLeng
   NxStoredString image(src, srcLength, srcForm & kFormatCodeMask);
   unsigned short length = image.n;
   unsigned long copied = srcLength;
-  const unsigned char* text = from + std::min(srcLength, 2UL);
-  if (image.Fits() && image.n >= NxStoredString::kEmptyLength && from[image.n + 1] == 0xFF) {
-    length = static_cast<unsigned short>(image.n - 3);
-    copied = srcLength - 3;
-    text += 2;
+  const unsigned char* text = from + std::min(srcLength, kLengthSize);
+  if (image.Fits() && image.n >= NxStoredString::kEmptyLength &&
+      from[image.Size() - 1] == NxStoredString::kLastByte) {
+    length = static_cast<unsigned short>(image.n - kCurrentHasMore);
+    copied = srcLength - kCurrentHasMore;
+    text = from + NxStoredString::kHeadSize;
   }
-  unsigned long k = std::min(copied, dstLength);
+  const unsigned long k = std::min(copied, dstLength);
   if (k < dstLength) std::memset(dst, 0, dstLength);
-  if (k < 2) return 0;
-  ShortStore(dst, &length, dstForm, 1);
-  std::memcpy(static_cast<Bytes>(dst) + 2, text, k - 2);
+  if (k < kLengthSize) return 0;
+  NxWriteShort(dst, length, dstForm);
+  std::memcpy(static_cast<Bytes>(dst) + kLengthSize, text, k - kLengthSize);
   return static_cast<int>(k);
 }

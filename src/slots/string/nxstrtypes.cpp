@@ -1,8 +1,9 @@
 // The NxString type: life cycle, string arrays, and the current stored image, whose
-// bytes are described at NxImageOf.
+// bytes nxstored.h describes.
 
 #include <cstring>
 
+#include "base/nxstored.h"
 #include "nxconv.h"
 #include "nxtypes.h"
 #include "nxtypevl.h"
@@ -11,32 +12,16 @@
 
 namespace {
 
-constexpr unsigned long kHeadSize = 4;         // length, code set, language
-constexpr unsigned long kTrailerSize = 2;      // 0x00 0xFF
-constexpr unsigned long kLongestText = 65531;  // bytes that the 16-bit length leaves for the text
-constexpr unsigned char kLastByte = 0xFF;      // of every current image; early images end in 0
+constexpr unsigned long kLengthSize = NxStoredString::kLengthSize;
+constexpr unsigned long kHeadSize = NxStoredString::kHeadSize;
+constexpr unsigned long kTrailerSize = NxStoredString::kTrailerSize;
+/// Bytes of text that the length field leaves room for.
+constexpr unsigned long kLongestText = NxStoredString::kLongestLength - NxStoredString::kEmptyLength;
 
 const NxString* Strings(const void* p) { return static_cast<const NxString*>(p); }
 NxString* Strings(void* p) { return static_cast<NxString*>(p); }
 
 unsigned char CodeOf(unsigned char format) { return format & kFormatCodeMask; }
-
-// The image's length field, moved here rather than by ShortStore because every
-// string has one and most strings are short.
-
-void PutLength(unsigned char* p, unsigned long n, unsigned char code) {
-  const bool highFirst = code == kFormatBigEndian;
-  p[0] = static_cast<unsigned char>(highFirst ? n >> 8 : n);
-  p[1] = static_cast<unsigned char>(highFirst ? n : n >> 8);
-}
-
-unsigned long GetLength(const unsigned char* p, unsigned char code) {
-  return code == kFormatBigEndian ? p[0] << 8 | p[1] : p[1] << 8 | p[0];
-}
-
-/// Whether the image with length field n ends as early images do. Only N and the
-/// image's last byte are read.
-bool IsEarly(const unsigned char* image, unsigned long n) { return image[2 + n - 1] == 0; }
 
 /// Bytes of text in the image of a string: all of the buffer but its terminator. A
 /// text too long for the length field is cut.
@@ -47,19 +32,11 @@ unsigned long TextBytes(const NxString& s) {
   return bytes <= kLongestText ? bytes : kLongestText & ~(width - 1);
 }
 
-/// Image of one string:
-///
-///   0      2  length N of what follows
-///   2      1  code set
-///   3      1  language
-///   4      -  text: bytes, or 16-bit units in the code's order
-///   N      1  0x00
-///   N + 1  1  0xFF
+/// Writes the current image of a string (nxstored.h), its text in bytes or in 16-bit
+/// units of the code's order; returns its end.
 unsigned char* PutImage(unsigned char* image, const NxString& s, unsigned char code) {
   const unsigned long bytes = TextBytes(s);
-  PutLength(image, bytes + kHeadSize, code);
-  image[2] = s._nCodeSet;
-  image[3] = s._nLanguage;
+  NxStoredString::PutHead(image, bytes + NxStoredString::kEmptyLength, s._nCodeSet, s._nLanguage, code);
   unsigned char* text = image + kHeadSize;
   if (code == kFormatBigEndian && NxCharWidth(s._nCodeSet) == 2) {
     if (bytes % 2 != 0) text[bytes - 1] = 0;
@@ -68,7 +45,7 @@ unsigned char* PutImage(unsigned char* image, const NxString& s, unsigned char c
     NxCopyBytes(text, s._pBuffer, bytes);
   }
   text[bytes] = 0;
-  text[bytes + 1] = kLastByte;
+  text[bytes + 1] = NxStoredString::kLastByte;
   return text + bytes + kTrailerSize;
 }
 
@@ -97,24 +74,24 @@ void TakeText(NxString& s, const unsigned char* text, unsigned long bytes, unsig
 /// Reads one current image; returns its end. A damaged length that does not even
 /// cover code set and language makes an empty string.
 const unsigned char* TakeImage(NxString& s, const unsigned char* image, unsigned char code) {
-  const unsigned long n = GetLength(image, code);
-  const bool whole = n >= kHeadSize;
-  s._nLanguage = whole ? image[3] : 0;
-  s._nCodeSet = whole ? image[2] : 0;
-  TakeText(s, image + kHeadSize, whole ? n - kHeadSize : 0, code);
-  return image + 2 + n;
+  const unsigned long n = NxStoredString::LengthOf(image, code);
+  const bool whole = n >= NxStoredString::kEmptyLength;
+  s._nLanguage = whole ? NxStoredString::LanguageOf(image) : kLanguageNone;
+  s._nCodeSet = whole ? NxStoredString::CodeSetOf(image) : kCodeSetNone;
+  TakeText(s, image + kHeadSize, whole ? n - NxStoredString::kEmptyLength : 0, code);
+  return image + kLengthSize + n;
 }
 
 /// Reads an early block: a text with its NUL per string. Strings that the block has
 /// no text for become empty ones.
 int TakeEarly(NxString* strings, const unsigned char* image, unsigned long blockSize, unsigned long n) {
-  const unsigned char* end = image + 2 + blockSize;
-  const unsigned char* p = image + 2;
+  const unsigned char* const end = image + kLengthSize + blockSize;
+  const unsigned char* p = image + kLengthSize;
   for (unsigned long i = 0; i < n; ++i) {
     strings[i] = p < end ? reinterpret_cast<const char*>(p) : "";
     if (p < end) p = static_cast<const unsigned char*>(std::memchr(p, 0, end - p)) + 1;
   }
-  return static_cast<int>(blockSize + 2);
+  return static_cast<int>(blockSize + kLengthSize);
 }
 
 bool IsTranslated(unsigned char codeSet, unsigned char format) {
@@ -132,7 +109,7 @@ unsigned long SizeInMemory(const NxString* strings, unsigned char format, unsign
     const NxString& s = strings[i];
     unsigned long length = TextBytes(s) + kTrailerSize;
     if (format & kFormatKey && IsTranslated(s._nCodeSet, format))
-      length = length * KeyScale(s._nCodeSet) & 0xFFFF;
+      length = length * KeyScale(s._nCodeSet) & NxStoredString::kLongestLength;
     size += length + kHeadSize;
   }
   return size;
@@ -205,29 +182,30 @@ int StringLoad(void* values, const void* image, unsigned char format, unsigned l
   const auto* start = static_cast<const unsigned char*>(image);
   const unsigned char code = CodeOf(format);
   if (n == 0) return 0;
-  if (const unsigned long length = GetLength(start, code); IsEarly(start, length))
+  if (const unsigned long length = NxStoredString::LengthOf(start, code);
+      NxStoredString::EndsEarly(start, length))
     return TakeEarly(Strings(values), start, length, n);
   const unsigned char* p = start;
   for (unsigned long i = 0; i < n; ++i) p = TakeImage(Strings(values)[i], p, code);
   return static_cast<unsigned short>(p - start);
 }
 
-int StringNullSizeGet(unsigned long n) { return static_cast<int>(n * (kHeadSize + kTrailerSize)); }
+int StringNullSizeGet(unsigned long n) { return static_cast<int>(n * NxStoredString::kEmptySize); }
 
 int StringSizeGet(const void* p, unsigned char form, unsigned char format, unsigned long n) {
   if (form & kFormatMemory) return static_cast<int>(SizeInMemory(Strings(p), format, n));
   const auto* image = static_cast<const unsigned char*>(p);
   unsigned long size = 0;
   for (unsigned long i = 0; i < n; ++i) {
-    const unsigned long stored = GetLength(image, CodeOf(format));
+    const unsigned long stored = NxStoredString::LengthOf(image, format);
     unsigned long length = stored;
     if (!(format & kFormatKey)) {
-      if (IsEarly(image, stored)) return static_cast<int>(stored + 2);
-    } else if (stored != 0 && IsTranslated(image[2], format)) {
-      length = stored * KeyScale(image[2]) & 0xFFFF;
+      if (NxStoredString::EndsEarly(image, stored)) return static_cast<int>(stored + kLengthSize);
+    } else if (stored != 0 && IsTranslated(NxStoredString::CodeSetOf(image), format)) {
+      length = stored * KeyScale(NxStoredString::CodeSetOf(image)) & NxStoredString::kLongestLength;
     }
-    size += length + 2;
-    image += stored + 2;
+    size += length + kLengthSize;
+    image += stored + kLengthSize;
   }
   return static_cast<int>(size);
 }
@@ -237,22 +215,26 @@ int StringSizeGetFromMemFile(MemFile* file, unsigned char format, unsigned long 
   const auto* image = static_cast<const unsigned char*>(file->Seek(0, 1, &available, 0));
   if (!image || available == 0) return 0;
   // The most that this image and those after it can take, for want of anything better.
-  const auto atMost = [](unsigned long images) { return static_cast<int>(images * 65535); };
+  const auto atMost = [](unsigned long images) {
+    return static_cast<int>(images * NxStoredString::kLongestLength);
+  };
   unsigned long size = 0;
   unsigned long pos = 0;
   for (unsigned long left = n; left > 0; --left) {
-    if (pos + 2 > available) return atMost(left);
-    const unsigned long stored = GetLength(image + pos, CodeOf(format));
+    if (pos + kLengthSize > available) return atMost(left);
+    const unsigned long stored = NxStoredString::LengthOf(image + pos, format);
     unsigned long length = stored;
     if (format & kFormatKey) {
-      const unsigned char codeSet = pos + 2 < available ? image[pos + 2] : kCodeSetNone;
+      const unsigned char codeSet =
+          pos + kLengthSize < available ? NxStoredString::CodeSetOf(image + pos) : kCodeSetNone;
       if (IsTranslated(codeSet, format)) length *= KeyScale(CalculateCodeSet(codeSet, format));
     } else if (left > 1) {
-      if (stored + file->Offset() > file->Length() || pos + 2 + stored > available) return atMost(left);
-      if (IsEarly(image + pos, stored)) return static_cast<int>(stored + 2);
+      if (stored + file->Offset() > file->Length() || pos + kLengthSize + stored > available)
+        return atMost(left);
+      if (NxStoredString::EndsEarly(image + pos, stored)) return static_cast<int>(stored + kLengthSize);
     }
-    size += length + 2;
-    pos += stored + 2;
+    size += length + kLengthSize;
+    pos += stored + kLengthSize;
   }
   return static_cast<int>(size);
 }

@@ -4,9 +4,8 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 
-#include "base/nxalloc.h"
+#include "base/nxclosedcopy.h"
 #include "base/nxstored.h"
 #include "collation/nxstrcmp.h"
 #include "collation/nxstrcmpkeys.h"
@@ -14,22 +13,13 @@
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "nxtyphash.h"
+#include "slots/nxelement.h"
 #include "strwild.h"
+#include "text/nxstrbuild.h"
 
 namespace {
 
-constexpr unsigned long kLengthSize = 2;
-
-/// The 16-bit length with which an image begins.
-unsigned short LengthField(const char* image, unsigned char format) {
-  unsigned short n;
-  if ((format & kFormatCodeMask) == kFormatBigEndian) {
-    ShortStore(&n, image, kFormatBigEndian, 1);
-  } else {
-    std::memcpy(&n, image, sizeof n);
-  }
-  return n;
-}
+constexpr unsigned long kLengthSize = NxStoredString::kLengthSize;
 
 // ---------------------------------------------------------------------------
 // One operand
@@ -63,12 +53,10 @@ class StringOperand {
   bool cutKey = false;         // a key that stops short of its string
 
  private:
-  static constexpr unsigned long kClosingZeros = 3;  // an odd byte and a 16-bit zero
-  static constexpr long long kSmallestRest = 5;      // less than that holds no image
+  static constexpr long long kSmallestRest = 5;  // less than that holds no image
 
   bool Holds(unsigned long bytes) const { return !limited_ || left_ >= static_cast<long long>(bytes); }
   unsigned long Left() const { return left_ > 0 ? static_cast<unsigned long>(left_) : 0; }
-  unsigned char HeadByte(unsigned long offset) const;
   void ReadValue();
   bool IsEarly() const;
   void LocateCurrent();
@@ -82,12 +70,11 @@ class StringOperand {
   const unsigned char format_;
   const bool oldForm_;
 
-  unsigned short n_ = 0;            // the image's length field
+  NxStoredString image_;            // what its head says
   unsigned long textSize_ = 0;      // bytes of text that the image states
   unsigned long available_ = 0;     // bytes of text in the buffer
   const char* earlyEnd_ = nullptr;  // end of an early image's texts; null for a current one
-  std::unique_ptr<char[]> heap_;
-  char local_[kTruncatedTextMax + kClosingZeros];
+  NxClosedCopy<kTruncatedTextMax> copy_;
 };
 
 int StringOperand::Read(bool last) {
@@ -95,10 +82,7 @@ int StringOperand::Read(bool last) {
     ReadValue();
     return 0;
   }
-  if (!earlyEnd_) {
-    n_ = 0;
-    if (Holds(kLengthSize)) n_ = LengthField(at_, format_);
-  }
+  if (!earlyEnd_) image_ = NxStoredString(at_, limited_ ? Left() : NxStoredString::kNoEnd, format_);
   const bool early = earlyEnd_ || IsEarly();
   if (early) {
     LocateEarly(last);
@@ -124,19 +108,18 @@ void StringOperand::ReadValue() {
 /// can tell.
 bool StringOperand::IsEarly() const {
   if (format_ & kFormatKey) return false;
-  if (!Holds(kLengthSize + n_)) return oldForm_;
-  return n_ != 0 && at_[kLengthSize + n_ - 1] == 0;
+  return image_.Fits() ? image_.early : oldForm_;
 }
 
 /// The first time steps over the length of the whole; the texts then follow each other.
 void StringOperand::LocateEarly(bool last) {
   codeSet = language = 0;
   if (!earlyEnd_) {
-    truncated = !Holds(kLengthSize + n_);
-    textSize_ = n_ != 0 ? n_ - 1 : 0;
+    truncated = !image_.Fits();
+    textSize_ = image_.n != 0 ? image_.n - 1 : 0;
     if (Holds(kLengthSize)) at_ += kLengthSize;
     left_ -= kLengthSize;
-    earlyEnd_ = at_ + (truncated ? Left() : n_);
+    earlyEnd_ = at_ + (truncated ? Left() : image_.n);
     if (truncated) {
       available_ = std::min(Left(), textSize_);
       return;
@@ -147,44 +130,32 @@ void StringOperand::LocateEarly(bool last) {
   available_ = textSize_ = last ? rest : std::strlen(at_);
 }
 
-unsigned char StringOperand::HeadByte(unsigned long offset) const {
-  return offset < kLengthSize + n_ && Holds(offset + 1) ? static_cast<unsigned char>(at_[offset]) : 0;
-}
-
 void StringOperand::LocateCurrent() {
-  codeSet = HeadByte(2);
-  language = HeadByte(3);
+  codeSet = image_.ByteAt(kLengthSize);
+  language = image_.ByteAt(kLengthSize + 1);
   cutKey = codeSet == kCodeSetOrderValues && (language & kMixedCollation) != 0;
   if (cutKey) language &= ~kMixedCollation;
-  textSize_ = available_ = n_ > NxStoredString::kEmptyLength ? n_ - NxStoredString::kEmptyLength : 0;
+  const unsigned long n = image_.n;
+  textSize_ = available_ = n > NxStoredString::kEmptyLength ? n - NxStoredString::kEmptyLength : 0;
   truncated = false;
-  const unsigned long size = kLengthSize + n_;
-  if (Holds(size)) return;
+  if (image_.Fits()) return;
   const unsigned long left = Left();
   available_ = std::min(textSize_, left > NxStoredString::kHeadSize ? left - NxStoredString::kHeadSize : 0);
-  truncated = left < kLengthSize || left + 1 != size;  // the last byte says nothing
+  truncated = left < kLengthSize || left + 1 != image_.Size();  // the last byte says nothing
 }
 
 /// Whether a current image's text ends with its zero as it lies there.
 bool StringOperand::IsClosed() const {
-  return !truncated && n_ >= NxStoredString::kEmptyLength && NxCharWidth(codeSet) == 1 &&
-         at_[n_] == 0;  // the byte behind the text
+  return !truncated && image_.n >= NxStoredString::kEmptyLength && NxCharWidth(codeSet) == 1 &&
+         at_[image_.n] == 0;  // the byte behind the text
 }
 
 /// Copies the text and puts a zero behind it.
 int StringOperand::Close(const char* from) {
   unsigned long bytes = available_;
   if (truncated && NxCharWidth(codeSet) == 2) bytes &= ~1UL;
-  char* buffer = local_;
-  if (bytes > kTruncatedTextMax) {
-    heap_.reset(NxNewArray<char>(bytes + kClosingZeros));
-    buffer = heap_.get();
-    if (!buffer) return kNotPossible;
-  }
-  if (bytes != 0) std::memcpy(buffer, from, bytes);
-  std::memset(buffer + bytes, 0, kClosingZeros);
-  text = buffer;
-  return 0;
+  text = copy_.Take(from, bytes);
+  return text ? 0 : kNotPossible;
 }
 
 int StringOperand::Advance() {
@@ -195,7 +166,7 @@ int StringOperand::Advance() {
     return 0;
   }
   if (truncated) return kPastBuffer;
-  const unsigned long size = earlyEnd_ ? available_ + 1 : kLengthSize + n_;
+  const unsigned long size = earlyEnd_ ? available_ + 1 : image_.Size();
   left_ -= size;
   if (!Holds(kSmallestRest)) return kPastBuffer;
   at_ += size;
@@ -223,7 +194,7 @@ class StringComparison {
   long CompareTruncated(bool firstCut, bool secondCut);
   unsigned long LengthWithoutWildcard(bool firstCut, bool secondCut);
   unsigned long LengthToWildcard(unsigned long position, bool onlyFirstCut);
-  int CompareTexts(unsigned long length);
+  int CompareTexts(short length);
 
   StringOperand& a_;
   StringOperand& b_;
@@ -235,8 +206,6 @@ class StringComparison {
   int error_ = 0;
   int partial_ = 0;  // what NxStrCmp reports of the base letters
 };
-
-constexpr unsigned long kWholeText = 65535;
 
 long StringComparison::Run(unsigned long count, int& error) {
   long result = 0;
@@ -260,10 +229,10 @@ long StringComparison::CompareElement() {
   return CompareTruncated(a_.truncated, secondCut);
 }
 
-int StringComparison::CompareTexts(unsigned long length) {
+int StringComparison::CompareTexts(short length) {
   partial_ = 0;
-  return NxStrCmp(a_.codeSet, a_.language, a_.text, b_.codeSet, b_.language, b_.text, options_,
-                  static_cast<short>(length), code_, &partial_);
+  return NxStrCmp(a_.codeSet, a_.language, a_.text, b_.codeSet, b_.language, b_.text, options_, length, code_,
+                  &partial_);
 }
 
 /// Compares as far as both texts reach. The result is exact, and no error raised, only
@@ -276,7 +245,7 @@ long StringComparison::CompareTruncated(bool firstCut, bool secondCut) {
                                                static_cast<short>(count2), nullptr, code_);
   const unsigned long length = wildcard < 0 ? LengthWithoutWildcard(firstCut, secondCut)
                                             : LengthToWildcard(wildcard, firstCut && !secondCut);
-  long result = CompareTexts(length);
+  long result = CompareTexts(static_cast<short>(length));
   if (result == 0 && count1 != count2) {
     if (firstCut && !secondCut && length == count2) result = 1;
     if (!firstCut && secondCut && length == count1) result = -1;
@@ -308,17 +277,17 @@ unsigned long StringComparison::LengthToWildcard(unsigned long position, bool on
 bool IsWhole(const char* image, unsigned long length, unsigned char format) {
   const unsigned long last = length - 1;  // without a limit: beyond every image
   if (last < kLengthSize) return false;
-  const unsigned n = LengthField(image, format);
+  const unsigned n = NxStoredString::LengthOf(image, format);
   if (n < NxStoredString::kEmptyLength || last <= n) return false;
-  return NxUnitAt<unsigned short>(image + n) == 0xFF00;
+  return NxUnitAt<unsigned short>(image + n) == NxStoredString::kTrailer;
 }
 
 /// The table by which two of them can be compared as NxCompareAlike does, or null.
 const NxOrderTable* TableOfBoth(const char* a, const char* b, unsigned short options) {
   constexpr unsigned kNoTable = 0xFF & ~(NxOrderTable::kCodeSets - 1);
-  const unsigned kind = NxUnitAt<unsigned short>(a + 2);
+  const unsigned kind = NxStoredString::KindOf(a);
   const unsigned unlike =
-      (kind ^ NxUnitAt<unsigned short>(b + 2)) | (kind & kNoTable) | (options & kOrderValuesOnly);
+      (kind ^ NxStoredString::KindOf(b)) | (kind & kNoTable) | (options & kOrderValuesOnly);
   if (unlike != 0 || !NxOrderTable::WildcardsAreSymbols()) return nullptr;
   return NxOrderTable::FindBuilt(static_cast<unsigned char>(kind), static_cast<unsigned char>(kind >> 8));
 }
@@ -375,12 +344,6 @@ long StringOldCompare(unsigned char format, unsigned long len1, void* value1, un
 // ---------------------------------------------------------------------------
 // Hashing
 
-namespace {
-
-constexpr unsigned kHashMultiplier = 1103515245;
-
-}  // namespace
-
 unsigned long StringHashCommon(unsigned char format, unsigned long len, void* value, unsigned long count,
                                int& error, unsigned short oldForm) {
   StringOperand operand(value, len, format, oldForm != 0);
@@ -392,9 +355,8 @@ unsigned long StringHashCommon(unsigned char format, unsigned long len, void* va
       error = kNotPossible;
       return 0;
     }
-    const unsigned long length = operand.truncated ? operand.Characters() : kWholeText;
-    hash ^= HashString(operand.codeSet, operand.language, operand.text, static_cast<short>(length),
-                       format & kFormatCodeMask);
+    const short length = operand.truncated ? static_cast<short>(operand.Characters()) : kWholeText;
+    hash ^= HashString(operand.codeSet, operand.language, operand.text, length, format & kFormatCodeMask);
     if (!last) error = operand.Advance();
   }
   return hash * kHashMultiplier;
