@@ -2,7 +2,6 @@
 // the year has a byte order.
 #include "nxdatimx.h"
 
-#include <cstdio>
 #include <cstring>
 
 #include "nxconv.h"
@@ -16,7 +15,7 @@
 #include "slots/nxestimate.h"
 #include "slots/nxfixed.h"
 #include "slots/nxlife.h"
-#include "text/nxtextio.h"
+#include "slots/nxstoreddate.h"
 
 namespace {
 
@@ -93,12 +92,7 @@ long OrderInMemory(const void* a, const void* b) { return Read(a, kFormatMemory)
 long OrderImages(const void* a, const void* b, unsigned char format) {
   const long years =
       NxOrder(NxReadElement<short, ShortStore>(a, format), NxReadElement<short, ShortStore>(b, format));
-  if (years != 0) return years;
-  auto* p = static_cast<const signed char*>(a);
-  auto* q = static_cast<const signed char*>(b);
-  for (unsigned long i = kYearBytes; i < kImageBytes; ++i)
-    if (p[i] != q[i]) return NxOrder(p[i], q[i]);
-  return 0;
+  return years != 0 ? years : NxOrderChars(a, b, kYearBytes, kImageBytes - kYearBytes);
 }
 
 }  // namespace
@@ -138,35 +132,21 @@ float DaTimeEvalAndBound(NxIdxBounds* indexRange, unsigned short& relation, void
 // ---------------------------------------------------------------------------
 // String arrays
 
-namespace {
-
-/// A date-time from "DAYS" or "DAYS:SECONDS"; without days its date is all zeros.
-NxDateTime FromNumbers(const NxString& in) {
-  const NxScanText text(in);
-  NxDateTime value(NxDate(static_cast<long>(text.String())), NxTime(0L));
-  const char* colon = std::strchr(text.Chars(), ':');
-  if (!colon) return value;
-  if (colon == text.Chars()) value.date = Zero().date;
-  if (colon[1]) value.time = NxTime(static_cast<long>(NxString(colon + 1)));
-  return value;
-}
-
-}  // namespace
-
 NxTypeConvertData* DaTimeConvertToNxString(void* values, unsigned long n) {
   return NxTextsOf<NxDateTime>(values, n, [](const NxDateTime& v, NxString& s) {
     if (v.IsNullValue()) {
       s.SetNullValue();
       return;
     }
-    char text[32];
-    std::snprintf(text, sizeof text, "%ld:%ld", static_cast<long>(v.date), static_cast<long>(v.time));
-    s += NxString(text);
+    NxPutDaysAndSeconds(s, static_cast<long>(v.date), static_cast<long>(v.time));
   });
 }
 
 void* DaTimeConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
   NxDateTime null = Zero();
   null.SetNullValue();
-  return NxValuesOf<NxDateTime>(strings, n, NxDateTimeCreate, null, FromNumbers);
+  return NxValuesOf<NxDateTime>(strings, n, NxDateTimeCreate, null, [](const NxString& s) {
+    const NxDaysAndSeconds text(s);
+    return NxDateTime(text.days ? NxDate(*text.days) : Zero().date, NxTime(text.seconds.value_or(0)));
+  });
 }

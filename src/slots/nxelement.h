@@ -52,9 +52,9 @@ inline bool NxReadsInPlace(unsigned char format) {
 /// A value in memory form.
 template <class V>
 V NxReadValue(const void* p) {
-  V value;
-  std::memcpy(&value, p, sizeof value);
-  return value;
+  alignas(V) unsigned char value[sizeof(V)];  // no V: a default date would ask the clock
+  std::memcpy(value, p, sizeof value);
+  return *reinterpret_cast<const V*>(value);
 }
 
 /// A value of any form, loaded by the type's own function where it needs it.

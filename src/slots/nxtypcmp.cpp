@@ -10,6 +10,7 @@
 #include "nxint64.h"
 #include "nxseal.h"
 #include "slots/nxelement.h"
+#include "slots/nxstoreddate.h"
 
 namespace {
 
@@ -114,42 +115,6 @@ long SealCompare(unsigned char format, unsigned long len1, void* value1, unsigne
 
 namespace {
 
-/// The bytes of a stored date, month and day behind the year.
-constexpr unsigned kMonth = 2;
-constexpr unsigned kDay = 3;
-
-/// Compares two stored dates. -1 in a field of the second one means any, unless the
-/// options turn wildcards off.
-class StoredDateOrder {
- public:
-  StoredDateOrder(unsigned char format, unsigned short options)
-      : format_(format), wildcards_(!(options & kWildcardsOff)) {}
-
-  long operator()(const void* a, const void* b) const {
-    const short secondYear = Year(b);
-    const long years = NxOrder(Year(a), secondYear);
-    if (years != 0 && !(wildcards_ && secondYear == kAny)) return years;
-    if (wildcards_ && Field(b, kMonth) == kAny) return Field(b, kDay) == kAny ? 0 : Fields(a, b, kDay);
-    const long months = Fields(a, b, kMonth);
-    if (months != 0 || (wildcards_ && Field(b, kDay) == kAny)) return months;
-    return Fields(a, b, kDay);
-  }
-
- private:
-  static constexpr int kAny = -1;
-
-  short Year(const void* date) const { return NxReadElement<short, ShortStore>(date, format_); }
-  static signed char Field(const void* date, unsigned at) {
-    return static_cast<const signed char*>(date)[at];
-  }
-  static long Fields(const void* a, const void* b, unsigned at) {
-    return NxOrder(Field(a, at), Field(b, at));
-  }
-
-  unsigned char format_;
-  bool wildcards_;
-};
-
 long OrderDates(const void* a, const void* b) { return NxReadValue<NxDate>(a) != NxReadValue<NxDate>(b); }
 
 /// Stored or not, a time is its three bytes.
@@ -161,7 +126,7 @@ long DateCompare(unsigned char format, unsigned long len1, void* value1, unsigne
                  unsigned short options, unsigned long count, int& error) {
   const NxOperands arrays = {{value1, len1, count, sizeof(NxDate)}, {value2, len2, count, sizeof(NxDate)}};
   if (NxInMemory(format)) return NxCompareArrays(arrays, count, error, OrderDates);
-  return NxCompareArrays(arrays, count, error, StoredDateOrder(format, options));
+  return NxCompareArrays(arrays, count, error, NxStoredDateOrder<short>(format, options));
 }
 
 long TimeCompare(unsigned char /*format*/, unsigned long len1, void* value1, unsigned long len2, void* value2,
