@@ -84,6 +84,13 @@ class NX_API NxDate {
   /// |a| mod |b|, negated when the signs of a and b differ. b is not 0.
   long modulo(long a, long b) const;
 
+  // Text, under the formats of nxtypfmt.h; a null format means "%Y-%m-%d".
+
+  /// Appends the text to out; a null date replaces out by the null text. Returns out.
+  NxString& PrintToNxString(NxString& out, const char* fmt) const;
+  /// Null when the text begins with the null text, 0000-01-01 when it gives no date.
+  void ScanFromNxString(const NxString& in, const char* fmt);
+
   // Null state: every field has its lowest value.
 
   int IsNullValue() const;
@@ -137,6 +144,13 @@ class NX_API NxTime {
 
   /// 1 for a time from 00:00:00 to 23:59:59.
   int IsTime() const;
+
+  // Text, under the formats of nxtypfmt.h; a null format means "%H:%M:%S".
+
+  /// Appends the text to out; a null time replaces out by the null text. Returns out.
+  NxString& PrintToNxString(NxString& out, const char* fmt) const;
+  /// Null when the text begins with the null text, 00:00:00 when it gives no time.
+  void ScanFromNxString(const NxString& in, const char* fmt);
 
   // Null state: every field has its lowest value.
 

@@ -29,13 +29,13 @@ extern NX_API const char* pSpecialDoubleFmt;
 NX_API NxSlot::Print CharPrintToNxString, ShortPrintToNxString, IntPrintToNxString, LongPrintToNxString,
     FloatPrintToNxString, DoublePrintToNxString, NxStringPrintToNxString, NxIStringPrintToNxString,
     NxCaseIStringPrintToNxString, Int64PrintToNxString, BooleanPrintToNxString, SealPrintToNxString,
-    NxIllegalPrintToNxString;
+    DatePrintToNxString, TimePrintToNxString, DaTimePrintToNxString, NxIllegalPrintToNxString;
 /// What the text does not supply stays as it was; Int64ScanFromNxString gives -1 for
 /// a text that does not fit the format.
 NX_API NxSlot::Scan CharScanFromNxString, ShortScanFromNxString, IntScanFromNxString, LongScanFromNxString,
     FloatScanFromNxString, DoubleScanFromNxString, NxStringScanFromNxString, NxIStringScanFromNxString,
     NxCaseIStringScanFromNxString, Int64ScanFromNxString, BooleanScanFromNxString, SealScanFromNxString,
-    NxIllegalScanFromNxString;
+    DateScanFromNxString, TimeScanFromNxString, DaTimeScanFromNxString, NxIllegalScanFromNxString;
 
 /// Each reads one value from text under the C scan format fmt and returns 0; len is
 /// not read. n matters to NxString only: the bytes of the scan buffer. Characters

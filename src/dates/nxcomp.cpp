@@ -3,7 +3,9 @@
 // hold what is no date or time.
 #include "nxcomp.h"
 
+#include "dates/nxdatetext.h"
 #include "nxbase.h"
+#include "nxnulltext.h"
 #include "nxstring.h"
 
 const char* const nx_months[12] = {"Januar", "Februar", "March",     "April",   "May",      "June",
@@ -108,6 +110,18 @@ long NxDate::modulo(long a, long b) const {
   return static_cast<long>((a < 0) != (b < 0) ? 0 - remainder : remainder);
 }
 
+NxString& NxDate::PrintToNxString(NxString& out, const char* fmt) const {
+  if (IsNullValue()) return out = __NullPrintString;
+  NxPrintDateTime(out, NxDateTime(*this), fmt ? fmt : "%Y-%m-%d");
+  return out;
+}
+
+void NxDate::ScanFromNxString(const NxString& in, const char* fmt) {
+  NxDateTime whole(*this, NxTime(0L));
+  NxScanDateTime(whole, in, fmt ? fmt : "%Y-%m-%d");
+  *this = whole.date;
+}
+
 int NxDate::IsNullValue() const { return year == kNullYear && month == kNullField && day == kNullField; }
 
 int NxDate::SetNullValue() {
@@ -180,6 +194,18 @@ int NxTime::operator!=(const NxTime& t) const {
 
 int NxTime::IsTime() const {
   return hour >= 0 && hour <= 23 && minute >= 0 && minute <= 59 && second >= 0 && second <= 59;
+}
+
+NxString& NxTime::PrintToNxString(NxString& out, const char* fmt) const {
+  if (IsNullValue()) return out = __NullPrintString;
+  NxPrintDateTime(out, NxDateTime(*this), fmt ? fmt : "%H:%M:%S");
+  return out;
+}
+
+void NxTime::ScanFromNxString(const NxString& in, const char* fmt) {
+  NxDateTime whole(NxDate(0L), *this);
+  NxScanDateTime(whole, in, fmt ? fmt : "%H:%M:%S");
+  *this = whole.time;
 }
 
 int NxTime::IsNullValue() const { return hour == kNullField && minute == kNullField && second == kNullField; }

@@ -22,23 +22,32 @@ constexpr unsigned int Fixed(unsigned short size) { return 1U << 16 | size; }
 constexpr unsigned int OwnsStorage(unsigned short size) { return size; }
 
 /// The slots of a type by the prefixes of its functions, its own name, format, size and
-/// null state being left open: Made##Create, Stored##Compare, Class##Copy and so on. The
+/// null state being left open: Made##Create, Class##Copy, Stored##Compare and so on. The
 /// scalars load by the function that stores them, so Load is given; and DefaultValue, which
 /// takes its prefix from either.
-#define NX_SLOTS(Made, Class, Stored, load, defaultValue)                                            \
-  {                                                                                                  \
-    nullptr, Made##Create, Made##Delete, Stored##Store, load, Stored##NullSizeGet, Stored##SizeGet,  \
-        Stored##SizeGetFromMemFile, Stored##Compare, Stored##EvalAndBound, Stored##Hash,             \
-        Class##ConvertToNxString, Class##ConvertFromNxString, Class##Constructor, Class##Destructor, \
-        Class##Assignment, Class##Copy, Class##Translate, NoIsNullDefined, nullptr, nullptr,         \
-        Class##PrintToNxString, Class##ScanFromNxString, 0, defaultValue                             \
+#define NX_SLOTS_NAMED(Made, Class, Converted, Printed, Stored, load, defaultValue)                          \
+  {                                                                                                          \
+    nullptr, Made##Create, Made##Delete, Stored##Store, load, Stored##NullSizeGet, Stored##SizeGet,          \
+        Stored##SizeGetFromMemFile, Stored##Compare, Stored##EvalAndBound, Stored##Hash,                     \
+        Converted##ConvertToNxString, Converted##ConvertFromNxString, Class##Constructor, Class##Destructor, \
+        Class##Assignment, Class##Copy, Converted##Translate, NoIsNullDefined, nullptr, nullptr,             \
+        Printed##PrintToNxString, Printed##ScanFromNxString, 0, defaultValue                                 \
   }
 
-/// NxDate and NxTime have no text yet: the illegal type's stands in.
-#define NxDatePrintToNxString NxIllegalPrintToNxString
-#define NxDateScanFromNxString NxIllegalScanFromNxString
-#define NxTimePrintToNxString NxIllegalPrintToNxString
-#define NxTimeScanFromNxString NxIllegalScanFromNxString
+/// The same for most types, which convert and print under the name of the class.
+#define NX_SLOTS(Made, Class, Stored, load, defaultValue) \
+  NX_SLOTS_NAMED(Made, Class, Class, Class, Stored, load, defaultValue)
+
+// MERGE: the standard date and time types have no text yet and the illegal type's stands
+// in. These lines go when their print and scan functions are there.
+#define d_DatePrintToNxString NxIllegalPrintToNxString
+#define d_DateScanFromNxString NxIllegalScanFromNxString
+#define d_TimePrintToNxString NxIllegalPrintToNxString
+#define d_TimeScanFromNxString NxIllegalScanFromNxString
+#define d_TimestampPrintToNxString NxIllegalPrintToNxString
+#define d_TimestampScanFromNxString NxIllegalScanFromNxString
+#define d_IntervalPrintToNxString NxIllegalPrintToNxString
+#define d_IntervalScanFromNxString NxIllegalScanFromNxString
 
 /// A record of given slots under a name, with its print format and size.
 constexpr NxTypeTab Named(NxTypeTab slots, const char* name, const char* format, unsigned int flags) {
@@ -143,6 +152,14 @@ constexpr NxTypeTab OldString() {
   return record;
 }
 
+/// An interval is a float to all operations but life cycle and text.
+constexpr NxTypeTab Interval() {
+  constexpr NxSlot::Translate* d_IntervalTranslate = FloatTranslate;
+  NxTypeTab record = NX_SLOTS(d_Interval, d_Interval, Float, d_IntervalLoad, d_IntervalDefaultValue);
+  record.Store = d_IntervalStore;
+  return record;
+}
+
 /// A type whose operations are not there yet: the illegal type's stand in.
 constexpr NxTypeTab Pending(const char* name, const char* format, unsigned int flags,
                             NxSlot::Null* isNull = NoIsNullDefined, NxSlot::Null* setNull = nullptr) {
@@ -179,10 +196,25 @@ NxTypeTab NxCaseIStringTab =
     Named(NX_SLOTS(NxCaseIString, NxCaseIString, NxCaseIString, NxCaseIStringLoad, NxCaseIStringDefaultValue),
           "NxCaseIString", "%s", OwnsStorage(8));
 
-NxTypeTab NxDateTab = Nullable(NX_SLOTS(NxDate, NxDate, Date, DateLoad, NxDateDefaultValue), "NxDate",
-                               "%a %e.%b %Y", Fixed(4), NxDateIsNull, NxDateSetNull);
-NxTypeTab NxTimeTab = Nullable(NX_SLOTS(NxTime, NxTime, Time, TimeLoad, NxTimeDefaultValue), "NxTime",
-                               "%I:%M:%S %p", Fixed(3), NxTimeIsNull, NxTimeSetNull);
+NxTypeTab NxDateTab =
+    Nullable(NX_SLOTS_NAMED(NxDate, NxDate, NxDate, Date, Date, DateLoad, NxDateDefaultValue), "NxDate",
+             "%a %e.%b %Y", Fixed(4), NxDateIsNull, NxDateSetNull);
+NxTypeTab NxTimeTab =
+    Nullable(NX_SLOTS_NAMED(NxTime, NxTime, NxTime, Time, Time, TimeLoad, NxTimeDefaultValue), "NxTime",
+             "%I:%M:%S %p", Fixed(3), NxTimeIsNull, NxTimeSetNull);
+NxTypeTab NxDateTimeTab = Nullable(
+    NX_SLOTS_NAMED(NxDateTime, NxDateTime, DaTime, DaTime, DaTime, DaTimeLoad, NxDateTimeDefaultValue),
+    "NxDateTime", "%a %e.%b %Y %I:%M:%S %p", Fixed(8), NxDateTimeIsNull, NxDateTimeSetNull);
+
+NxTypeTab Nxd_DateTab =
+    Named(NX_SLOTS(d_Date, d_Date, d_Date, d_DateLoad, d_DateDefaultValue), "d_Date", "%a %b %e", Fixed(4));
+NxTypeTab Nxd_TimeTab = Named(NX_SLOTS(d_Time, d_Time, d_Time, d_TimeLoad, d_TimeDefaultValue), "d_Time",
+                              "%I:%M:%S %p", Fixed(6));
+NxTypeTab Nxd_TimestampTab =
+    Named(NX_SLOTS(d_Timestamp, d_Timestamp, d_Timestamp, d_TimestampLoad, d_TimestampDefaultValue),
+          "d_Timestamp", "%a %b %e %I:%M:%S %p", Fixed(10));
+NxTypeTab Nxd_IntervalTab =
+    Named(Interval(), "d_Interval", "%e days, %I hours, %M minutes, %S seconds", Fixed(4));
 
 NxTypeTab NxInt64Tab =
     Named(NX_SLOTS(NxInt64, Int64, Int64, Int64Load, Int64DefaultValue), "NxInt64", "%S", Fixed(8));
@@ -195,12 +227,6 @@ NxTypeTab NxObjIdTab = Pending("NxObjId", "(%H-%L#%B)", Fixed(12), NxObjIdIsNull
 NxTypeTab NxClassIdTab = Pending("NxClassId", "(%Cv%V)", Fixed(4), NxClassIdIsNull, NxClassIdSetNull);
 NxTypeTab NxRefTab = Pending("NxRef", "(%D:%H-%L#%B, %C)", Fixed(20), NxRefIsNull, NxRefSetNull);
 NxTypeTab NxBlobTab = Pending("NxBlob", "[BLOB,len=%L]", OwnsStorage(4), NxBlobIsNull, NxBlobSetNull);
-NxTypeTab NxDateTimeTab =
-    Pending("NxDateTime", "%a %e.%b %Y %I:%M:%S %p", Fixed(8), NxDateTimeIsNull, NxDateTimeSetNull);
-NxTypeTab Nxd_DateTab = Pending("d_Date", "%a %b %e", Fixed(4));
-NxTypeTab Nxd_TimeTab = Pending("d_Time", "%I:%M:%S %p", Fixed(6));
-NxTypeTab Nxd_TimestampTab = Pending("d_Timestamp", "%a %b %e %I:%M:%S %p", Fixed(10));
-NxTypeTab Nxd_IntervalTab = Pending("d_Interval", "%e days, %I hours, %M minutes, %S seconds", Fixed(4));
 NxTypeTab NxNull_charTab = Pending("NxNull_char", "%c", Fixed(2), NxNull_charIsNull, NxNull_charSetNull);
 NxTypeTab NxNull_ucharTab = Pending("NxNull_uchar", "%c", Fixed(2), NxNull_ucharIsNull, NxNull_ucharSetNull);
 NxTypeTab NxNull_shortTab = Pending("NxNull_short", "%hd", Fixed(4), NxNull_shortIsNull, NxNull_shortSetNull);

@@ -3,11 +3,14 @@
 #ifndef NXCONVKIT_H
 #define NXCONVKIT_H
 
+#include <cstdio>
 #include <cstring>
+#include <optional>
 
 #include "nxconv.h"
 #include "nxstring.h"
 #include "nxtypes.h"
+#include "text/nxtextio.h"
 
 /// The texts of n values: text(value, string) fills an empty string.
 template <class T, class TextOf>
@@ -44,5 +47,25 @@ T NxNullOf() {
   value.SetNullValue();
   return value;
 }
+
+/// Appends "DAYS:SECONDS", the text of a point in time.
+inline void NxPutDaysAndSeconds(NxString& out, long days, long seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%ld:%ld", days, seconds);
+  out += NxString(text);
+}
+
+/// What a text "DAYS", "DAYS:SECONDS" or ":SECONDS" says.
+struct NxDaysAndSeconds {
+  std::optional<long> days;     // missing only before a ":"
+  std::optional<long> seconds;  // missing where nothing follows a ":"
+
+  explicit NxDaysAndSeconds(const NxString& in) {
+    const NxScanText text(in);
+    const char* colon = std::strchr(text.Chars(), ':');
+    if (colon != text.Chars()) days = static_cast<long>(text.String());
+    if (colon && colon[1]) seconds = static_cast<long>(NxString(colon + 1));
+  }
+};
 
 #endif

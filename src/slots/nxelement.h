@@ -1,11 +1,12 @@
-// Walking arrays of fixed-size values in buffers of a stated length, and reading
-// single values from them, aligned or not. Shared by comparison, hashing and bounds.
+// Walking arrays of fixed-size values in buffers of a stated length, to compare or to hash
+// them, and reading single values from them, aligned or not.
 #ifndef NXELEMENT_H
 #define NXELEMENT_H
 
 #include <cstring>
 
 #include "nxbase.h"
+#include "nxoption.h"
 #include "nxtypes.h"
 
 /// What the combined words of an array are multiplied with to make its hash.
@@ -54,9 +55,9 @@ inline bool NxReadsInPlace(unsigned char format) {
 /// A value in memory form.
 template <class V>
 V NxReadValue(const void* p) {
-  V value;
-  std::memcpy(&value, p, sizeof value);
-  return value;
+  alignas(V) unsigned char value[sizeof(V)];  // no V: a default date would ask the clock
+  std::memcpy(value, p, sizeof value);
+  return *reinterpret_cast<const V*>(value);
 }
 
 /// A value of any form, loaded by the type's own function where it needs it.
@@ -68,6 +69,57 @@ V NxReadElement(const void* p, unsigned char format) {
   else
     kLoad(&value, p, format, 1);
   return value;
+}
+
+/// The two arrays of a comparison.
+struct NxOperands {
+  NxElements first, second;
+};
+
+/// Compares element by element until two differ or a buffer ends. An element that
+/// its buffer holds in part only is not read.
+template <class CompareValues>
+long NxCompareArrays(NxOperands arrays, unsigned long count, int& error, CompareValues compare) {
+  error = 0;
+  for (unsigned long i = 0; i < count; ++i) {
+    if (!arrays.first.Holds() || !arrays.second.Holds()) {
+      error = kPastBuffer;
+      return 0;
+    }
+    const long result = compare(arrays.first.Place(), arrays.second.Place());
+    // The way to the next element is checked whatever the result is.
+    if (i + 1 < count && !(arrays.first.Advance() && arrays.second.Advance())) error = kPastBuffer;
+    if (result != 0 || error != 0) return result;
+  }
+  return 0;
+}
+
+/// -1, 0 or 1; 0 for values without order.
+template <class V>
+long NxOrder(const V& a, const V& b) {
+  return a < b ? -1 : a > b ? 1 : 0;
+}
+
+/// Combines the words of the elements that the buffer holds. Hashes are 32 bits wide.
+template <class WordOf>
+unsigned long NxHashArray(NxElements array, unsigned long count, int& error, WordOf word) {
+  error = 0;
+  unsigned long h = 0;
+  for (unsigned long i = 0; i < count && error == 0; ++i) {
+    if (!array.Holds()) {
+      error = kPastBuffer;
+      break;
+    }
+    h ^= word(array.Place());
+    if (i + 1 < count && !array.Advance()) error = kPastBuffer;
+  }
+  return h * kHashMultiplier;
+}
+
+/// Three fields in one word, as a sum: the sign of a field reaches into those above.
+inline unsigned long NxJoinFields(long high, long middle, long low) {
+  return (static_cast<unsigned long>(high) << 16) + (static_cast<unsigned long>(middle) << 8) +
+         static_cast<unsigned long>(low);
 }
 
 #endif

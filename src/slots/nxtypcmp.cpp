@@ -10,48 +10,21 @@
 #include "nxint64.h"
 #include "nxseal.h"
 #include "slots/nxelement.h"
+#include "slots/nxstoreddate.h"
 
 namespace {
 
-struct Operands {
-  NxElements first, second;
-};
-
-/// Compares element by element until two differ or a buffer ends. An element that
-/// its buffer holds in part only is not read.
-template <class CompareValues>
-long CompareArrays(Operands arrays, unsigned long count, int& error, CompareValues compare) {
-  error = 0;
-  for (unsigned long i = 0; i < count; ++i) {
-    if (!arrays.first.Holds() || !arrays.second.Holds()) {
-      error = kPastBuffer;
-      return 0;
-    }
-    const long result = compare(arrays.first.Place(), arrays.second.Place());
-    // The way to the next element is checked whatever the result is.
-    if (i + 1 < count && !(arrays.first.Advance() && arrays.second.Advance())) error = kPastBuffer;
-    if (result != 0 || error != 0) return result;
-  }
-  return 0;
-}
-
-/// -1, 0 or 1; 0 for values without order.
-template <class V>
-long Order(const V& a, const V& b) {
-  return a < b ? -1 : a > b ? 1 : 0;
-}
-
 template <class V>
 long OrderInPlace(const void* a, const void* b) {
-  return Order(NxReadValue<V>(a), NxReadValue<V>(b));
+  return NxOrder(NxReadValue<V>(a), NxReadValue<V>(b));
 }
 
 /// Compares one array of numbers with another.
 template <class V, NxSlot::Load* kLoad>
-long CompareNumbers(const Operands& arrays, unsigned char format, unsigned long count, int& error) {
-  if (NxReadsInPlace(format)) return CompareArrays(arrays, count, error, OrderInPlace<V>);
-  return CompareArrays(arrays, count, error, [format](const void* a, const void* b) {
-    return Order(NxReadElement<V, kLoad>(a, format), NxReadElement<V, kLoad>(b, format));
+long CompareNumbers(const NxOperands& arrays, unsigned char format, unsigned long count, int& error) {
+  if (NxReadsInPlace(format)) return NxCompareArrays(arrays, count, error, OrderInPlace<V>);
+  return NxCompareArrays(arrays, count, error, [format](const void* a, const void* b) {
+    return NxOrder(NxReadElement<V, kLoad>(a, format), NxReadElement<V, kLoad>(b, format));
   });
 }
 
@@ -125,56 +98,22 @@ long OrderSeals(const void* a, const void* b) { return NxReadValue<NxSeal>(a) !=
 long BooleanCompare(unsigned char /*format*/, unsigned long len1, void* value1, unsigned long len2,
                     void* value2, unsigned short /*options*/, unsigned long count, int& error) {
   // A boolean is one byte, the same in every form.
-  const Operands arrays = {{value1, len1, count, 1}, {value2, len2, count, 1}};
-  return CompareArrays(arrays, count, error, [](const void* a, const void* b) {
+  const NxOperands arrays = {{value1, len1, count, 1}, {value2, len2, count, 1}};
+  return NxCompareArrays(arrays, count, error, [](const void* a, const void* b) {
     return OrderBooleans(NxReadValue<NxBoolean>(a), NxReadValue<NxBoolean>(b));
   });
 }
 
 long SealCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2, void* value2,
                  unsigned short /*options*/, unsigned long count, int& error) {
-  const Operands arrays = {{value1, len1, count, sizeof(NxSeal)}, {value2, len2, count, sizeof(NxSeal)}};
-  return CompareArrays(arrays, count, error, format == kFormatMemory ? OrderSeals : OrderSealImages);
+  const NxOperands arrays = {{value1, len1, count, sizeof(NxSeal)}, {value2, len2, count, sizeof(NxSeal)}};
+  return NxCompareArrays(arrays, count, error, format == kFormatMemory ? OrderSeals : OrderSealImages);
 }
 
 // ---------------------------------------------------------------------------
 // Dates and times
 
 namespace {
-
-/// The bytes of a stored date, month and day behind the year.
-constexpr unsigned kMonth = 2;
-constexpr unsigned kDay = 3;
-
-/// Compares two stored dates. -1 in a field of the second one means any, unless the
-/// options turn wildcards off.
-class StoredDateOrder {
- public:
-  StoredDateOrder(unsigned char format, unsigned short options)
-      : format_(format), wildcards_(!(options & kWildcardsOff)) {}
-
-  long operator()(const void* a, const void* b) const {
-    const short secondYear = Year(b);
-    const long years = Order(Year(a), secondYear);
-    if (years != 0 && !(wildcards_ && secondYear == kAny)) return years;
-    if (wildcards_ && Field(b, kMonth) == kAny) return Field(b, kDay) == kAny ? 0 : Fields(a, b, kDay);
-    const long months = Fields(a, b, kMonth);
-    if (months != 0 || (wildcards_ && Field(b, kDay) == kAny)) return months;
-    return Fields(a, b, kDay);
-  }
-
- private:
-  static constexpr int kAny = -1;
-
-  short Year(const void* date) const { return NxReadElement<short, ShortStore>(date, format_); }
-  static signed char Field(const void* date, unsigned at) {
-    return static_cast<const signed char*>(date)[at];
-  }
-  static long Fields(const void* a, const void* b, unsigned at) { return Order(Field(a, at), Field(b, at)); }
-
-  unsigned char format_;
-  bool wildcards_;
-};
 
 long OrderDates(const void* a, const void* b) { return NxReadValue<NxDate>(a) != NxReadValue<NxDate>(b); }
 
@@ -185,13 +124,13 @@ long OrderTimes(const void* a, const void* b) { return NxReadValue<NxTime>(a) !=
 
 long DateCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2, void* value2,
                  unsigned short options, unsigned long count, int& error) {
-  const Operands arrays = {{value1, len1, count, sizeof(NxDate)}, {value2, len2, count, sizeof(NxDate)}};
-  if (NxInMemory(format)) return CompareArrays(arrays, count, error, OrderDates);
-  return CompareArrays(arrays, count, error, StoredDateOrder(format, options));
+  const NxOperands arrays = {{value1, len1, count, sizeof(NxDate)}, {value2, len2, count, sizeof(NxDate)}};
+  if (NxInMemory(format)) return NxCompareArrays(arrays, count, error, OrderDates);
+  return NxCompareArrays(arrays, count, error, NxStoredDateOrder<short>(format, options));
 }
 
 long TimeCompare(unsigned char /*format*/, unsigned long len1, void* value1, unsigned long len2, void* value2,
                  unsigned short /*options*/, unsigned long count, int& error) {
-  const Operands arrays = {{value1, len1, count, sizeof(NxTime)}, {value2, len2, count, sizeof(NxTime)}};
-  return CompareArrays(arrays, count, error, OrderTimes);
+  const NxOperands arrays = {{value1, len1, count, sizeof(NxTime)}, {value2, len2, count, sizeof(NxTime)}};
+  return NxCompareArrays(arrays, count, error, OrderTimes);
 }

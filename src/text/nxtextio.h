@@ -4,23 +4,29 @@
 #define NXTEXTIO_H
 
 #include <cstring>
+#include <optional>
 
 #include "nxlang.h"
 #include "nxstring.h"
+#include "text/nxstrbuild.h"
 
 /// The input of a scan as 8-bit text.
 class NxScanText {
  public:
   explicit NxScanText(const NxString& in) : in_(in) {
-    if (NxCharWidth(in._nCodeSet) == 2) copy_ += in;
+    if (NxCharWidth(in._nCodeSet) == 2) copy_.emplace() += in;
   }
-  const NxString& String() const { return NxCharWidth(in_._nCodeSet) == 2 ? copy_ : in_; }
+  const NxString& String() const { return copy_ ? *copy_ : in_; }
   const char* Chars() const { return String().StrGet(); }
 
  private:
   const NxString& in_;
-  NxString copy_;
+  std::optional<NxString> copy_;
 };
+
+/// Whether a text begins with the null text, which `NxTypeMgr::GetNullPrintString`
+/// hands out: character by character, whatever collation says.
+bool NxBeginsWithNullText(const NxString& in);
 
 /// Appends pieces of 8-bit text to a string, many at a time: each append to an
 /// NxString allocates it anew.
@@ -42,9 +48,18 @@ class NxPieceWriter {
     }
   }
 
+  /// A place for at most n bytes, no more than a buffer's size; Took says where the bytes
+  /// written there end.
+  char* Room(unsigned long n) {
+    if (sizeof buffer_ - used_ < n) Flush();
+    return buffer_ + used_;
+  }
+  void Took(const char* end) { used_ = static_cast<unsigned long>(end - buffer_); }
+
  private:
   void Flush() {
-    if (used_ > 0) out_ += NxString(buffer_, static_cast<unsigned short>(used_));
+    if (used_ > 0)
+      NxBuildText(out_, {buffer_, NxString::GetDefault8CodeSet(), used_, out_.Len()}, NxBuildMode::kCompose);
     used_ = 0;
   }
 

@@ -1,0 +1,33 @@
+// Decimal digits of numbers, two at a time: printf takes several times as long.
+#ifndef NXDIGITS_H
+#define NXDIGITS_H
+
+#include <cstring>
+
+/// "00" to "99".
+inline constexpr char kDigitPairs[] =
+    "00010203040506070809101112131415161718192021222324252627282930313233343536373839404142434445464748495051"
+    "5253545556575859606162636465666768697071727374757677787980818283848586878889909192939495969798"
+    "99";
+static_assert(sizeof kDigitPairs == 2 * 100 + 1);
+
+/// The two digits of a number below 100. Returns the place behind them.
+inline char* NxPutPair(char* place, unsigned v) {
+  std::memcpy(place, kDigitPairs + 2 * v, 2);
+  return place + 2;
+}
+
+/// The digits of v so that they end at `end`. Returns where they begin.
+inline char* NxPutDecimal(char* end, unsigned v) {
+  for (; v >= 100; v /= 100) NxPutPair(end -= 2, v % 100);
+  if (v >= 10)
+    NxPutPair(end -= 2, v);
+  else
+    *--end = static_cast<char>('0' + v);
+  return end;
+}
+
+/// The value of a decimal digit; 10 and above for any other character.
+inline unsigned NxDigitValue(char c) { return static_cast<unsigned char>(c - '0'); }
+
+#endif
