@@ -17,9 +17,10 @@ struct CivilDate {
   signed char day;    // [1:31]
 };
 
-inline constexpr long kFirstYear = -4800;    // the first of the 400-year cycle that holds day 0
-inline constexpr long kFirstMarch = -32044;  // day number of its first of March
-inline constexpr long kLastDay = 13689325;   // 32767-12-31
+inline constexpr long kFirstYear = -4800;         // the first of the 400-year cycle that holds day 0
+inline constexpr long kFirstMarch = -32044;       // day number of its first of March
+inline constexpr long kLastDay = 13689325;        // 32767-12-31
+inline constexpr long kFirstGregorian = 2299160;  // 1582-10-15 in the mixed calendar's numbers
 
 /// -1 for January and February, which close the year that begins with March; 0 for
 /// the other months of a valid date.
@@ -100,10 +101,75 @@ constexpr int Weekday(long year, long month, long day) {
   return r <= 0 ? 6 : static_cast<int>(r - 1);
 }
 
+// ---------------------------------------------------------------------------
+// The mixed calendar: Julian before 1582-10-15, Gregorian from then on. Its day numbers
+// are one less than those above.
+
+/// MixedDayNumber for any fields. All divisions truncate towards zero.
+[[gnu::noinline]] constexpr long GeneralMixedDayNumber(long year, long month, long day) {
+  constexpr long kLastJulian = 2299169;  // the number that the Julian calendar gives 1582-10-14
+  const bool early = month <= 2;         // January and February close the year before
+  const long y = early ? year - 1 : year;
+  const long m = early ? month + 13 : month + 1;
+  const long julian = 1461 * y / 4 + 306001 * m / 10000 + day + 1720994;
+  if (julian <= kLastJulian) return julian;
+  const long century = y / 100;
+  return julian + 2 - century + century / 4;
+}
+
+/// The day number of a date of the mixed calendar. The arguments have the range of the
+/// fields of a date.
+constexpr long MixedDayNumber(long year, long month, long day) {
+  // From 1584 on no day field reaches back to the year of the change.
+  if (year < 1584 || month < 1 || month > 12) return GeneralMixedDayNumber(year, month, day);
+  return DayNumber(year, month, day) - 1;
+}
+
+/// MixedDateOf for any number. All divisions truncate towards zero.
+[[gnu::noinline]] constexpr CivilDate GeneralMixedDateOf(long dayNumber) {
+  long long j = dayNumber + 1LL;
+  if (j > kFirstGregorian) {
+    const long long century = (4 * j - 7468865) / 146097;
+    j += 1 + century - century / 4;
+  }
+  const long long b = j + 1524;
+  const long long c = (20 * b - 2442) / 7305;
+  const long long dayOfYear = b - 1461 * c / 4;
+  const long long e = 10000 * dayOfYear / 306001;
+  const long long month = e <= 13 ? e - 1 : e - 13;
+  long long monthStart = 306001 * e / 10000;
+  if (e < 0) --monthStart;  // this one rounds down
+  return {static_cast<short>(month > 2 ? c - 4716 : c - 4715), static_cast<signed char>(month),
+          static_cast<signed char>(dayOfYear - monthStart)};
+}
+
+/// The date in the mixed calendar of a day number: the inverse of MixedDayNumber for every
+/// date of the years from 1 on.
+constexpr CivilDate MixedDateOf(long dayNumber) {
+  if (dayNumber < kFirstGregorian || dayNumber >= kLastDay) return GeneralMixedDateOf(dayNumber);
+  return DateOf(dayNumber + 1);
+}
+
+/// 0 for Sunday to 6 for Saturday, of a day number of the mixed calendar.
+constexpr int SundayBased(long dayNumber) {
+  const long r = (dayNumber % 7 + 2) % 7;
+  return static_cast<int>(r < 0 ? r + 7 : r);
+}
+
+/// Days of a month of the mixed calendar; 0 for a month outside 1 to 12.
+constexpr int MixedDaysOfMonth(long year, long month) {
+  constexpr signed char kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  if (month < 1 || month > 12) return 0;
+  if (month != 2 || year % 4 != 0) return kDays[month - 1];
+  return year % 100 != 0 || year % 400 == 0 || year < 1600 ? 29 : 28;
+}
+
 static_assert(DayNumber(2000, 1, 1) == 2451545 && DayNumber(-4713, 11, 24) == 0);
 static_assert(DayNumber(32767, 12, 31) == kLastDay &&
               DayNumber(kFirstYear + 1, 3, 1) == GeneralDayNumber(kFirstYear + 1, 3, 1));
 static_assert(Weekday(2000, 1, 1) == 5);
+static_assert(MixedDayNumber(2000, 1, 1) == 2451544 && MixedDayNumber(1582, 10, 15) == kFirstGregorian &&
+              MixedDayNumber(1582, 10, 4) == kFirstGregorian - 1);
 
 }  // namespace NxCalendar
 
