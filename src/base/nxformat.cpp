@@ -5,6 +5,8 @@
 
 #include <cstring>
 
+#include "base/nxdigits.h"
+
 namespace {
 
 bool OneOf(char c, const char* set) { return c && std::strchr(set, c); }
@@ -162,5 +164,69 @@ bool NxScanFormatFits(const char* format, std::initializer_list<NxFormatArg> arg
       return false;
     }
   }
+  return true;
+}
+
+// ---------------------------------------------------------------------------
+// Plain integers
+
+namespace {
+
+constexpr unsigned long kIntegerBytes = 11;  // "-2147483648"
+constexpr int kSafeDigits = 9;               // never overflow
+
+bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+}  // namespace
+
+bool NxReadPlainInteger(const char* format, NxPlainInteger& plain) {
+  const char* p = format ? std::strchr(format, '%') : nullptr;
+  if (!p) return false;
+  plain.before = format;
+  plain.beforeLength = static_cast<unsigned long>(p - format);
+  ++p;
+  plain.isShort = *p == 'h';
+  if (*p == 'h' || *p == 'l') ++p;
+  if (*p != 'd' && *p != 'u') return false;
+  plain.isSigned = *p == 'd';
+  plain.after = p + 1;
+  return !std::strchr(plain.after, '%');
+}
+
+bool NxPrintPlainInteger(const NxPlainInteger& plain, int value, char* area, unsigned long size) {
+  const unsigned long afterBytes = std::strlen(plain.after) + 1;
+  if (plain.beforeLength + kIntegerBytes + afterBytes > size) return false;
+  if (plain.isShort) value = plain.isSigned ? static_cast<short>(value) : static_cast<unsigned short>(value);
+  char digits[kIntegerBytes];
+  char* const end = digits + sizeof digits;
+  const bool negative = plain.isSigned && value < 0;
+  const auto bits = static_cast<unsigned>(value);
+  char* begin = NxPutDecimal(end, negative ? 0 - bits : bits);
+  if (negative) *--begin = '-';
+  const auto length = static_cast<unsigned long>(end - begin);
+  std::memcpy(area, plain.before, plain.beforeLength);
+  std::memcpy(area + plain.beforeLength, begin, length);
+  std::memcpy(area + plain.beforeLength + length, plain.after, afterBytes);
+  return true;
+}
+
+bool NxScanPlainInteger(const NxPlainInteger& plain, const char* text, bool& found, int& value) {
+  found = false;
+  for (unsigned long i = 0; i < plain.beforeLength; ++i) {
+    if (IsBlank(plain.before[i])) return false;  // it stands for any blanks
+    if (*text++ != plain.before[i]) return true;
+  }
+  while (IsBlank(*text)) ++text;
+  const bool negative = *text == '-';
+  if (negative && !plain.isSigned) return false;
+  if (negative || *text == '+') ++text;
+  int digits = 0;
+  int number = 0;
+  for (; NxDigitValue(*text) <= 9; ++text) {
+    if (++digits > kSafeDigits) return false;
+    number = number * 10 + static_cast<int>(NxDigitValue(*text));
+  }
+  found = digits > 0;
+  if (found) value = negative ? -number : number;
   return true;
 }

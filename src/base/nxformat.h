@@ -28,4 +28,24 @@ bool NxPrintFormatFits(const char* format, std::initializer_list<NxFormatArg> ar
 /// value, a suppressed one ("%*d") takes none.
 bool NxScanFormatFits(const char* format, std::initializer_list<NxFormatArg> args);
 
+/// A format of one integer without flags, width and precision: "%ld", "#%lu", "%hd;".
+struct NxPlainInteger {
+  const char* before;          // the text before the conversion
+  unsigned long beforeLength;  //
+  bool isShort;                // "%hd" and "%hu"
+  bool isSigned;               //
+  const char* after;           // the text behind it
+};
+
+/// False for null and for all other formats.
+bool NxReadPlainInteger(const char* format, NxPlainInteger& plain);
+
+/// What printf makes of such a format; false when it needs more than `size` bytes, the
+/// terminator included.
+bool NxPrintPlainInteger(const NxPlainInteger& plain, int value, char* area, unsigned long size);
+
+/// What scanf reads under such a format. `found` tells whether there is a number; false
+/// for a text that is better left to scanf.
+bool NxScanPlainInteger(const NxPlainInteger& plain, const char* text, bool& found, int& value);
+
 #endif

@@ -73,7 +73,7 @@ NxTypeConvertData* Int64ConvertToNxString(void* values, unsigned long n) {
 void* Int64ConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
   return NxValuesOf<NxInt64>(strings, n, NxInt64Create, NxInt64(), [](const NxString& s) {
     NxInt64 v;
-    v.ScanFromNxString(s, nullptr);
+    if (!s.IsEmpty()) v.ScanFromNxString(s, nullptr);  // an empty text is 0 here, not -1
     return v;
   });
 }

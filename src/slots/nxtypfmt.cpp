@@ -31,26 +31,32 @@ namespace {
 
 constexpr unsigned long kWorkBytes = 512;  // area of a printed number, terminator included
 
-/// out becomes the values printed under fmt; it stays as it is under a format that
-/// does not fit them.
+/// A format that does not fit its value shows itself; null leaves out as it is.
+NxString& RefuseFormat(NxString& out, const char* fmt) { return fmt ? out = fmt : out; }
+
+/// out becomes the values printed under fmt.
 template <class... Values>
 NxString& PrintNumber(NxString& out, const char* fmt, std::initializer_list<NxFormatArg> kinds,
                       Values... values) {
   char work[kWorkBytes];
-  if (NxPrintFormatFits(fmt, kinds) && std::snprintf(work, sizeof work, fmt, values...) >= 0) out = work;
+  if (!NxPrintFormatFits(fmt, kinds)) return RefuseFormat(out, fmt);
+  if (std::snprintf(work, sizeof work, fmt, values...) >= 0) out = work;
   return out;
+}
+
+/// The same of an integer, its usual formats without the C library.
+NxString& PrintInteger(NxString& out, const char* fmt, NxFormatArg kind, int value) {
+  char work[kWorkBytes];
+  NxPlainInteger plain;
+  if (!NxReadPlainInteger(fmt, plain) || !NxPrintPlainInteger(plain, value, work, sizeof work))
+    return PrintNumber(out, fmt, {kind}, value);
+  return out = work;
 }
 
 template <class T>
 void* ScanNumber(void* value, NxString& in, const char* fmt) {
   if (value) MySscanf(NxScanText(in).Chars(), 0, fmt, 1, static_cast<T*>(value));
   return value;
-}
-
-/// Whether the input of a scan says null.
-bool BeginsWithNullText(const NxString& in) {
-  const NxString& nullText = __NullPrintString;
-  return in.Compare(nullText, static_cast<short>(nullText.Len()), kDefaultOptions) == 0;
 }
 
 /// An area for texts printed under a text format, as long as format and text call for;
@@ -81,6 +87,43 @@ unsigned char PrintCodeSet(const NxString& out) {
   return codeSet != kCodeSetNone ? codeSet : NxLanguageContext::GetNativeCodeSet();
 }
 
+/// A format of strings with "%s" in the place of the first of "%1M" to "%4M".
+class TextFormat {
+ public:
+  explicit TextFormat(const char* fmt) : text_(fmt) {
+    if (!fmt || !std::strchr(fmt, 'M')) return;
+    for (const char* directive : {"%1M", "%2M", "%3M", "%4M"}) {
+      if (const char* place = std::strstr(fmt, directive)) {
+        Replace(fmt, static_cast<unsigned long>(place - fmt));
+        return;
+      }
+    }
+  }
+  TextFormat(const TextFormat&) = delete;
+  TextFormat& operator=(const TextFormat&) = delete;
+  ~TextFormat() { delete[] copy_; }
+
+  bool Fits() const { return NxPrintFormatFits(text_, {NxFormatArg::kText}); }
+  const char* Text() const { return text_; }
+  /// The digit of the directive, 0 without one.
+  int Mode() const { return mode_; }
+
+ private:
+  void Replace(const char* fmt, unsigned long at) {
+    text_ = copy_ = NxNewArray<char>(std::strlen(fmt));  // one character goes
+    if (!copy_) return;
+    mode_ = fmt[at + 1] - '0';
+    std::memcpy(copy_, fmt, at);
+    copy_[at] = '%';
+    copy_[at + 1] = 's';
+    std::strcpy(copy_ + at + 2, fmt + at + 3);
+  }
+
+  const char* text_;
+  char* copy_ = nullptr;
+  int mode_ = 0;
+};
+
 /// Prints a string of collation order values, for people who look into index keys. The
 /// format's "%1M" to "%4M", which stands for "%s", says how:
 ///
@@ -88,14 +131,11 @@ unsigned char PrintCodeSet(const NxString& out) {
 ///   %1M     the same without accents                   %4M  accented letters as ASCII pairs
 class OrderTextPrinter {
  public:
-  OrderTextPrinter(NxString& out, NxString& value, const char* fmt)
-      : out_(out), value_(value), codeSet_(PrintCodeSet(out)), format_(CopyFormat(fmt)) {}
-  OrderTextPrinter(const OrderTextPrinter&) = delete;
-  OrderTextPrinter& operator=(const OrderTextPrinter&) = delete;
-  ~OrderTextPrinter() { delete[] format_; }
+  /// The format is one of the string's own (TextFormat).
+  OrderTextPrinter(NxString& out, NxString& value, const char* fmt, int mode)
+      : out_(out), value_(value), codeSet_(PrintCodeSet(out)), mode_(mode), format_(fmt) {}
 
   void Print() {
-    if (!NxPrintFormatFits(format_, {NxFormatArg::kText})) return;
     TextArea area(format_, 2UL * value_.Len());
     if (mode_ == 3)
       PrintDescriptions(area);
@@ -106,23 +146,6 @@ class OrderTextPrinter {
   }
 
  private:
-  /// Finds the mode and returns the format with "%s" in its place.
-  char* CopyFormat(const char* fmt) {
-    if (!fmt) return nullptr;
-    char* copy = NxNewArray<char>(std::strlen(fmt) + 1);
-    if (!copy) return nullptr;
-    std::strcpy(copy, fmt);
-    for (const char* directive : {"%1M", "%2M", "%3M", "%4M"}) {
-      char* place = std::strstr(copy, directive);
-      if (!place) continue;
-      mode_ = directive[1] - '0';
-      place[1] = 's';
-      std::memmove(place + 2, place + 3, std::strlen(place + 3) + 1);
-      break;
-    }
-    return copy;
-  }
-
   template <class Operation>
   void ForEachOrder(Operation operation) {
     for (NxStringIterator it(value_); !it.IsEOS(); ++it) operation(static_cast<unsigned short>(*it));
@@ -174,24 +197,20 @@ class OrderTextPrinter {
   NxString& out_;
   NxString& value_;
   unsigned char codeSet_;
-  int mode_ = 0;
-  char* format_;
+  int mode_;
+  const char* format_;
 };
 
-/// out becomes text printed under fmt, or stays when the format does not fit a text.
-/// Returns whether it was printed.
-bool PrintText(NxString& out, const char* text, const char* fmt) {
-  if (!NxPrintFormatFits(fmt, {NxFormatArg::kText})) return false;
-  out = TextArea(fmt, std::strlen(text)).Print(text);
-  return true;
+NxString& PrintText(NxString& out, const char* text, const char* fmt) {
+  return out = TextArea(fmt, std::strlen(text)).Print(text);
 }
 
 /// An alphabetic string: empty ones print nothing, whatever the format; none is null.
 template <class Alpha>
 NxString& PrintAlpha(NxString& out, const Alpha& value, const char* fmt) {
   if (!value._pStr || !*value._pStr) return out = "";
-  PrintText(out, value._pStr, fmt);
-  return out;
+  if (!NxPrintFormatFits(fmt, {NxFormatArg::kText})) return RefuseFormat(out, fmt);
+  return PrintText(out, value._pStr, fmt);
 }
 
 template <class Alpha>
@@ -206,15 +225,16 @@ void* ScanAlpha(void* value, NxString& in) {
 // Characters
 
 NxString& CharPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long n) {
-  if (!NxPrintFormatFits(fmt, {NxFormatArg::kByte})) return out;
+  if (!NxPrintFormatFits(fmt, {NxFormatArg::kByte})) return RefuseFormat(out, fmt);
   out = "";
   NxPieceWriter pieces(out);
   const char* chars = static_cast<const char*>(value);
   for (unsigned long i = 0; i < n; ++i) {
     char work[kWorkBytes];
     const int byte = static_cast<unsigned char>(chars[i]);
-    const int length = std::isprint(byte) ? std::snprintf(work, sizeof work, fmt, chars[i])
-                                          : std::snprintf(work, sizeof work, "0x%02x", byte);
+    // ASCII only, whatever the locale prints: scans take one byte for a character.
+    const int length = byte < 0x80 && std::isprint(byte) ? std::snprintf(work, sizeof work, fmt, chars[i])
+                                                         : std::snprintf(work, sizeof work, "0x%02x", byte);
     if (length > 0) pieces.Add(work);
   }
   return out;
@@ -233,7 +253,7 @@ void* CharScanFromNxString(void* value, NxString& in, const char* fmt, unsigned 
 // Numbers
 
 NxString& ShortPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long /*n*/) {
-  return PrintNumber(out, fmt, {NxFormatArg::kShort}, static_cast<int>(*static_cast<short*>(value)));
+  return PrintInteger(out, fmt, NxFormatArg::kShort, *static_cast<short*>(value));
 }
 
 void* ShortScanFromNxString(void* value, NxString& in, const char* fmt, unsigned long /*n*/) {
@@ -241,7 +261,7 @@ void* ShortScanFromNxString(void* value, NxString& in, const char* fmt, unsigned
 }
 
 NxString& IntPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long /*n*/) {
-  return PrintNumber(out, fmt, {NxFormatArg::kWord}, *static_cast<int*>(value));
+  return PrintInteger(out, fmt, NxFormatArg::kWord, *static_cast<int*>(value));
 }
 
 void* IntScanFromNxString(void* value, NxString& in, const char* fmt, unsigned long /*n*/) {
@@ -249,7 +269,7 @@ void* IntScanFromNxString(void* value, NxString& in, const char* fmt, unsigned l
 }
 
 NxString& LongPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long /*n*/) {
-  return PrintNumber(out, fmt, {NxFormatArg::kWord}, *static_cast<long*>(value));
+  return PrintInteger(out, fmt, NxFormatArg::kWord, static_cast<int>(*static_cast<long*>(value)));
 }
 
 void* LongScanFromNxString(void* value, NxString& in, const char* fmt, unsigned long /*n*/) {
@@ -287,14 +307,18 @@ NxString& NxStringPrintToNxString(NxString& out, void* value, const char* fmt, u
   }
   if (string.IsNullValue()) return out = __NullPrintString;
   if (string.IsEmpty()) return out = string;
+  const TextFormat format(fmt);
+  if (!format.Fits()) return RefuseFormat(out, fmt);
   if (string._nCodeSet == kCodeSetOrderValues) {
-    OrderTextPrinter(out, string, fmt).Print();
+    OrderTextPrinter(out, string, format.Text(), format.Mode()).Print();
   } else if (string._nCodeSet == kCodeSetUnicode) {
-    NxString narrow(PrintCodeSet(out), string._nLanguage);
+    const unsigned char codeSet = PrintCodeSet(out);
+    // What is printed is 8-bit text, also for a 16-bit string to take.
+    NxString narrow(NxCharWidth(codeSet) == 1 ? codeSet : NxString::GetDefault8CodeSet(), string._nLanguage);
     narrow += string;
-    PrintText(out, narrow.StrGet(), fmt);
-  } else if (PrintText(out, string.StrGet(), fmt)) {
-    out.SetCodeSet(string._nCodeSet);
+    PrintText(out, narrow.StrGet(), format.Text());
+  } else {
+    PrintText(out, string.StrGet(), format.Text()).SetCodeSet(string._nCodeSet);
   }
   return out;
 }
@@ -302,7 +326,7 @@ NxString& NxStringPrintToNxString(NxString& out, void* value, const char* fmt, u
 void* NxStringScanFromNxString(void* value, NxString& in, const char* /*fmt*/, unsigned long /*n*/) {
   if (!value) return nullptr;
   NxString& string = *static_cast<NxString*>(value);
-  if (BeginsWithNullText(in))
+  if (NxBeginsWithNullText(in))
     string.SetNullValue();
   else
     string = in;
@@ -351,7 +375,7 @@ void* BooleanScanFromNxString(void* value, NxString& in, const char* /*fmt*/, un
   if (!value) return nullptr;
   NxBoolean& boolean = *static_cast<NxBoolean*>(value);
   const NxScanText text(in);
-  if (BeginsWithNullText(text.String())) {
+  if (NxBeginsWithNullText(text.String())) {
     boolean.SetNullValue();
     return value;
   }

@@ -18,6 +18,18 @@ int ScanOne(const char* text, const char* fmt, NxFormatArg kind, T* out) {
   return 0;
 }
 
+/// An integer; the usual formats without the C library.
+template <class T>
+int ScanInteger(const char* text, const char* fmt, NxFormatArg kind, T* out) {
+  NxPlainInteger plain;
+  bool found;
+  int value;
+  const bool usual = NxReadPlainInteger(fmt, plain) && plain.isShort == (kind == NxFormatArg::kShort);
+  if (!usual || !NxScanPlainInteger(plain, text, found, value)) return ScanOne(text, fmt, kind, out);
+  if (found) *out = static_cast<T>(value);
+  return 0;
+}
+
 /// A "0x" number gives its low byte, whatever the format.
 template <class T>
 int ScanByte(const char* text, const char* fmt, T* out) {
@@ -58,27 +70,27 @@ int MySscanf(const char* text, long /*len*/, const char* fmt, long /*n*/, float*
 }
 
 int MySscanf(const char* text, long /*len*/, const char* fmt, long /*n*/, long* out) {
-  return ScanOne(text, fmt, NxFormatArg::kWord, out);
+  return ScanInteger(text, fmt, NxFormatArg::kWord, out);
 }
 
 int MySscanf(const char* text, long /*len*/, const char* fmt, long /*n*/, unsigned long* out) {
-  return ScanOne(text, fmt, NxFormatArg::kWord, out);
+  return ScanInteger(text, fmt, NxFormatArg::kWord, out);
 }
 
 int MySscanf(const char* text, long /*len*/, const char* fmt, long /*n*/, int* out) {
-  return ScanOne(text, fmt, NxFormatArg::kWord, out);
+  return ScanInteger(text, fmt, NxFormatArg::kWord, out);
 }
 
 int MySscanf(const char* text, long /*len*/, const char* fmt, long /*n*/, unsigned int* out) {
-  return ScanOne(text, fmt, NxFormatArg::kWord, out);
+  return ScanInteger(text, fmt, NxFormatArg::kWord, out);
 }
 
 int MySscanf(const char* text, long /*len*/, const char* fmt, long /*n*/, short* out) {
-  return ScanOne(text, fmt, NxFormatArg::kShort, out);
+  return ScanInteger(text, fmt, NxFormatArg::kShort, out);
 }
 
 int MySscanf(const char* text, long /*len*/, const char* fmt, long /*n*/, unsigned short* out) {
-  return ScanOne(text, fmt, NxFormatArg::kShort, out);
+  return ScanInteger(text, fmt, NxFormatArg::kShort, out);
 }
 
 int MySscanf(const char* text, long /*len*/, const char* fmt, long /*n*/, char* out) {

@@ -1,5 +1,6 @@
 #include "values/nxint64text.h"
 
+#include "base/nxdigits.h"
 #include "nxint64.h"
 #include "text/nxtextio.h"
 
@@ -36,18 +37,39 @@ const Radix* RadixOf(char directive) {
   }
 }
 
-void AddInt64(NxPieceWriter& pieces, const NxInt64& value, const Radix& radix) {
-  unsigned long long magnitude = static_cast<unsigned long long>(value.Abs().Wide());
-  // The lowest value is its own magnitude; only its decimal text has a sign.
-  if (value.high < 0 && (radix.base == 10 || magnitude != kLowest)) pieces.Add("-");
-  pieces.Add(radix.prefix);
-  char text[24];  // 22 octal digits
-  char* p = text + sizeof text;
+/// The decimal digits of v so that they end at `end`. Returns where they begin.
+char* PutDecimal(char* end, unsigned long long v) {
+  while (v >> 32) {  // nine digits at a time, as far as 64 bits have to be divided
+    constexpr unsigned kNineDigits = 1'000'000'000;
+    const unsigned long long rest = v / kNineDigits;
+    char* begin = NxPutDecimal(end, static_cast<unsigned>(v - rest * kNineDigits));
+    end -= 9;
+    while (begin > end) *--begin = '0';
+    v = rest;
+  }
+  return NxPutDecimal(end, static_cast<unsigned>(v));
+}
+
+/// The same in a base that is a power of 2.
+char* PutBits(char* end, unsigned long long v, const Radix& radix) {
+  const unsigned shift = radix.base == 8 ? 3 : 4;
   do {
-    *--p = radix.digits[magnitude % radix.base];
-    magnitude /= radix.base;
-  } while (magnitude);
-  pieces.Add(p, static_cast<unsigned long>(text + sizeof text - p));
+    *--end = radix.digits[v & (radix.base - 1)];
+    v >>= shift;
+  } while (v);
+  return end;
+}
+
+void AddInt64(NxPieceWriter& pieces, const NxInt64& value, const Radix& radix) {
+  constexpr unsigned long kLongest = 26;  // sign, prefix and 22 octal digits
+  const unsigned long long magnitude = static_cast<unsigned long long>(value.Abs().Wide());
+  char text[kLongest];
+  char* const end = text + sizeof text;
+  char* begin = radix.base == 10 ? PutDecimal(end, magnitude) : PutBits(end, magnitude, radix);
+  for (const char* p = radix.prefix + std::strlen(radix.prefix); p > radix.prefix;) *--begin = *--p;
+  // The lowest value is its own magnitude; only its decimal text has a sign.
+  if (value.high < 0 && (radix.base == 10 || magnitude != kLowest)) *--begin = '-';
+  pieces.Add(begin, static_cast<unsigned long>(end - begin));
 }
 
 /// Reads an NxInt64 from a text, walking format and text together.
@@ -65,7 +87,7 @@ class Int64Scanner {
         return false;
       }
     }
-    return true;
+    return !(*fmt_ == '%' && RadixOf(fmt_[1]));  // nothing is left for the number
   }
 
  private:
@@ -80,25 +102,43 @@ class Int64Scanner {
     const char terminator = *fmt_;
     const bool negative = *in_ == '-';
     if (*in_ == '-' || *in_ == '+') ++in_;
-    const unsigned base = Base();
+    const unsigned base = Base(*RadixOf(directive), terminator);
     if (directive != 'S' && base != RadixOf(directive)->base) return false;
-    NxInt64 number;
+    return Digits(base, terminator, negative) && *in_ == terminator;
+  }
+
+  /// The base by the number's prefix. That of 16 is skipped, that of 8 is a digit, and a
+  /// single 0 is a number in base 10 as well.
+  unsigned Base(const Radix& wanted, char terminator) {
+    if (*in_ != '0') return 10;
+    if (in_[1] == 'x' || in_[1] == 'X') {
+      in_ += 2;
+      return 16;
+    }
+    const bool single = in_[1] == 0 || in_[1] == terminator;
+    return single && wanted.base == 10 ? 10 : 8;
+  }
+
+  /// Reads digits up to the terminator; false without any, or at one beyond the base.
+  bool Digits(unsigned base, char terminator, bool negative) {
+    // Several digits at a time are collected in 32 bits.
+    constexpr unsigned kFull = 1U << 28;
+    const char* const begin = in_;
+    unsigned long long number = 0;
+    unsigned part = 0, scale = 1;
     for (; *in_ && *in_ != terminator; ++in_) {
       const unsigned digit = Digit(*in_);
       if (digit >= base) return false;
-      number =
-          number * NxInt64(static_cast<unsigned long>(base)) + NxInt64(static_cast<unsigned long>(digit));
+      part = part * base + digit;
+      scale *= base;
+      if (scale < kFull) continue;
+      number = number * scale + part;
+      part = 0;
+      scale = 1;
     }
-    value_ = negative ? -number : number;
-    return *in_ == terminator;
-  }
-
-  /// The base by the number's prefix. That of 16 is skipped, that of 8 is a digit.
-  unsigned Base() {
-    if (*in_ != '0') return 10;
-    if (in_[1] != 'x' && in_[1] != 'X') return 8;
-    in_ += 2;
-    return 16;
+    number = number * scale + part;
+    value_ = NxInt64::FromWide(static_cast<long long>(negative ? 0 - number : number));
+    return in_ != begin;
   }
 
   static unsigned Digit(char c) {

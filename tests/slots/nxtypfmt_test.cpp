@@ -135,7 +135,7 @@ TEST(Numbers, PrintUnderTheirFormats) {
   EXPECT_EQ(Print(DoublePrintToNxString, -1234.5, "%.3lE|"), "-1.234E+03|");  // half to even
   EXPECT_EQ(Print(IntPrintToNxString, 7, "%600d"), std::string(511, ' '));
   for (const char* bad : {"%s", "%n", "%f", "%d%d", "%*d", "%lld"})
-    EXPECT_EQ(Print(IntPrintToNxString, 7, bad), "old") << bad;
+    EXPECT_EQ(Print(IntPrintToNxString, 7, bad), bad);
   EXPECT_EQ(Print(IntPrintToNxString, 7, static_cast<const char*>(nullptr)), "old");
 }
 
@@ -163,7 +163,7 @@ TEST(Numbers, MantissaAndExponentKeepDoublesExact) {
     const std::string text = Print(DoublePrintToNxString, value, fmt);
     ASSERT_EQ(Scan(DoubleScanFromNxString, 9.0, text.c_str(), "ldexp(%lf, %d)"), value) << text;
   }
-  EXPECT_EQ(Print(DoublePrintToNxString, 6.0, "ldexp %d"), "old");
+  EXPECT_EQ(Print(DoublePrintToNxString, 6.0, "ldexp %d"), "ldexp %d");
   EXPECT_EQ(Scan(DoubleScanFromNxString, 9.0, "ldexp(0.75", "ldexp(%lf, %d)"), 9.0);
   EXPECT_EQ(Scan(DoubleScanFromNxString, 9.0, "ldexp(0.75, 3)", "ldexp(%lf, %s)"), 9.0);
 }
@@ -173,7 +173,7 @@ TEST(Chars, AreOneText) {
   NxString out("old");
   EXPECT_STREQ(CharPrintToNxString(out, text, "%c", 3).StrGet(), "A0x0az");
   EXPECT_STREQ(CharPrintToNxString(out, text, "<%d>", 3).StrGet(), "<65>0x0a<122>");
-  EXPECT_STREQ(CharPrintToNxString(out, text, "%s", 3).StrGet(), "<65>0x0a<122>");  // unchanged
+  EXPECT_STREQ(CharPrintToNxString(out, text, "%s", 3).StrGet(), "%s");
   std::vector<char> many(30000, '\xFF');
   EXPECT_EQ(CharPrintToNxString(out, many.data(), "%c", 9000).Len(), 4 * 9000);
 
@@ -200,7 +200,7 @@ TEST(Strings, PrintInTheirCodeSet) {
   EXPECT_EQ(latin._nCodeSet, kCodeSetLatin1);
 
   NxStringPrintToNxString(out, &value, "%d", 1);
-  EXPECT_STREQ(out.StrGet(), "<  Z\xFCrich>");
+  EXPECT_STREQ(out.StrGet(), "%d");
   NxString self("abc");
   EXPECT_STREQ(NxStringPrintToNxString(self, &self, "%s%%", 1).StrGet(), "abc%");
 
@@ -259,7 +259,7 @@ TEST(Strings, OrderValuesPrintInFourWays) {
   EXPECT_STREQ(NxStringPrintToNxString(out, &value, "%3M;", 1).StrGet(),
                "lower letter a;lower letter a with accent acute;digit 7;space;");
   EXPECT_STREQ(NxStringPrintToNxString(out, &value, "%4M.", 1).StrGet(), "a.\\'a.7. .");
-  EXPECT_STREQ(NxStringPrintToNxString(out, &value, "%3M%s", 1).StrGet(), "a.\\'a.7. .");  // unchanged
+  EXPECT_STREQ(NxStringPrintToNxString(out, &value, "%3M%s", 1).StrGet(), "%3M%s");
   // In an 8-bit code set other than Latin-1 the text is relabelled by mapping.
   NxString latin2(kCodeSetLatin2, 1);
   EXPECT_STREQ(NxStringPrintToNxString(latin2, &value, "%2M", 1).StrGet(),
@@ -330,7 +330,7 @@ TEST(Int64Format, Scans) {
       {"18", "%o", -1},
       {"08", "%S", -1},
       {"0", "%S", 0},
-      {"0", "%d", -1},  // a leading 0 means base 8
+      {"0", "%d", 0},  // though a leading 0 means base 8
       {"<5>", "<%d>", 5},
       {"<5", "<%d>", -1},
       {"(5>", "<%d>", -1},
@@ -338,9 +338,9 @@ TEST(Int64Format, Scans) {
       {"%5", "%%%d", 5},
       {"1,2", "%d,%d", 2},
       {"1,x", "%d,%d", -1},
-      {"-", "%S", 0},
+      {"-", "%S", -1},
       {"12 ", "%S", -1},
-      {"", "%S", 77},
+      {"", "%S", -1},
       {"abc", "abc", 77},
       {"9223372036854775807", "%S", 9223372036854775807LL},
       {"-9223372036854775808", "%S", std::numeric_limits<long long>::min()},
