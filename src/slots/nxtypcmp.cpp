@@ -1,5 +1,4 @@
-// Comparison of the fixed-size types: one walk over two arrays, and for every type
-// how two of its values compare.
+// Comparison of the fixed-size types: for every type how two of its values compare.
 
 #include "nxtypcmp.h"
 
@@ -12,28 +11,6 @@
 #include "slots/nxelement.h"
 
 namespace {
-
-struct Operands {
-  NxElements first, second;
-};
-
-/// Compares element by element until two differ or a buffer ends. An element that
-/// its buffer holds in part only is not read.
-template <class CompareValues>
-long CompareArrays(Operands arrays, unsigned long count, int& error, CompareValues compare) {
-  error = 0;
-  for (unsigned long i = 0; i < count; ++i) {
-    if (!arrays.first.Holds() || !arrays.second.Holds()) {
-      error = kPastBuffer;
-      return 0;
-    }
-    const long result = compare(arrays.first.Place(), arrays.second.Place());
-    // The way to the next element is checked whatever the result is.
-    if (i + 1 < count && !(arrays.first.Advance() && arrays.second.Advance())) error = kPastBuffer;
-    if (result != 0 || error != 0) return result;
-  }
-  return 0;
-}
 
 /// -1, 0 or 1; 0 for values without order.
 template <class V>
@@ -48,9 +25,9 @@ long OrderInPlace(const void* a, const void* b) {
 
 /// Compares one array of numbers with another.
 template <class V, NxSlot::Load* kLoad>
-long CompareNumbers(const Operands& arrays, unsigned char format, unsigned long count, int& error) {
-  if (NxReadsInPlace(format)) return CompareArrays(arrays, count, error, OrderInPlace<V>);
-  return CompareArrays(arrays, count, error, [format](const void* a, const void* b) {
+long CompareNumbers(const NxOperands& arrays, unsigned char format, unsigned long count, int& error) {
+  if (NxReadsInPlace(format)) return NxCompareArrays(arrays, count, error, OrderInPlace<V>);
+  return NxCompareArrays(arrays, count, error, [format](const void* a, const void* b) {
     return Order(NxReadElement<V, kLoad>(a, format), NxReadElement<V, kLoad>(b, format));
   });
 }
@@ -125,16 +102,16 @@ long OrderSeals(const void* a, const void* b) { return NxReadValue<NxSeal>(a) !=
 long BooleanCompare(unsigned char /*format*/, unsigned long len1, void* value1, unsigned long len2,
                     void* value2, unsigned short /*options*/, unsigned long count, int& error) {
   // A boolean is one byte, the same in every form.
-  const Operands arrays = {{value1, len1, count, 1}, {value2, len2, count, 1}};
-  return CompareArrays(arrays, count, error, [](const void* a, const void* b) {
+  const NxOperands arrays = {{value1, len1, count, 1}, {value2, len2, count, 1}};
+  return NxCompareArrays(arrays, count, error, [](const void* a, const void* b) {
     return OrderBooleans(NxReadValue<NxBoolean>(a), NxReadValue<NxBoolean>(b));
   });
 }
 
 long SealCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2, void* value2,
                  unsigned short /*options*/, unsigned long count, int& error) {
-  const Operands arrays = {{value1, len1, count, sizeof(NxSeal)}, {value2, len2, count, sizeof(NxSeal)}};
-  return CompareArrays(arrays, count, error, format == kFormatMemory ? OrderSeals : OrderSealImages);
+  const NxOperands arrays = {{value1, len1, count, sizeof(NxSeal)}, {value2, len2, count, sizeof(NxSeal)}};
+  return NxCompareArrays(arrays, count, error, format == kFormatMemory ? OrderSeals : OrderSealImages);
 }
 
 // ---------------------------------------------------------------------------
@@ -185,13 +162,13 @@ long OrderTimes(const void* a, const void* b) { return NxReadValue<NxTime>(a) !=
 
 long DateCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2, void* value2,
                  unsigned short options, unsigned long count, int& error) {
-  const Operands arrays = {{value1, len1, count, sizeof(NxDate)}, {value2, len2, count, sizeof(NxDate)}};
-  if (NxInMemory(format)) return CompareArrays(arrays, count, error, OrderDates);
-  return CompareArrays(arrays, count, error, StoredDateOrder(format, options));
+  const NxOperands arrays = {{value1, len1, count, sizeof(NxDate)}, {value2, len2, count, sizeof(NxDate)}};
+  if (NxInMemory(format)) return NxCompareArrays(arrays, count, error, OrderDates);
+  return NxCompareArrays(arrays, count, error, StoredDateOrder(format, options));
 }
 
 long TimeCompare(unsigned char /*format*/, unsigned long len1, void* value1, unsigned long len2, void* value2,
                  unsigned short /*options*/, unsigned long count, int& error) {
-  const Operands arrays = {{value1, len1, count, sizeof(NxTime)}, {value2, len2, count, sizeof(NxTime)}};
-  return CompareArrays(arrays, count, error, OrderTimes);
+  const NxOperands arrays = {{value1, len1, count, sizeof(NxTime)}, {value2, len2, count, sizeof(NxTime)}};
+  return NxCompareArrays(arrays, count, error, OrderTimes);
 }

@@ -16,6 +16,7 @@
 #include "nxseal.h"
 #include "nxtypcmp.h"
 #include "slots/nxelement.h"
+#include "slots/nxterm.h"
 
 namespace {
 
@@ -63,43 +64,11 @@ void SetBoundaries(NxIdxBounds* bounds, void* key, unsigned short relation, unsi
 
 namespace {
 
-/// Whether an image of the stated length holds `size` bytes. The length field is one
-/// byte, so that 0 may stand for any multiple of 256.
-bool Reaches(unsigned char length, unsigned long size) { return length == 0 || length >= size; }
-
-/// Whether both ends of the index's range can be read.
-bool HasRange(const NxIdxBounds* range, unsigned long size) {
-  return range && range->lower && range->upper && Reaches(range->lowerLen, size) &&
-         Reaches(range->upperLen, size);
-}
-
-/// A key beside the ends of the index's range; the ends are 0 without one.
-template <class V>
-struct Term {
-  V key{};
-  V low{};
-  V high{};
-  bool hasRange = false;
-
-  /// load(image) makes a value of a stored one of `size` bytes.
-  template <class Load>
-  Term(const NxIdxBounds* range, const void* keyImage, unsigned long size, Load load)
-      : key(load(keyImage)), hasRange(HasRange(range, size)) {
-    if (!hasRange) return;
-    low = load(range->lower);
-    high = load(range->upper);
-  }
-};
-
 template <class V, NxSlot::Load* kLoad>
 V LoadOne(const void* image, unsigned char format) {
   V value{};
   kLoad(&value, image, format, 1);
   return value;
-}
-
-double Selected(unsigned short relation, double key, double low, double high) {
-  return CalcRange(relation, key, key, low, high, 1.0);
 }
 
 /// Smallest estimate of a range of floating numbers that is not empty.
@@ -134,9 +103,9 @@ double Fraction(double range, double low, double high) {
 template <class V, NxSlot::Load* kLoad>
 float EvalNumber(const NxIdxBounds* indexRange, unsigned short relation, void* key, unsigned char format,
                  unsigned long boundSize, NxIdxBounds* bounds) {
-  const Term<V> term(indexRange, key, sizeof(V),
-                     [format](const void* image) { return LoadOne<V, kLoad>(image, format); });
-  const double range = term.hasRange ? Selected(relation, term.key, term.low, term.high) : 0;
+  const NxTerm<V> term(indexRange, key, sizeof(V),
+                       [format](const void* image) { return LoadOne<V, kLoad>(image, format); });
+  const double range = term.hasRange ? NxSelected(relation, term.key, term.low, term.high) : 0;
   SetBoundaries(bounds, key, relation, boundSize);
   return static_cast<float>(Fraction(range, term.low, term.high));
 }
@@ -170,15 +139,15 @@ namespace {
 double Widen(const NxInt64& v) { return v.low + v.high * 4294967296.0; }
 
 /// An equal key that the doubles cannot tell from its neighbours still selects one.
-double SelectedWide(unsigned short relation, const Term<NxInt64>& term) {
-  const double range = Selected(relation, Widen(term.key), Widen(term.low), Widen(term.high));
+double SelectedWide(unsigned short relation, const NxTerm<NxInt64>& term) {
+  const double range = NxSelected(relation, Widen(term.key), Widen(term.low), Widen(term.high));
   if (range != 0) return range;
   const bool notBelow = (relation & kRelationGreater) || term.low <= term.key;
   const bool notAbove = (relation & kRelationLess) || term.key <= term.high;
   return notBelow && notAbove ? 1.0 : 0.0;
 }
 
-float EvalWide(unsigned short relation, const Term<NxInt64>& term) {
+float EvalWide(unsigned short relation, const NxTerm<NxInt64>& term) {
   const double range = term.hasRange ? SelectedWide(relation, term) : 0;
   return static_cast<float>(range / (Widen(term.high) - Widen(term.low) + 1.0));
 }
@@ -187,7 +156,7 @@ float EvalWide(unsigned short relation, const Term<NxInt64>& term) {
 
 float Int64EvalAndBound(NxIdxBounds* indexRange, unsigned short& relation, void* key, unsigned char format,
                         unsigned long count, NxIdxBounds* bounds) {
-  const Term<NxInt64> term(indexRange, key, sizeof(NxInt64), [format](const void* image) {
+  const NxTerm<NxInt64> term(indexRange, key, sizeof(NxInt64), [format](const void* image) {
     return LoadOne<NxInt64, Int64Load>(image, format);
   });
   SetBoundaries(bounds, key, relation, count * sizeof(NxInt64));
@@ -196,7 +165,7 @@ float Int64EvalAndBound(NxIdxBounds* indexRange, unsigned short& relation, void*
 
 float SealEvalAndBound(NxIdxBounds* indexRange, unsigned short& relation, void* key, unsigned char format,
                        unsigned long count, NxIdxBounds* bounds) {
-  const Term<NxInt64> term(indexRange, key, sizeof(NxSeal), [format](const void* image) {
+  const NxTerm<NxInt64> term(indexRange, key, sizeof(NxSeal), [format](const void* image) {
     NxInt64 number;
     LoadOne<NxSeal, SealLoad>(image, format).ConvertTo(number);
     return number;
@@ -218,11 +187,11 @@ float BooleanEvalAndBound(NxIdxBounds* indexRange, unsigned short& relation, voi
 float TimeEvalAndBound(NxIdxBounds* indexRange, unsigned short& relation, void* key, unsigned char format,
                        unsigned long count, NxIdxBounds* bounds) {
   relation &= kRelationMask;
-  const Term<long> term(indexRange, key, sizeof(NxTime), [](const void* image) {
+  const NxTerm<long> term(indexRange, key, sizeof(NxTime), [](const void* image) {
     auto* fields = static_cast<const signed char*>(image);
     return (fields[0] * 60L + fields[1]) * 60 + fields[2];
   });
-  const double range = Selected(relation, term.key, term.low, term.high);
+  const double range = NxSelected(relation, term.key, term.low, term.high);
   SetBoundaries(bounds, key, relation, TimeSizeGet(nullptr, kFormatMemory, format, count));
   return static_cast<float>(Fraction(range, term.low, term.high));
 }
@@ -255,8 +224,8 @@ class DateRange {
   /// Images too short for a date stay as they are.
   DateRange(const DateFields& key, unsigned char format, const NxIdxBounds* bounds)
       : key_(key), low_(key), high_(key), format_(format) {
-    if (bounds && Reaches(bounds->lowerLen, sizeof(NxDate))) lowImage_ = bounds->lower;
-    if (bounds && Reaches(bounds->upperLen, sizeof(NxDate))) highImage_ = bounds->upper;
+    if (bounds && NxReaches(bounds->lowerLen, sizeof(NxDate))) lowImage_ = bounds->lower;
+    if (bounds && NxReaches(bounds->upperLen, sizeof(NxDate))) highImage_ = bounds->upper;
     Year();
     Month();
     Day();
@@ -331,8 +300,8 @@ class DateRange {
 float DateEvalAndBound(NxIdxBounds* indexRange, unsigned short& relation, void* key, unsigned char format,
                        unsigned long count, NxIdxBounds* bounds) {
   relation &= kRelationMask;
-  const Term<long> index(indexRange, key, sizeof(NxDate),
-                         [format](const void* image) { return ReadDate(image, format).DayNumber(); });
+  const NxTerm<long> index(indexRange, key, sizeof(NxDate),
+                           [format](const void* image) { return ReadDate(image, format).DayNumber(); });
   SetBoundaries(bounds, key, relation, DateSizeGet(nullptr, kFormatMemory, format, count));
   const DateRange dates(ReadDate(key, format), format, count != 0 ? bounds : nullptr);
   if (dates.HasWildcard()) relation |= kWildcardFound;

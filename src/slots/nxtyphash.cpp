@@ -1,5 +1,5 @@
-// Hashing of the fixed-size types: one walk over an array, and for every type the
-// word that one of its values puts into the hash.
+// Hashing of the fixed-size types: for every type the word that one of its values puts
+// into the hash.
 
 #include "nxtyphash.h"
 
@@ -11,28 +11,10 @@
 
 namespace {
 
-constexpr unsigned long kMultiplier = 1103515245;
-
-/// Combines the words of the elements that the buffer holds. Hashes are 32 bits wide.
-template <class WordOf>
-unsigned long HashArray(NxElements array, unsigned long count, int& error, WordOf word) {
-  error = 0;
-  unsigned long h = 0;
-  for (unsigned long i = 0; i < count && error == 0; ++i) {
-    if (!array.Holds()) {
-      error = kPastBuffer;
-      break;
-    }
-    h ^= word(array.Place());
-    if (i + 1 < count && !array.Advance()) error = kPastBuffer;
-  }
-  return h * kMultiplier;
-}
-
 /// Integers hash as themselves, extended to 32 bits by their sign or with zeros.
 template <class V, NxSlot::Load* kLoad>
 unsigned long HashNumbers(const NxElements& array, unsigned char format, unsigned long count, int& error) {
-  return HashArray(array, count, error, [format](const void* p) {
+  return NxHashArray(array, count, error, [format](const void* p) {
     return static_cast<unsigned long>(static_cast<long>(NxReadElement<V, kLoad>(p, format)));
   });
 }
@@ -66,7 +48,7 @@ NX_HASH_NUMBERS(BooleanHash, signed char, BooleanLoad, 1)
 
 unsigned long DoubleHash(unsigned char format, unsigned long len, void* value, unsigned long count,
                          int& error) {
-  return HashArray({value, len, count, sizeof(double)}, count, error, [format](const void* p) {
+  return NxHashArray({value, len, count, sizeof(double)}, count, error, [format](const void* p) {
     // Each half is converted by itself.
     auto* half = static_cast<const unsigned char*>(p);
     return NxReadElement<unsigned long, LongStore>(half, format) ^
@@ -76,7 +58,7 @@ unsigned long DoubleHash(unsigned char format, unsigned long len, void* value, u
 
 unsigned long Int64Hash(unsigned char format, unsigned long len, void* value, unsigned long count,
                         int& error) {
-  return HashArray({value, len, count, sizeof(NxInt64)}, count, error, [format](const void* p) {
+  return NxHashArray({value, len, count, sizeof(NxInt64)}, count, error, [format](const void* p) {
     const NxInt64 v = NxReadElement<NxInt64, Int64Load>(p, format);
     return v.low ^ static_cast<unsigned long>(v.high);
   });
@@ -84,7 +66,7 @@ unsigned long Int64Hash(unsigned char format, unsigned long len, void* value, un
 
 unsigned long DateHash(unsigned char format, unsigned long len, void* value, unsigned long count,
                        int& error) {
-  return HashArray({value, len, count, sizeof(NxDate)}, count, error, [format](const void* p) {
+  return NxHashArray({value, len, count, sizeof(NxDate)}, count, error, [format](const void* p) {
     auto* fields = static_cast<const signed char*>(p) + 2;
     return JoinFields(NxReadElement<short, ShortStore>(p, format), fields[0], fields[1]);
   });
@@ -92,7 +74,7 @@ unsigned long DateHash(unsigned char format, unsigned long len, void* value, uns
 
 unsigned long TimeHash(unsigned char /*format*/, unsigned long len, void* value, unsigned long count,
                        int& error) {
-  return HashArray({value, len, count, sizeof(NxTime)}, count, error, [](const void* p) {
+  return NxHashArray({value, len, count, sizeof(NxTime)}, count, error, [](const void* p) {
     auto* fields = static_cast<const signed char*>(p);
     return JoinFields(fields[0], fields[1], fields[2]);
   });
@@ -100,7 +82,7 @@ unsigned long TimeHash(unsigned char /*format*/, unsigned long len, void* value,
 
 unsigned long SealHash(unsigned char format, unsigned long len, void* value, unsigned long count,
                        int& error) {
-  return HashArray({value, len, count, sizeof(NxSeal)}, count, error, [format](const void* p) {
+  return NxHashArray({value, len, count, sizeof(NxSeal)}, count, error, [format](const void* p) {
     const NxSeal v = NxReadElement<NxSeal, SealLoad>(p, format);
     return static_cast<unsigned long>(v.w0 ^ v.w1 ^ v.w2);
   });
