@@ -34,6 +34,17 @@ constexpr unsigned int OwnsStorage(unsigned short size) { return size; }
         Class##PrintToNxString, Class##ScanFromNxString, 0, defaultValue                             \
   }
 
+/// The slots of a class that has most of them as static members, its name, format, size and
+/// null state being left open.
+#define NX_MEMBER_SLOTS(Class)                                                                            \
+  {                                                                                                       \
+    nullptr, Class::Create, Class::Delete, Class::Store, Class::Load, Class::NullSizeGet, Class::SizeGet, \
+        Class::SizeGetFromMemFile, Class::Compare, Class::EvalAndBound, Class::Hash,                      \
+        Class::ConvertToNxString, Class::ConvertFromNxString, Class##Constructor, Class##Destructor,      \
+        Class##Assignment, Class##Copy, Class::Translate, NoIsNullDefined, nullptr, nullptr,              \
+        Class::PrintToString, Class::ScanFromString, 0, Class##DefaultValue                               \
+  }
+
 /// NxDate and NxTime have no text yet: the illegal type's stands in.
 #define NxDatePrintToNxString NxIllegalPrintToNxString
 #define NxDateScanFromNxString NxIllegalScanFromNxString
@@ -191,9 +202,13 @@ NxTypeTab NxBooleanTab = Nullable(NX_SLOTS(NxBoolean, Boolean, Boolean, BooleanL
 NxTypeTab NxSealTab =
     Named(NX_SLOTS(NxSeal, Seal, Seal, SealLoad, SealDefaultValue), "NxSeal", "noop", Fixed(6));
 
-NxTypeTab NxObjIdTab = Pending("NxObjId", "(%H-%L#%B)", Fixed(12), NxObjIdIsNull, NxObjIdSetNull);
-NxTypeTab NxClassIdTab = Pending("NxClassId", "(%Cv%V)", Fixed(4), NxClassIdIsNull, NxClassIdSetNull);
-NxTypeTab NxRefTab = Pending("NxRef", "(%D:%H-%L#%B, %C)", Fixed(20), NxRefIsNull, NxRefSetNull);
+NxTypeTab NxObjIdTab =
+    Nullable(NX_MEMBER_SLOTS(NxObjId), "NxObjId", "(%H-%L#%B)", Fixed(12), NxObjIdIsNull, NxObjIdSetNull);
+NxTypeTab NxClassIdTab =
+    Nullable(NX_MEMBER_SLOTS(NxClassId), "NxClassId", "(%Cv%V)", Fixed(4), NxClassIdIsNull, NxClassIdSetNull);
+NxTypeTab NxRefTab =
+    Nullable(NX_MEMBER_SLOTS(NxRef), "NxRef", "(%D:%H-%L#%B, %C)", Fixed(20), NxRefIsNull, NxRefSetNull);
+
 NxTypeTab NxBlobTab = Pending("NxBlob", "[BLOB,len=%L]", OwnsStorage(4), NxBlobIsNull, NxBlobSetNull);
 NxTypeTab NxDateTimeTab =
     Pending("NxDateTime", "%a %e.%b %Y %I:%M:%S %p", Fixed(8), NxDateTimeIsNull, NxDateTimeSetNull);

@@ -22,6 +22,10 @@ class NxScanText {
   NxString copy_;
 };
 
+/// Whether a text begins with the null text, which `NxTypeMgr::GetNullPrintString`
+/// hands out: character by character, whatever collation says.
+bool NxBeginsWithNullText(const NxString& in);
+
 /// Appends pieces of 8-bit text to a string, many at a time: each append to an
 /// NxString allocates it anew.
 class NxPieceWriter {
