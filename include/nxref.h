@@ -86,9 +86,10 @@ class NX_API NxObjId {
   static NxSlot::Print PrintToString;
   static NxSlot::Scan ScanFromString;
 
-  unsigned long block = 0;  // not compared
-  unsigned long low = 0;    // bits 0 to 31 of the object number
-  unsigned short high = 0;  // bits 32 to 47
+  unsigned long block = 0;   // not compared
+  unsigned long low = 0;     // bits 0 to 31 of the object number
+  unsigned short high = 0;   // bits 32 to 47
+  unsigned short spare = 0;  // carries nothing; 0, so that new values are all zero
 };
 static_assert(sizeof(NxObjId) == 12 && offsetof(NxObjId, low) == 4 && offsetof(NxObjId, high) == 8);
 
@@ -244,6 +245,7 @@ class NX_API NxRef {
   NxObjId objId;
   unsigned short database = 0;
   NxClassId classId;
+  unsigned short spare = 0;  // as in NxObjId
 };
 static_assert(sizeof(NxRef) == 20 && offsetof(NxRef, database) == 12 && offsetof(NxRef, classId) == 14);
 
