@@ -9,6 +9,7 @@
 #include "nxblobx.h"
 #include "nxconv.h"
 #include "nxdatimx.h"
+#include "nxnullcmp.h"
 #include "nxnulltext.h"
 #include "nxnultyp.h"
 #include "nxoption.h"

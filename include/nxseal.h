@@ -7,6 +7,7 @@
 #include "nxapi.h"
 
 class NxInt64;
+class NxObjId;
 class NxString;
 
 class NX_API NxSeal {
@@ -19,6 +20,8 @@ class NX_API NxSeal {
   void ConvertTo(NxInt64& out) const;
   /// Becomes the low 48 bits of v.
   void ConvertFrom(const NxInt64& v);
+  /// Becomes the object number.
+  void ConvertFrom(const NxObjId& id);
 
   /// Appends the number in decimal to out. Returns out.
   NxString& PrintToNxString(NxString& out) const;

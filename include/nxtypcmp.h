@@ -1,5 +1,5 @@
-/// Value comparison: null states and the Compare slots. The option word and the error
-/// words are those of nxoption.h.
+/// Value comparison: the Compare slots. The option word and the error words are those of
+/// nxoption.h, the order of null states that of nxnullcmp.h.
 ///
 /// A Compare slot walks count elements of two arrays and answers at the first
 /// difference: negative when the first operand sorts before the second, 0 when
@@ -10,29 +10,9 @@
 #define NXTYPCMP_H
 
 #include "nxapi.h"
+#include "nxnullcmp.h"
 #include "nxoption.h"
 #include "nxtypes.h"
-
-// ---------------------------------------------------------------------------
-// Null states
-
-/// How two values order that may be null; null sorts first.
-enum NxNullCompareResult {
-  kBothNull = 0,    //
-  kFirstNull = 1,   // only the first value is null
-  kSecondNull = 2,  // only the second value is null
-  kNoneNull = 3     // the values themselves decide
-};
-
-/// Orders the null states of two values of a class with `IsNullValue`.
-template <class T>
-NxNullCompareResult NxNullValueCompare(const T& a, const T& b) {
-  if (a.IsNullValue()) return b.IsNullValue() ? kBothNull : kFirstNull;
-  return b.IsNullValue() ? kSecondNull : kNoneNull;
-}
-
-// ---------------------------------------------------------------------------
-// Slots
 
 /// Moves p on by size bytes and answers 0; leaves it and answers 2101 when the new
 /// place would not lie before end.

@@ -38,16 +38,16 @@ constexpr unsigned int OwnsStorage(unsigned short size) { return size; }
 #define NX_SLOTS(Made, Class, Stored, load, defaultValue) \
   NX_SLOTS_NAMED(Made, Class, Class, Class, Stored, load, defaultValue)
 
-// MERGE: the standard date and time types have no text yet and the illegal type's stands
-// in. These lines go when their print and scan functions are there.
-#define d_DatePrintToNxString NxIllegalPrintToNxString
-#define d_DateScanFromNxString NxIllegalScanFromNxString
-#define d_TimePrintToNxString NxIllegalPrintToNxString
-#define d_TimeScanFromNxString NxIllegalScanFromNxString
-#define d_TimestampPrintToNxString NxIllegalPrintToNxString
-#define d_TimestampScanFromNxString NxIllegalScanFromNxString
-#define d_IntervalPrintToNxString NxIllegalPrintToNxString
-#define d_IntervalScanFromNxString NxIllegalScanFromNxString
+/// The slots of a class that has most of them as static members, its name, format, size and
+/// null state being left open.
+#define NX_MEMBER_SLOTS(Class)                                                                            \
+  {                                                                                                       \
+    nullptr, Class::Create, Class::Delete, Class::Store, Class::Load, Class::NullSizeGet, Class::SizeGet, \
+        Class::SizeGetFromMemFile, Class::Compare, Class::EvalAndBound, Class::Hash,                      \
+        Class::ConvertToNxString, Class::ConvertFromNxString, Class##Constructor, Class##Destructor,      \
+        Class##Assignment, Class##Copy, Class::Translate, NoIsNullDefined, nullptr, nullptr,              \
+        Class::PrintToString, Class::ScanFromString, 0, Class##DefaultValue                               \
+  }
 
 /// A record of given slots under a name, with its print format and size.
 constexpr NxTypeTab Named(NxTypeTab slots, const char* name, const char* format, unsigned int flags) {
@@ -223,9 +223,13 @@ NxTypeTab NxBooleanTab = Nullable(NX_SLOTS(NxBoolean, Boolean, Boolean, BooleanL
 NxTypeTab NxSealTab =
     Named(NX_SLOTS(NxSeal, Seal, Seal, SealLoad, SealDefaultValue), "NxSeal", "noop", Fixed(6));
 
-NxTypeTab NxObjIdTab = Pending("NxObjId", "(%H-%L#%B)", Fixed(12), NxObjIdIsNull, NxObjIdSetNull);
-NxTypeTab NxClassIdTab = Pending("NxClassId", "(%Cv%V)", Fixed(4), NxClassIdIsNull, NxClassIdSetNull);
-NxTypeTab NxRefTab = Pending("NxRef", "(%D:%H-%L#%B, %C)", Fixed(20), NxRefIsNull, NxRefSetNull);
+NxTypeTab NxObjIdTab =
+    Nullable(NX_MEMBER_SLOTS(NxObjId), "NxObjId", "(%H-%L#%B)", Fixed(12), NxObjIdIsNull, NxObjIdSetNull);
+NxTypeTab NxClassIdTab =
+    Nullable(NX_MEMBER_SLOTS(NxClassId), "NxClassId", "(%Cv%V)", Fixed(4), NxClassIdIsNull, NxClassIdSetNull);
+NxTypeTab NxRefTab =
+    Nullable(NX_MEMBER_SLOTS(NxRef), "NxRef", "(%D:%H-%L#%B, %C)", Fixed(20), NxRefIsNull, NxRefSetNull);
+
 NxTypeTab NxBlobTab = Pending("NxBlob", "[BLOB,len=%L]", OwnsStorage(4), NxBlobIsNull, NxBlobSetNull);
 NxTypeTab NxNull_charTab = Pending("NxNull_char", "%c", Fixed(2), NxNull_charIsNull, NxNull_charSetNull);
 NxTypeTab NxNull_ucharTab = Pending("NxNull_uchar", "%c", Fixed(2), NxNull_ucharIsNull, NxNull_ucharSetNull);

@@ -12,10 +12,10 @@
 #include "nxtypevl.h"
 #include "slots/nxconvkit.h"
 #include "slots/nxelement.h"
-#include "slots/nxestimate.h"
 #include "slots/nxfixed.h"
 #include "slots/nxlife.h"
 #include "slots/nxstoreddate.h"
+#include "slots/nxterm.h"
 
 namespace {
 

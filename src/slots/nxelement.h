@@ -9,9 +9,6 @@
 #include "nxoption.h"
 #include "nxtypes.h"
 
-/// What the combined words of an array are multiplied with to make its hash.
-inline constexpr unsigned kHashMultiplier = 1103515245;
-
 /// An array of values of `size` bytes with the end of its buffer.
 class NxElements {
  public:
@@ -38,6 +35,49 @@ class NxElements {
   unsigned long long left_;  // bytes from place_ to the end
   unsigned long size_;
 };
+
+/// The two arrays of a comparison.
+struct NxOperands {
+  NxElements first, second;
+};
+
+/// Compares element by element until two differ or a buffer ends: compare(a, b) gets the
+/// places of two values. An element that its buffer holds in part only is not read.
+template <class CompareValues>
+long NxCompareArrays(NxOperands arrays, unsigned long count, int& error, CompareValues compare) {
+  error = 0;
+  for (unsigned long i = 0; i < count; ++i) {
+    if (!arrays.first.Holds() || !arrays.second.Holds()) {
+      error = kPastBuffer;
+      return 0;
+    }
+    const long result = compare(arrays.first.Place(), arrays.second.Place());
+    // The way to the next element is checked whatever the result is.
+    if (i + 1 < count && !(arrays.first.Advance() && arrays.second.Advance())) error = kPastBuffer;
+    if (result != 0 || error != 0) return result;
+  }
+  return 0;
+}
+
+/// Embedded in hash indexes, never to change.
+inline constexpr unsigned long kHashMultiplier = 1103515245;
+
+/// Combines the words of the elements that the buffer holds: word(p) makes one of the
+/// value at p. Hashes are 32 bits wide.
+template <class WordOf>
+unsigned long NxHashArray(NxElements array, unsigned long count, int& error, WordOf word) {
+  error = 0;
+  unsigned long h = 0;
+  for (unsigned long i = 0; i < count && error == 0; ++i) {
+    if (!array.Holds()) {
+      error = kPastBuffer;
+      break;
+    }
+    h ^= word(array.Place());
+    if (i + 1 < count && !array.Advance()) error = kPastBuffer;
+  }
+  return h * kHashMultiplier;
+}
 
 inline bool NxInMemory(unsigned char format) { return (format & kFormatCodeMask) == kFormatMemory; }
 
@@ -71,49 +111,10 @@ V NxReadElement(const void* p, unsigned char format) {
   return value;
 }
 
-/// The two arrays of a comparison.
-struct NxOperands {
-  NxElements first, second;
-};
-
-/// Compares element by element until two differ or a buffer ends. An element that
-/// its buffer holds in part only is not read.
-template <class CompareValues>
-long NxCompareArrays(NxOperands arrays, unsigned long count, int& error, CompareValues compare) {
-  error = 0;
-  for (unsigned long i = 0; i < count; ++i) {
-    if (!arrays.first.Holds() || !arrays.second.Holds()) {
-      error = kPastBuffer;
-      return 0;
-    }
-    const long result = compare(arrays.first.Place(), arrays.second.Place());
-    // The way to the next element is checked whatever the result is.
-    if (i + 1 < count && !(arrays.first.Advance() && arrays.second.Advance())) error = kPastBuffer;
-    if (result != 0 || error != 0) return result;
-  }
-  return 0;
-}
-
 /// -1, 0 or 1; 0 for values without order.
 template <class V>
 long NxOrder(const V& a, const V& b) {
   return a < b ? -1 : a > b ? 1 : 0;
-}
-
-/// Combines the words of the elements that the buffer holds. Hashes are 32 bits wide.
-template <class WordOf>
-unsigned long NxHashArray(NxElements array, unsigned long count, int& error, WordOf word) {
-  error = 0;
-  unsigned long h = 0;
-  for (unsigned long i = 0; i < count && error == 0; ++i) {
-    if (!array.Holds()) {
-      error = kPastBuffer;
-      break;
-    }
-    h ^= word(array.Place());
-    if (i + 1 < count && !array.Advance()) error = kPastBuffer;
-  }
-  return h * kHashMultiplier;
 }
 
 /// Three fields in one word, as a sum: the sign of a field reaches into those above.

@@ -128,16 +128,20 @@ void* NxNullValues(unsigned long n) {
   return values;
 }
 
-/// Create to Copy of a type. Some types name Create and Delete (`Creator`) otherwise than
-/// the rest (`Type`). Form makes and releases, Values fills places: the templates above.
-#define NX_LIFE_CYCLE(Creator, Type, Form, Values)                                                     \
-  void* Creator##Create(unsigned long n) { return Form::Create(n); }                                   \
-  int Creator##Delete(void* values, unsigned long n) { return Form::Delete(values, n); }               \
+/// Constructor to Copy of a type. Values fills places: one of the templates above.
+#define NX_PLACES(Type, Values)                                                                        \
   void Type##Constructor(void* place, unsigned long n, unsigned long) { Values::Construct(place, n); } \
   void Type##Destructor(void* place, unsigned long n, unsigned long) { Values::Destroy(place, n); }    \
   void Type##Assignment(void* dst, void* src, unsigned long n, int fill) {                             \
     Values::Assign(dst, src, n, fill);                                                                 \
   }                                                                                                    \
   void Type##Copy(void* dst, void* src, unsigned long n, int fill) { Values::Copy(dst, src, n, fill); }
+
+/// Create to Copy of a type. Some types name Create and Delete (`Creator`) otherwise than
+/// the rest (`Type`). Form makes and releases.
+#define NX_LIFE_CYCLE(Creator, Type, Form, Values)                                       \
+  void* Creator##Create(unsigned long n) { return Form::Create(n); }                     \
+  int Creator##Delete(void* values, unsigned long n) { return Form::Delete(values, n); } \
+  NX_PLACES(Type, Values)
 
 #endif

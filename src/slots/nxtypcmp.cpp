@@ -1,5 +1,4 @@
-// Comparison of the fixed-size types: one walk over two arrays, and for every type
-// how two of its values compare.
+// Comparison of the fixed-size types: for every type how two of its values compare.
 
 #include "nxtypcmp.h"
 

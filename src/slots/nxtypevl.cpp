@@ -16,7 +16,7 @@
 #include "nxseal.h"
 #include "nxtypcmp.h"
 #include "slots/nxelement.h"
-#include "slots/nxestimate.h"
+#include "slots/nxterm.h"
 
 namespace {
 
@@ -64,10 +64,6 @@ void SetBoundaries(NxIdxBounds* bounds, void* key, unsigned short relation, unsi
 
 namespace {
 
-double Selected(unsigned short relation, double key, double low, double high) {
-  return CalcRange(relation, key, key, low, high, 1.0);
-}
-
 /// Smallest estimate of a range of floating numbers that is not empty.
 constexpr double kLeastFraction = 1.1920928955078125e-7;
 
@@ -102,7 +98,7 @@ float EvalNumber(const NxIdxBounds* indexRange, unsigned short relation, void* k
                  unsigned long boundSize, NxIdxBounds* bounds) {
   const NxTerm<V> term(indexRange, key, sizeof(V),
                        [format](const void* image) { return NxLoadOne<V, kLoad>(image, format); });
-  const double range = term.hasRange ? Selected(relation, term.key, term.low, term.high) : 0;
+  const double range = term.hasRange ? NxSelected(relation, term.key, term.low, term.high) : 0;
   SetBoundaries(bounds, key, relation, boundSize);
   return static_cast<float>(Fraction(range, term.low, term.high));
 }
@@ -137,7 +133,7 @@ double Widen(const NxInt64& v) { return v.low + v.high * 4294967296.0; }
 
 /// An equal key that the doubles cannot tell from its neighbours still selects one.
 double SelectedWide(unsigned short relation, const NxTerm<NxInt64>& term) {
-  const double range = Selected(relation, Widen(term.key), Widen(term.low), Widen(term.high));
+  const double range = NxSelected(relation, Widen(term.key), Widen(term.low), Widen(term.high));
   if (range != 0) return range;
   const bool notBelow = (relation & kRelationGreater) || term.low <= term.key;
   const bool notAbove = (relation & kRelationLess) || term.key <= term.high;
@@ -188,7 +184,7 @@ float TimeEvalAndBound(NxIdxBounds* indexRange, unsigned short& relation, void* 
     auto* fields = static_cast<const signed char*>(image);
     return (fields[0] * 60L + fields[1]) * 60 + fields[2];
   });
-  const double range = Selected(relation, term.key, term.low, term.high);
+  const double range = NxSelected(relation, term.key, term.low, term.high);
   SetBoundaries(bounds, key, relation, TimeSizeGet(nullptr, kFormatMemory, format, count));
   return static_cast<float>(Fraction(range, term.low, term.high));
 }

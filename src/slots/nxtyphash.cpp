@@ -1,5 +1,5 @@
-// Hashing of the fixed-size types: one walk over an array, and for every type the
-// word that one of its values puts into the hash.
+// Hashing of the fixed-size types: for every type the word that one of its values puts
+// into the hash.
 
 #include "nxtyphash.h"
 

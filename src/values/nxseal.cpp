@@ -2,6 +2,7 @@
 #include "nxseal.h"
 
 #include "nxint64.h"
+#include "nxref.h"
 #include "nxstring.h"
 
 int NxSeal::operator!=(const NxSeal& s) const {
@@ -19,6 +20,8 @@ void NxSeal::ConvertFrom(const NxInt64& v) {
   w1 = static_cast<unsigned short>(v.low >> 16);
   w2 = static_cast<unsigned short>(v.low);
 }
+
+void NxSeal::ConvertFrom(const NxObjId& id) { ConvertFrom(NxInt64(id.low, id.high)); }
 
 NxString& NxSeal::PrintToNxString(NxString& out) const {
   NxInt64 number;

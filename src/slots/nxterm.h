@@ -1,7 +1,6 @@
-// What the estimates of the fixed-size types begin with: the key of a query term beside
-// the ends of the index's range, all of them read from images that may be too short.
-#ifndef NXESTIMATE_H
-#define NXESTIMATE_H
+// The key of a query term beside the smallest and the largest key of the index.
+#ifndef NXTERM_H
+#define NXTERM_H
 
 #include "nxtypevl.h"
 
@@ -33,11 +32,17 @@ struct NxTerm {
   }
 };
 
+/// A stored value of the type that kLoad reads.
 template <class V, NxSlot::Load* kLoad>
 V NxLoadOne(const void* image, unsigned char format) {
   V value{};
   kLoad(&value, image, format, 1);
   return value;
+}
+
+/// What a term of one key selects of the index's keys from low to high, each key being 1 wide.
+inline double NxSelected(unsigned short relation, double key, double low, double high) {
+  return CalcRange(relation, key, key, low, high, 1.0);
 }
 
 #endif
