@@ -25,13 +25,16 @@ constexpr unsigned int OwnsStorage(unsigned short size) { return size; }
 /// null state being left open: Made##Create, Stored##Compare, Class##Copy and so on. The
 /// scalars load by the function that stores them, so Load is given; and DefaultValue, which
 /// takes its prefix from either.
-#define NX_SLOTS(Made, Class, Stored, load, defaultValue)                                            \
-  {                                                                                                  \
-    nullptr, Made##Create, Made##Delete, Stored##Store, load, Stored##NullSizeGet, Stored##SizeGet,  \
-        Stored##SizeGetFromMemFile, Stored##Compare, Stored##EvalAndBound, Stored##Hash,             \
-        Class##ConvertToNxString, Class##ConvertFromNxString, Class##Constructor, Class##Destructor, \
-        Class##Assignment, Class##Copy, Class##Translate, NoIsNullDefined, nullptr, nullptr,         \
-        Class##PrintToNxString, Class##ScanFromNxString, 0, defaultValue                             \
+#define NX_SLOTS(Made, Class, Stored, load, defaultValue) \
+  NX_TEXT_SLOTS(Made, Class, Stored, Class, load, defaultValue)
+/// The same for a type whose conversions and texts have a prefix of their own.
+#define NX_TEXT_SLOTS(Made, Class, Stored, Text, load, defaultValue)                                \
+  {                                                                                                 \
+    nullptr, Made##Create, Made##Delete, Stored##Store, load, Stored##NullSizeGet, Stored##SizeGet, \
+        Stored##SizeGetFromMemFile, Stored##Compare, Stored##EvalAndBound, Stored##Hash,            \
+        Text##ConvertToNxString, Text##ConvertFromNxString, Class##Constructor, Class##Destructor,  \
+        Class##Assignment, Class##Copy, Class##Translate, NoIsNullDefined, nullptr, nullptr,        \
+        Text##PrintToNxString, Text##ScanFromNxString, 0, defaultValue                              \
   }
 
 /// NxDate and NxTime have no text yet: the illegal type's stands in.
@@ -194,7 +197,8 @@ NxTypeTab NxSealTab =
 NxTypeTab NxObjIdTab = Pending("NxObjId", "(%H-%L#%B)", Fixed(12), NxObjIdIsNull, NxObjIdSetNull);
 NxTypeTab NxClassIdTab = Pending("NxClassId", "(%Cv%V)", Fixed(4), NxClassIdIsNull, NxClassIdSetNull);
 NxTypeTab NxRefTab = Pending("NxRef", "(%D:%H-%L#%B, %C)", Fixed(20), NxRefIsNull, NxRefSetNull);
-NxTypeTab NxBlobTab = Pending("NxBlob", "[BLOB,len=%L]", OwnsStorage(4), NxBlobIsNull, NxBlobSetNull);
+NxTypeTab NxBlobTab = Nullable(NX_TEXT_SLOTS(Blob, NxBlob, Blob, Blob, BlobLoad, NxBlobDefaultValue),
+                               "NxBlob", "[BLOB,len=%L]", OwnsStorage(4), NxBlobIsNull, NxBlobSetNull);
 NxTypeTab NxDateTimeTab =
     Pending("NxDateTime", "%a %e.%b %Y %I:%M:%S %p", Fixed(8), NxDateTimeIsNull, NxDateTimeSetNull);
 NxTypeTab Nxd_DateTab = Pending("d_Date", "%a %b %e", Fixed(4));

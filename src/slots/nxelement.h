@@ -8,6 +8,9 @@
 #include "nxbase.h"
 #include "nxtypes.h"
 
+/// What the combined words of an array are multiplied by to become its hash.
+inline constexpr unsigned long kHashMultiplier = 1103515245;
+
 /// An array of values of `size` bytes with the end of its buffer.
 class NxElements {
  public:

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr unsigned long kMultiplier = 1103515245;
-
 /// Combines the words of the elements that the buffer holds. Hashes are 32 bits wide.
 template <class WordOf>
 unsigned long HashArray(NxElements array, unsigned long count, int& error, WordOf word) {
@@ -26,7 +24,7 @@ unsigned long HashArray(NxElements array, unsigned long count, int& error, WordO
     h ^= word(array.Place());
     if (i + 1 < count && !array.Advance()) error = kPastBuffer;
   }
-  return h * kMultiplier;
+  return h * kHashMultiplier;
 }
 
 /// Integers hash as themselves, extended to 32 bits by their sign or with zeros.

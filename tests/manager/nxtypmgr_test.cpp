@@ -111,10 +111,10 @@ TEST(Records, PendingTypes) {
       if (slots[i] == illegal[i]) pending.insert(record->name);
   }
   const std::set<std::string> expected = {
-      "NxDate",       "NxTime",       "NxObjId",       "NxClassId",     "NxRef",           "NxBlob",
-      "NxDateTime",   "d_Date",       "d_Time",        "d_Timestamp",   "d_Interval",      "NxNull_char",
-      "NxNull_uchar", "NxNull_short", "NxNull_ushort", "NxNull_int",    "NxNull_unsigned", "NxNull_long",
-      "NxNull_ulong", "NxNull_float", "NxNull_double", "NxNull_NxInt64"};
+      "NxDate",       "NxTime",        "NxObjId",       "NxClassId",       "NxRef",       "NxDateTime",
+      "d_Date",       "d_Time",        "d_Timestamp",   "d_Interval",      "NxNull_char", "NxNull_uchar",
+      "NxNull_short", "NxNull_ushort", "NxNull_int",    "NxNull_unsigned", "NxNull_long", "NxNull_ulong",
+      "NxNull_float", "NxNull_double", "NxNull_NxInt64"};
   EXPECT_EQ(pending, expected);
 }
 

@@ -14,6 +14,7 @@
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "nxtyphash.h"
+#include "slots/nxelement.h"
 #include "strwild.h"
 
 namespace {
@@ -374,12 +375,6 @@ long StringOldCompare(unsigned char format, unsigned long len1, void* value1, un
 
 // ---------------------------------------------------------------------------
 // Hashing
-
-namespace {
-
-constexpr unsigned kHashMultiplier = 1103515245;
-
-}  // namespace
 
 unsigned long StringHashCommon(unsigned char format, unsigned long len, void* value, unsigned long count,
                                int& error, unsigned short oldForm) {
