@@ -2,8 +2,8 @@
 ///
 /// A print slot writes the text of one value and returns its output string; a scan
 /// slot reads one value and returns the value's address. Only char reads n: its
-/// values are printed and scanned as one text. 64-bit and seal prints append to the
-/// output, the others replace it. Null values print as
+/// values are printed and scanned as one text. 64-bit, seal and blob prints append to
+/// the output, the others replace it. Null values print as
 /// `NxTypeMgr::GetNullPrintString`, and input that begins with that text scans as null.
 ///
 /// Formats are those of the C library for the scalars and strings ("%s"). They are
@@ -13,7 +13,8 @@
 /// characters. A string of order values (code set 254) also takes "%1M" (without
 /// accents), "%2M" (as "%s"), "%3M" (descriptions) and "%4M" (ASCII pairs). For
 /// NxInt64: %S %d %i decimal, %o octal (prefix 0), %x %X hexadecimal (prefix 0x), null
-/// counting as "%S"; for NxBoolean and NxSeal: not read.
+/// counting as "%S"; for NxBlob: %L the length, any other character behind "%" that
+/// character; for NxBoolean and NxSeal: not read.
 #ifndef NXTYPFMT_H
 #define NXTYPFMT_H
 
@@ -29,13 +30,15 @@ extern NX_API const char* pSpecialDoubleFmt;
 NX_API NxSlot::Print CharPrintToNxString, ShortPrintToNxString, IntPrintToNxString, LongPrintToNxString,
     FloatPrintToNxString, DoublePrintToNxString, NxStringPrintToNxString, NxIStringPrintToNxString,
     NxCaseIStringPrintToNxString, Int64PrintToNxString, BooleanPrintToNxString, SealPrintToNxString,
-    DatePrintToNxString, TimePrintToNxString, DaTimePrintToNxString, NxIllegalPrintToNxString;
+    DatePrintToNxString, TimePrintToNxString, DaTimePrintToNxString, BlobPrintToNxString,
+    NxIllegalPrintToNxString;
 /// What the text does not supply stays as it was; Int64ScanFromNxString gives -1 for
-/// a text that does not fit the format.
+/// a text that does not fit the format. Of a blob the text says only that it is null.
 NX_API NxSlot::Scan CharScanFromNxString, ShortScanFromNxString, IntScanFromNxString, LongScanFromNxString,
     FloatScanFromNxString, DoubleScanFromNxString, NxStringScanFromNxString, NxIStringScanFromNxString,
     NxCaseIStringScanFromNxString, Int64ScanFromNxString, BooleanScanFromNxString, SealScanFromNxString,
-    DateScanFromNxString, TimeScanFromNxString, DaTimeScanFromNxString, NxIllegalScanFromNxString;
+    DateScanFromNxString, TimeScanFromNxString, DaTimeScanFromNxString, BlobScanFromNxString,
+    NxIllegalScanFromNxString;
 
 /// Each reads one value from text under the C scan format fmt and returns 0; len is
 /// not read. n matters to NxString only: the bytes of the scan buffer. Characters

@@ -59,8 +59,8 @@ NX_API int nxstrcmp(const char* a, const char* b, int n);
 NX_API int nxstrwild(const char* pattern, const char* text, int n);
 
 /// Matches a text against a pattern of "*", "?" and "\", which makes the next byte
-/// literal ("\n", "\r", "\t" are the control characters): 1 or 0. The part after the
-/// last "*" is matched where it occurs first: "*b" does not match "abb".
+/// literal ("\n", "\r", "\t" are the control characters): 1 or 0. A pattern that ends
+/// with a single "\" matches nothing that gets that far.
 NX_API int strwild(const char* pattern, const char* text);
 /// Position of the first "?", "*" or "\", or -1.
 NX_API int strwc(const char* pattern);

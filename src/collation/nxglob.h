@@ -3,11 +3,12 @@
 #ifndef NXGLOB_H
 #define NXGLOB_H
 
-/// What a literal byte of the pattern says of a byte of the text.
+/// What a character of the pattern says of the text at a place.
 enum NxLiteral {
-  kDiffers,    //
-  kMatches,    // one byte of the text
-  kMatchesAll  // the whole pattern counts as matched
+  kDiffers,     // no match from here
+  kMatches,     // one byte of the text
+  kMatchesAll,  // the whole pattern counts as matched
+  kFails        // no match from here or from further on
 };
 
 inline unsigned char NxByteAt(const char* p) { return static_cast<unsigned char>(*p); }
@@ -33,6 +34,27 @@ inline unsigned char NxEscaped(unsigned char c) {
   }
 }
 
+/// What the pattern at p, which is not at a star, says of the text at t. Moves p behind
+/// what it has read.
+template <class Bytes>
+NxLiteral NxTakeLiteral(const char*& p, const char* t, const Bytes& bytes) {
+  unsigned char c = bytes.OfPattern(NxByteAt(p));
+  if (c == 0) return *t == 0 ? kMatchesAll : kDiffers;
+  ++p;
+  if (c == '?') return bytes.QuestionEndsMatch() ? kMatchesAll : *t == 0 ? kFails : kMatches;
+  if (c == '\\') {
+    c = NxEscaped(bytes.OfPattern(NxByteAt(p)));
+    if (c == 0) return kFails;
+    ++p;
+  }
+  return *t == 0 ? kFails : bytes.Match(c, NxByteAt(t));
+}
+
+/// Whether the text matches the pattern. A star takes as little as it can; where what
+/// follows differs, the pattern's end before the text's included, the last star takes a
+/// byte more. The stars before it never need to: what stands between two stars leaves
+/// the most text where it occurs first. So no more bytes are compared than those of the
+/// pattern times those of the text.
 template <class Bytes>
 int NxGlob(const char* p, const char* t, const Bytes& bytes) {
   const char* afterStar = nullptr;
@@ -40,35 +62,25 @@ int NxGlob(const char* p, const char* t, const Bytes& bytes) {
   if (!p) p = "";
   if (!t) t = "";
   for (;;) {
-    unsigned char c = bytes.OfPattern(NxByteAt(p));
-    if (c == 0) return *t == 0;
-    ++p;
-    if (c == '*') {
-      if (*p == 0) return 1;
+    if (bytes.OfPattern(NxByteAt(p)) == '*') {
+      if (*++p == 0) return 1;
       afterStar = p;
       retry = t;
       continue;
     }
-    if (c == '?') {
-      if (bytes.QuestionEndsMatch()) return 1;
-      if (*t++ == 0) return 0;
-      continue;
+    switch (NxTakeLiteral(p, t, bytes)) {
+      case kMatches:
+        ++t;
+        break;
+      case kMatchesAll:
+        return 1;
+      case kFails:
+        return 0;
+      case kDiffers:
+        if (!afterStar) return 0;
+        p = afterStar;
+        t = ++retry;
     }
-    if (c == '\\') {
-      c = NxEscaped(bytes.OfPattern(NxByteAt(p)));
-      if (c == 0) return 0;
-      ++p;
-    }
-    if (*t == 0) return 0;  // the part behind a star finds even less text further on
-    const NxLiteral literal = bytes.Match(c, NxByteAt(t));
-    if (literal == kMatchesAll) return 1;
-    if (literal == kMatches) {
-      ++t;
-      continue;
-    }
-    if (!afterStar) return 0;
-    p = afterStar;
-    t = ++retry;
   }
 }
 

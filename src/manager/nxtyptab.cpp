@@ -25,18 +25,18 @@ constexpr unsigned int OwnsStorage(unsigned short size) { return size; }
 /// null state being left open: Made##Create, Class##Copy, Stored##Compare and so on. The
 /// scalars load by the function that stores them, so Load is given; and DefaultValue, which
 /// takes its prefix from either.
-#define NX_SLOTS_NAMED(Made, Class, Converted, Printed, Stored, load, defaultValue)                          \
+#define NX_SLOTS_NAMED(Made, Class, Translated, Converted, Printed, Stored, load, defaultValue)              \
   {                                                                                                          \
     nullptr, Made##Create, Made##Delete, Stored##Store, load, Stored##NullSizeGet, Stored##SizeGet,          \
         Stored##SizeGetFromMemFile, Stored##Compare, Stored##EvalAndBound, Stored##Hash,                     \
         Converted##ConvertToNxString, Converted##ConvertFromNxString, Class##Constructor, Class##Destructor, \
-        Class##Assignment, Class##Copy, Converted##Translate, NoIsNullDefined, nullptr, nullptr,             \
+        Class##Assignment, Class##Copy, Translated##Translate, NoIsNullDefined, nullptr, nullptr,            \
         Printed##PrintToNxString, Printed##ScanFromNxString, 0, defaultValue                                 \
   }
 
 /// The same for most types, which convert and print under the name of the class.
 #define NX_SLOTS(Made, Class, Stored, load, defaultValue) \
-  NX_SLOTS_NAMED(Made, Class, Class, Class, Stored, load, defaultValue)
+  NX_SLOTS_NAMED(Made, Class, Class, Class, Class, Stored, load, defaultValue)
 
 /// The slots of a class that has most of them as static members, its name, format, size and
 /// null state being left open.
@@ -197,14 +197,15 @@ NxTypeTab NxCaseIStringTab =
           "NxCaseIString", "%s", OwnsStorage(8));
 
 NxTypeTab NxDateTab =
-    Nullable(NX_SLOTS_NAMED(NxDate, NxDate, NxDate, Date, Date, DateLoad, NxDateDefaultValue), "NxDate",
-             "%a %e.%b %Y", Fixed(4), NxDateIsNull, NxDateSetNull);
+    Nullable(NX_SLOTS_NAMED(NxDate, NxDate, NxDate, NxDate, Date, Date, DateLoad, NxDateDefaultValue),
+             "NxDate", "%a %e.%b %Y", Fixed(4), NxDateIsNull, NxDateSetNull);
 NxTypeTab NxTimeTab =
-    Nullable(NX_SLOTS_NAMED(NxTime, NxTime, NxTime, Time, Time, TimeLoad, NxTimeDefaultValue), "NxTime",
-             "%I:%M:%S %p", Fixed(3), NxTimeIsNull, NxTimeSetNull);
-NxTypeTab NxDateTimeTab = Nullable(
-    NX_SLOTS_NAMED(NxDateTime, NxDateTime, DaTime, DaTime, DaTime, DaTimeLoad, NxDateTimeDefaultValue),
-    "NxDateTime", "%a %e.%b %Y %I:%M:%S %p", Fixed(8), NxDateTimeIsNull, NxDateTimeSetNull);
+    Nullable(NX_SLOTS_NAMED(NxTime, NxTime, NxTime, NxTime, Time, Time, TimeLoad, NxTimeDefaultValue),
+             "NxTime", "%I:%M:%S %p", Fixed(3), NxTimeIsNull, NxTimeSetNull);
+NxTypeTab NxDateTimeTab =
+    Nullable(NX_SLOTS_NAMED(NxDateTime, NxDateTime, DaTime, DaTime, DaTime, DaTime, DaTimeLoad,
+                            NxDateTimeDefaultValue),
+             "NxDateTime", "%a %e.%b %Y %I:%M:%S %p", Fixed(8), NxDateTimeIsNull, NxDateTimeSetNull);
 
 NxTypeTab Nxd_DateTab =
     Named(NX_SLOTS(d_Date, d_Date, d_Date, d_DateLoad, d_DateDefaultValue), "d_Date", "%a %b %e", Fixed(4));
@@ -230,7 +231,9 @@ NxTypeTab NxClassIdTab =
 NxTypeTab NxRefTab =
     Nullable(NX_MEMBER_SLOTS(NxRef), "NxRef", "(%D:%H-%L#%B, %C)", Fixed(20), NxRefIsNull, NxRefSetNull);
 
-NxTypeTab NxBlobTab = Pending("NxBlob", "[BLOB,len=%L]", OwnsStorage(4), NxBlobIsNull, NxBlobSetNull);
+NxTypeTab NxBlobTab =
+    Nullable(NX_SLOTS_NAMED(Blob, NxBlob, NxBlob, Blob, Blob, Blob, BlobLoad, NxBlobDefaultValue), "NxBlob",
+             "[BLOB,len=%L]", OwnsStorage(4), NxBlobIsNull, NxBlobSetNull);
 NxTypeTab NxNull_charTab = Pending("NxNull_char", "%c", Fixed(2), NxNull_charIsNull, NxNull_charSetNull);
 NxTypeTab NxNull_ucharTab = Pending("NxNull_uchar", "%c", Fixed(2), NxNull_ucharIsNull, NxNull_ucharSetNull);
 NxTypeTab NxNull_shortTab = Pending("NxNull_short", "%hd", Fixed(4), NxNull_shortIsNull, NxNull_shortSetNull);

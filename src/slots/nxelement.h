@@ -59,7 +59,8 @@ long NxCompareArrays(NxOperands arrays, unsigned long count, int& error, Compare
   return 0;
 }
 
-/// Embedded in hash indexes, never to change.
+/// What the combined words of an array are multiplied by to become its hash. Embedded in hash
+/// indexes, never to change.
 inline constexpr unsigned long kHashMultiplier = 1103515245;
 
 /// Combines the words of the elements that the buffer holds: word(p) makes one of the

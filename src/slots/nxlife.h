@@ -74,10 +74,11 @@ struct NxPlainValues {
   }
 };
 
-/// Objects that own storage; they stand aligned.
+/// Objects that own storage; they stand aligned. At a null place none is constructed.
 template <class T>
 struct NxObjectValues {
   static void Construct(void* place, unsigned long n) {
+    if (!place) return;
     auto* p = static_cast<T*>(place);
     for (unsigned long i = 0; i < n; ++i) new (p + i) T();
   }

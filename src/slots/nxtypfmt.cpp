@@ -10,6 +10,7 @@
 
 #include "base/nxalloc.h"
 #include "base/nxformat.h"
+#include "nxblob.h"
 #include "nxbool.h"
 #include "nxcistr.h"
 #include "nxint64.h"
@@ -392,5 +393,28 @@ NxString& SealPrintToNxString(NxString& out, void* value, const char* /*fmt*/, u
 
 void* SealScanFromNxString(void* value, NxString& in, const char* /*fmt*/, unsigned long /*n*/) {
   if (value) static_cast<NxSeal*>(value)->ScanFromNxString(NxScanText(in).String());
+  return value;
+}
+
+// ---------------------------------------------------------------------------
+// NxBlob
+
+NxString& BlobPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long /*n*/) {
+  const NxBlob& blob = *static_cast<NxBlob*>(value);
+  if (blob.IsNullValue()) return out += __NullPrintString;
+  if (!fmt) return out;
+  NxPieceWriter pieces(out);
+  for (; *fmt; ++fmt) {
+    const bool directive = *fmt == '%';
+    if (directive && *++fmt == 0) break;
+    char work[16] = {*fmt};
+    if (directive && *fmt == 'L') std::snprintf(work, sizeof work, "%ld", blob.Length());
+    pieces.Add(work);
+  }
+  return out;
+}
+
+void* BlobScanFromNxString(void* value, NxString& in, const char* /*fmt*/, unsigned long /*n*/) {
+  if (value && NxBeginsWithNullText(in)) static_cast<NxBlob*>(value)->SetNullValue();
   return value;
 }

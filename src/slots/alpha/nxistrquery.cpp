@@ -73,9 +73,14 @@ class AlphaComparison {
     for (;;) {
       const long result = CompareElement();
       if (--count == 0) return result;
-      // The way to the next element is checked whatever the result is.
+      // The way to the next element is checked whatever the result is, but the element
+      // itself is not looked at behind one that decides.
       if (!Advance(first_) || !Advance(second_)) error_ = kPastBuffer;
       if (result != 0 || error_ != 0) return result;
+      if (InMemory()) {
+        TakeText(first_);
+        TakeText(second_);
+      }
     }
   }
 
@@ -134,13 +139,12 @@ class AlphaComparison {
     return true;
   }
 
-  /// Moves to the next element; false when there is none to be read.
+  /// Moves to the next element; false when there is none to be read. In memory form its
+  /// text is still to be taken.
   bool Advance(Operand& operand) {
     if (InMemory()) {
-      if (--operand.objects == 0) return false;
       ++operand.value;
-      TakeText(operand);
-      return true;
+      return --operand.objects != 0;
     }
     const unsigned char* start = operand.rest.at;
     NxNextText(operand.rest);

@@ -394,6 +394,11 @@ TEST(AlphaCompare, Arrays) {
   EXPECT_EQ(Mgr().Cmp(kCaseI, 24, values, 7, patterns, 0, 1, 8, error), 0) << "no whole object";
   EXPECT_EQ(error, kPastBuffer);
   EXPECT_EQ(Mgr().Cmp(kCaseI, patterns + 2, values + 2, 0, 1, 8), 0) << "c matches C*";
+  char* const text = values[1]._pStr;
+  values[1]._pStr = reinterpret_cast<char*>(1);
+  EXPECT_LT(Mgr().Cmp(kCaseI, 24, values, 24, patterns + 2, 0, 2, 8, error), 0)
+      << "a decides, the rest is not read";
+  values[1]._pStr = text;
   error = 77;
   EXPECT_EQ(Mgr().Hash(kI, 0, values, 3, 8, error), 0UL);
   EXPECT_EQ(error, 77);

@@ -1,0 +1,329 @@
+// Blobs: every member against a model over random calls, failing allocations, and the
+// slots over sound and damaged images.
+
+#include "nxblob.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <climits>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "nxbase.h"
+#include "nxblobx.h"
+#include "nxconv.h"
+#include "nxstring.h"
+#include "nxtypcmp.h"
+#include "nxtypmgr.h"
+
+namespace {
+
+constexpr char kBlobTypeId = 18;
+
+using Model = std::optional<std::string>;  // without a value: null
+
+Model Content(const NxBlob& b) {
+  if (b.IsNullValue()) return std::nullopt;
+  return std::string(static_cast<const char*>(b.Seek(0, b.Length())), b.Length());
+}
+
+/// The bytes from pos on that there are, n at most.
+std::string Part(const Model& m, long pos, long n) {
+  if (!m || pos < 0 || pos > static_cast<long>(m->size()) || n < 1) return "";
+  return m->substr(pos, n);
+}
+
+TEST(Blob, MembersKeepToTheModel) {
+  std::mt19937 random(1);
+  const auto number = [&](long low, long high) {
+    return std::uniform_int_distribution<long>(low, high)(random);
+  };
+  for (int round = 0; round < 20'000; ++round) {
+    std::string bytes(number(0, 300), 0);
+    for (char& c : bytes) c = static_cast<char>(number(0, 2));
+    NxBlob b(bytes.data(), static_cast<long>(bytes.size()));
+    NxBlob other(bytes.data(), number(0, static_cast<long>(bytes.size())));
+    if (number(0, 9) == 0) b.SetNullValue();
+    if (number(0, 9) == 0) other.SetNullValue();
+    Model m = Content(b), o = Content(other);
+    const long length = b.Length();
+    const long pos = number(0, 15) ? number(-2, length + 2) : number(0, 1) ? LONG_MAX : LONG_MIN;
+    const long n = number(0, 15) ? number(-2, length + 2) : number(0, 1) ? LONG_MAX : LONG_MIN;
+    // What is put in may be the blob's own bytes.
+    const std::string own = Part(m, pos, n);
+    const void* p = b.Seek(pos, n);
+    EXPECT_EQ(p != nullptr, length != 0 && n != 0 && pos >= 0 && pos <= length && 0LL + pos + n <= length);
+    const long taken = p ? n : 0;
+    EXPECT_EQ(Content(b.CopyFrom(pos, n)), own);
+    EXPECT_EQ(b != other, !m || !o ? (m ? 2 : o ? -2 : 0) : (*m > *o) - (*m < *o));
+    EXPECT_EQ(b == other, m == o);
+    const std::size_t found = m ? m->find(own) : std::string::npos;
+    EXPECT_EQ(b.Search(b.CopyFrom(pos, n)), found == std::string::npos ? 65535 : found);
+    switch (number(0, 7)) {
+      case 0:
+        b.Append(p, taken);
+        if (p && n > 0) m = *m + own;
+        break;
+      case 1:
+        b.SetTo(p, taken);
+        m = p ? own : "";
+        break;
+      case 2:
+        b.Cut(pos, n);
+        if (!own.empty()) m->erase(static_cast<std::size_t>(pos), own.size());
+        break;
+      case 3: {
+        other.CopyTo(b, pos, n);
+        const std::string replaced = Part(o, pos, std::min(n, length));
+        if (!replaced.empty()) o->replace(pos, replaced.size(), *m, 0, replaced.size());
+        break;
+      }
+      case 4:
+        (b += b) += other;
+        if (m || (o && !o->empty())) m = m.value_or("") + m.value_or("") + o.value_or("");
+        break;
+      case 5:
+        if (n > 1000) break;
+        b.Expand(n);
+        if (n > length) std::memset(b.Seek(length, n - length), 0, n - length);
+        m = m.value_or("");
+        m->resize(std::max(n, 0L));
+        break;
+      case 6:
+        if (n < 0 || n > 1000) break;
+        b.Resize(n);
+        if (n > length) std::memset(b.Seek(length, n - length), 0, n - length);
+        m = m.value_or("");
+        m->resize(n);
+        break;
+      default:
+        b.Destroy(other);
+        m = o;
+        if (o) o = "";
+    }
+    ASSERT_EQ(Content(b), m) << round;
+    ASSERT_EQ(Content(other), o) << round;
+    NxBlob& self = b;
+    b = self;
+    b.Destroy(self);
+    other = b;
+    ASSERT_EQ(Content(other), m) << round;
+  }
+}
+
+TEST(Blob, ABufferShrinksInPlaceBy128AtMost) {
+  const std::string bytes(1000, 'x');
+  for (const auto& [length, stays] : {std::pair(1000, true), {872, true}, {871, false}, {1001, false}}) {
+    NxBlob b(1000L);
+    const void* place = b.Seek(0, 1);
+    NxBlob grown(2000L);
+    b.SetTo(grown.Seek(0, length), length);
+    EXPECT_EQ(b.Seek(0, 1) == place, stays) << length;
+  }
+}
+
+TEST(Blob, TextsAndNumbers) {
+  EXPECT_EQ(Content(NxBlob("abc")), std::string("abc", 4));
+  EXPECT_EQ(Content(NxBlob(static_cast<const char*>(nullptr))), "");
+  EXPECT_EQ(Content(NxBlob(NxString("ab"))), std::string("ab", 3));
+  EXPECT_EQ(Content(NxBlob(0x8000'0000UL)), std::string("2147483648", 11));
+  EXPECT_EQ(Content(NxBlob(short{-3})), std::string("-3", 3));
+  EXPECT_EQ(NxBlob(-1e308).Length(), 318);
+  EXPECT_EQ(static_cast<double>(NxBlob(2.5)), 2.5);
+  EXPECT_EQ(static_cast<int>(NxBlob(42)), 42);
+  EXPECT_EQ(static_cast<short>(NxBlob(65537)), 1);
+  EXPECT_EQ(static_cast<long>(NxBlob("12345", 3)), 123);  // no zero behind it
+  EXPECT_EQ(static_cast<double>(NxBlob("", 0)), 0.0);
+  const char counted[] = "\3\0\0\0abcd";
+  NxBlob b;
+  b = counted;
+  EXPECT_EQ(Content(b), "abc");
+  b = "\xFF\xFF\xFF\xFF";
+  EXPECT_TRUE(b.IsNullValue());
+  std::unique_ptr<NxBlobData> data(NxBlob::AllocData(7));
+  EXPECT_EQ(data->length, 8);
+}
+
+unsigned long refused;  // what the memory handler was called with
+
+/// Runs with no memory to be had beyond small pieces.
+void WithoutMemory(const std::function<void()>& run) {
+  refused = 0;
+  const NxMemoryHandler before = NxSetMemoryHandler([](unsigned long size) { refused = size; });
+  rlimit limit;
+  getrlimit(RLIMIT_AS, &limit);
+  const rlimit none = {0, limit.rlim_max};
+  setrlimit(RLIMIT_AS, &none);
+  run();
+  setrlimit(RLIMIT_AS, &limit);
+  NxSetMemoryHandler(before);
+}
+
+TEST(Blob, WithoutMemoryABlobStaysAsItWas) {
+  NxBlob b("abc"), null;
+  null.SetNullValue();
+  const auto expectRefused = [&](unsigned long size, const std::function<void()>& run) {
+    WithoutMemory(run);
+    EXPECT_EQ(refused, size);
+    EXPECT_EQ(Content(b), std::string("abc", 4));
+    EXPECT_TRUE(null.IsNullValue());
+  };
+  const long wide = LONG_MAX;
+  expectRefused(3'000'000'000UL, [&] { b.Resize(3'000'000'000UL); });
+  expectRefused(4UL + wide, [&] { b.Append("", wide); });
+  expectRefused(1UL + wide, [&] { delete NxBlob::AllocData(wide); });
+#ifndef __SANITIZE_ADDRESS__  // its allocator ends the process
+  const long large = 100'000'000;
+  const NxBlob source(large);
+  NxBlob shorter(source);
+  expectRefused(large, [&] { b = source; });
+  expectRefused(large, [&] { null = source; });
+  expectRefused(large, [&] { null.Resize(large); });
+  expectRefused(large, [&] { b.Expand(large); });
+  expectRefused(large + 4UL, [&] { b += source; });
+  expectRefused(large - 1, [&] { shorter.Cut(1, 1); });
+  EXPECT_EQ(shorter.Length(), large);
+#endif
+}
+
+// ---------------------------------------------------------------------------
+// Slots
+
+using Bytes = std::vector<unsigned char>;
+
+Bytes Image(const std::vector<NxBlob>& blobs, unsigned char format) {
+  const unsigned long n = blobs.size();
+  Bytes image(BlobSizeGet(blobs.data(), kFormatMemory, format, n));
+  EXPECT_EQ(BlobStore(image.data(), blobs.data(), format, n), static_cast<int>(image.size()));
+  return image;
+}
+
+std::vector<NxBlob> Blobs(std::initializer_list<Model> contents) {
+  std::vector<NxBlob> blobs;
+  for (const Model& m : contents) {
+    blobs.emplace_back(m ? m->data() : "", m ? static_cast<long>(m->size()) : 0);
+    if (!m) blobs.back().SetNullValue();
+  }
+  return blobs;
+}
+
+TEST(BlobSlots, ImagesInBothByteOrders) {
+  const auto blobs = Blobs({"\7\10\11", std::nullopt, ""});
+  EXPECT_EQ(Image(blobs, 1), (Bytes{15, 0, 0, 0, 3, 0, 0, 0, 7, 8, 9, 255, 255, 255, 255, 0, 0, 0, 0}));
+  EXPECT_EQ(Image(blobs, 2), (Bytes{0, 0, 0, 15, 0, 0, 0, 3, 7, 8, 9, 255, 255, 255, 255, 0, 0, 0, 0}));
+  for (unsigned char format : {1, 2, 0x82}) {
+    Bytes image = Image(blobs, format);
+    MemFile file(image.data(), image.size());
+    EXPECT_EQ(BlobSizeGetFromMemFile(&file, format, 3), 19);
+    EXPECT_EQ(BlobSizeGet(image.data(), format & 7, format, 3), 19);
+    auto loaded = Blobs({std::nullopt, "x", std::nullopt});
+    EXPECT_EQ(BlobLoad(loaded.data(), image.data(), format, 3), 19);
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(Content(loaded[i]), Content(blobs[i]));
+  }
+  unsigned char none[] = {255, 255, 255, 255};
+  EXPECT_EQ(BlobSizeGet(none, 1, 1, 1), 4);
+}
+
+/// BlobCompare of two images, each in a block of just its size.
+long Compare(const Bytes& a, const Bytes& b, unsigned long count, int& error, unsigned char format = 1) {
+  auto first = std::make_unique<unsigned char[]>(a.size());
+  auto second = std::make_unique<unsigned char[]>(b.size());
+  std::copy(a.begin(), a.end(), first.get());
+  std::copy(b.begin(), b.end(), second.get());
+  return BlobCompare(format, a.size(), first.get(), b.size(), second.get(), 0, count, error);
+}
+
+TEST(BlobSlots, ComparisonAndHash) {
+  const std::vector<Model> order = {std::nullopt, "", "\1\2", "\1\2\3", "\1\3", "\x80"};
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    for (std::size_t k = 0; k < order.size(); ++k) {
+      auto a = Blobs({"same", order[i], "x"}), b = Blobs({"same", order[k], "y"});
+      const long sign = i == k ? -1 : (i < k ? -1 : 1) * (i == 0 || k == 0 ? 2 : 1);
+      int error = 1;
+      EXPECT_EQ(BlobCompare(8, 0, a.data(), 0, b.data(), 0, 3, error), sign);
+      EXPECT_EQ(error, 0);
+      for (unsigned char format : {1, 2}) {
+        EXPECT_EQ(Compare(Image(a, format), Image(b, format), 3, error, format), sign);
+        EXPECT_EQ(error, 0);
+        EXPECT_EQ(Compare(Image(a, format), Image(b, format), 1, error, format), 0);
+      }
+    }
+  }
+  constexpr unsigned long kMultiplier = 1103515245;
+  auto two = Blobs({"abc", "abcdefg"});
+  Bytes image = Image(two, 2);
+  int error = 1;
+  EXPECT_EQ(BlobHash(8, 0, two.data(), 2, error), (3 ^ 7) * kMultiplier);
+  // The position passes the end behind the first: T is 18.
+  EXPECT_EQ(BlobHash(2, 0, image.data(), 2, error), 18 * kMultiplier);
+  image.insert(image.end(), {0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+  EXPECT_EQ(BlobHash(2, image.size(), image.data(), 2, error), ((4 + 18) ^ 6) * kMultiplier);
+  EXPECT_EQ(BlobHash(2, image.size(), image.data(), 0, error), 0UL);
+  EXPECT_EQ(error, 0);
+}
+
+TEST(BlobSlots, DamagedImagesAreReadAsFarAsTheyGo) {
+  const auto blobs = Blobs({"abcdef", std::nullopt, "xyz"});
+  for (unsigned char format : {1, 2}) {
+    const Bytes sound = Image(blobs, format);
+    int error = 0;
+    for (std::size_t size = 1; size < sound.size(); ++size) {
+      const Bytes cut(sound.begin(), sound.begin() + size);
+      EXPECT_EQ(Compare(cut, sound, 3, error, format), 0) << size;
+      EXPECT_EQ(error, kPastBuffer);
+      auto block = std::make_unique<unsigned char[]>(size);
+      std::copy(cut.begin(), cut.end(), block.get());
+      BlobHash(format, size, block.get(), 3, error);
+      EXPECT_EQ(error, kPastBuffer);
+      auto loaded = Blobs({"o", "l", "d"});
+      EXPECT_EQ(NxBlobTranslate(loaded.data(), 8, 12, block.get(), format, size, 3), static_cast<int>(size));
+      EXPECT_EQ(*Content(loaded[0]), std::string("abcdef").substr(0, size < 8 ? 0 : size - 8));
+      EXPECT_EQ(*Content(loaded[2]), std::string("xyz").substr(0, size < 22 ? 0 : size - 22));
+      Bytes stored(sound.size(), 0xA5);
+      NxBlobTranslate(stored.data(), format, size, const_cast<NxBlob*>(blobs.data()), 8, 12, 3);
+      EXPECT_EQ(Bytes(stored.begin(), stored.begin() + size), cut);
+      EXPECT_EQ(stored[size], 0xA5);
+    }
+    for (long length : {7L, 100'000L, LONG_MAX, LONG_MIN, -2L}) {
+      for (unsigned at : {0, 4}) {
+        Bytes damaged = sound;
+        LongStore(damaged.data() + at, &length, format, 1);
+        Compare(damaged, sound, 1, error, format);
+        EXPECT_EQ(error, at == 4 && length != 7 ? kPastBuffer : 0);
+        auto loaded = Blobs({"o", "l", "d"});
+        NxBlobTranslate(loaded.data(), 8, 12, damaged.data(), format, damaged.size(), 3);
+        if (at == 4 || length < 0) BlobLoad(loaded.data(), damaged.data(), format, 3);
+        for (const NxBlob& b : loaded) EXPECT_LE(b.Length(), 17);
+      }
+    }
+  }
+}
+
+TEST(BlobSlots, TextsAndNulls) {
+  NxTypeMgr mgr(5);
+  auto blobs = Blobs({std::string(300, 'x'), std::nullopt});
+  NxString out("> ");
+  EXPECT_EQ(mgr.PrintToNxString(kBlobTypeId, out, blobs.data(), nullptr, 2)
+                .Compare(NxString("> [BLOB,len=300],{NULL}")),
+            0);
+  EXPECT_EQ(mgr.PrintToNxString(kBlobTypeId, out = "", blobs.data(), "%%%x%L%", 1).Compare(NxString("%x300")),
+            0);
+  NxString some("x"), null("{NULL} and more");
+  mgr.ScanFromNxString(kBlobTypeId, blobs.data(), some, nullptr, 1);
+  EXPECT_EQ(blobs[0].Length(), 300);
+  NxTypeConvertData* texts = mgr.ConvertTo(kBlobTypeId, blobs.data(), 2);
+  auto* back = static_cast<NxBlob*>(mgr.ConvertFrom(kBlobTypeId, texts, 3));
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(back[i].IsNullValue(), i != 0);
+  mgr.Delete(kBlobTypeId, back, 3);
+  delete texts;
+  mgr.ScanFromNxString(kBlobTypeId, blobs.data(), null, nullptr, 1);
+  EXPECT_TRUE(blobs[0].IsNullValue());
+}
+
+}  // namespace
