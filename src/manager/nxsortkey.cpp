@@ -33,6 +33,8 @@ bool IsInMemory(unsigned char format) { return (format & kFormatCodeMask) == kFo
 /// How a field of an image orders.
 enum class Kind : unsigned char { kNone, kSigned, kUnsigned, kFloating, kBoolean, kNullFlag, kNullClass };
 
+constexpr unsigned kAllFields = 10;  // more than any type has
+
 /// Bytes of an image under format code 1, in which they stand low byte first.
 struct Field {
   Kind kind = Kind::kNone;
@@ -42,7 +44,7 @@ struct Field {
 
 /// The fields that decide the order of a type, the first one first.
 struct FieldOrder {
-  Field fields[10];
+  Field fields[kAllFields];
 };
 
 constexpr FieldOrder Number(Kind kind, unsigned char width) { return {{{kind, 0, width}}}; }
@@ -146,7 +148,8 @@ class PlainImage {
 };
 
 /// The first `n` of the fields that decide.
-void WriteFields(const FieldOrder& order, const PlainImage& image, NxKeyWriter& key, unsigned n = 10) {
+void WriteFields(const FieldOrder& order, const PlainImage& image, NxKeyWriter& key,
+                 unsigned n = kAllFields) {
   for (const Field& field : order.fields) {
     if (field.kind == Kind::kNone || n-- == 0) return;
     const unsigned char* const bytes = image.bytes + field.offset;
@@ -408,22 +411,23 @@ bool BoundAlpha(char typeId, const AlphaText& term, RangeMaker& maker) {
   return maker.ByPrefix(whole, RaisePrefix);
 }
 
-/// Fields of a date term before the first that stands for any: all of them without one.
+/// Fields of a term that begins with a date, before the first that stands for any.
 unsigned FieldsBeforeWildcard(const PlainImage& term) {
   if (term.bytes[0] == kNullDateField && term.bytes[1] == kNullDateField) return 0;
   if (term.bytes[2] == kNullDateField) return 1;
-  return term.bytes[3] == kNullDateField ? 2 : 3;
+  return term.bytes[3] == kNullDateField ? 2 : kAllFields;
 }
 
 bool BoundFields(char typeId, const PlainImage& term, RangeMaker& maker) {
   constexpr char kDateTypeId = 12;
   constexpr char kStandardDateTypeId = 22;
+  constexpr char kTimestampTypeId = 24;
   const FieldOrder& order = *FieldOrderOf(typeId);
-  const bool isDate = typeId == kDateTypeId || typeId == kStandardDateTypeId;
-  const unsigned fields = isDate && !maker.Has(kWildcardsOff) ? FieldsBeforeWildcard(term) : 10;
+  const bool isDate = typeId == kDateTypeId || typeId == kStandardDateTypeId || typeId == kTimestampTypeId;
+  const unsigned fields = isDate && !maker.Has(kWildcardsOff) ? FieldsBeforeWildcard(term) : kAllFields;
   const auto write = [&](NxKeyWriter& key) { WriteFields(order, term, key, fields); };
   if (fields == 0) return true;
-  return isDate && fields < 3 ? maker.ByPrefix(write, RaisePrefix) : maker.Exact(write);
+  return fields < kAllFields ? maker.ByPrefix(write, RaisePrefix) : maker.Exact(write);
 }
 
 }  // namespace
