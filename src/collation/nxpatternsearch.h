@@ -51,7 +51,7 @@ struct NxExpandingCursor {
 };
 
 enum class NxMatch {
-  kMatches,   // the text matches the pattern
+  kMatches,   // the text matches the whole pattern
   kDiffers,   // it does not; the search has the difference
   kUnsuited,  // there are characters that the cursors cannot read
   kNextStar,  // a part of the pattern matches, up to the next star
@@ -91,54 +91,50 @@ class NxPatternSearch {
   int Difference() const { return difference_; }
 
  private:
-  NxMatch FindPart(Cursor& text, Cursor& part);
-  NxMatch MatchHere(Cursor& text, Cursor& part);
+  /// Takes both cursors behind the part that begins at `part`.
+  NxMatch FindPart(Cursor& text, Cursor& part) {
+    const unsigned wanted = part.Key(rule_.pattern);
+    const unsigned mask = part.Order(rule_.pattern) == rule_.question ? 0 : rule_.mask;
+    for (Cursor begin = text;; begin.Next(rule_.text)) {
+      unsigned key;
+      while (key = begin.Key(rule_.text),
+             ((key ^ wanted) & mask) != 0 && key != 0 && !(key & NxOrderTable::kNeedsIterator))
+        begin.Next(rule_.text);
+      text = begin;
+      Cursor pattern = part;
+      const NxMatch match = MatchHere(text, pattern);
+      if (match == NxMatch::kNotHere) continue;
+      part = pattern;
+      return match;
+    }
+  }
+
+  NxMatch MatchHere(Cursor& text, Cursor& part) {
+    for (;; text.Next(rule_.text), part.Next(rule_.pattern)) {
+      const unsigned key0 = text.Key(rule_.text);
+      const unsigned key1 = part.Key(rule_.pattern);
+      if ((key0 | key1) & NxOrderTable::kNeedsIterator) return NxMatch::kUnsuited;
+      const unsigned short order = part.Order(rule_.pattern);
+      if (order == rule_.asterisk) return NxMatch::kNextStar;
+      if (key0 == 0) {
+        if (key1 == 0) return NxMatch::kMatches;
+        // This is the earliest place from which the text goes along with the pattern.
+        difference_ = order == rule_.question ? -1 : NxLevels::OfBaseLetters(0, key1 & ~NxOrderTable::kMarks);
+        return NxMatch::kDiffers;
+      }
+      if (order != rule_.question && ((key0 ^ key1) & rule_.mask) != 0) return NxMatch::kNotHere;
+    }
+  }
 
   const NxMatchRule rule_;
   int difference_ = 0;
 };
 
-/// Takes both cursors behind the part that begins at `part`.
-template <class Cursor>
-NxMatch NxPatternSearch<Cursor>::FindPart(Cursor& text, Cursor& part) {
-  const unsigned wanted = part.Key(rule_.pattern);
-  const unsigned mask = part.Order(rule_.pattern) == rule_.question ? 0 : rule_.mask;
-  for (Cursor begin = text;; begin.Next(rule_.text)) {
-    unsigned key;
-    while (key = begin.Key(rule_.text),
-           ((key ^ wanted) & mask) != 0 && key != 0 && !(key & NxOrderTable::kNeedsIterator))
-      begin.Next(rule_.text);
-    text = begin;
-    Cursor pattern = part;
-    const NxMatch match = MatchHere(text, pattern);
-    if (match == NxMatch::kNotHere) continue;
-    part = pattern;
-    return match;
-  }
-}
-
-template <class Cursor>
-NxMatch NxPatternSearch<Cursor>::MatchHere(Cursor& text, Cursor& part) {
-  for (;; text.Next(rule_.text), part.Next(rule_.pattern)) {
-    const unsigned key0 = text.Key(rule_.text);
-    const unsigned key1 = part.Key(rule_.pattern);
-    if ((key0 | key1) & NxOrderTable::kNeedsIterator) return NxMatch::kUnsuited;
-    const unsigned short order = part.Order(rule_.pattern);
-    if (order == rule_.asterisk) return NxMatch::kNextStar;
-    if (key0 == 0) {
-      if (key1 == 0) return NxMatch::kMatches;
-      // This is the earliest place from which the text goes along with the pattern.
-      difference_ = order == rule_.question ? -1 : NxLevels::OfBaseLetters(0, key1 & ~NxOrderTable::kMarks);
-      return NxMatch::kDiffers;
-    }
-    if (order != rule_.question && ((key0 ^ key1) & rule_.mask) != 0) return NxMatch::kNotHere;
-  }
-}
-
 /// Matches the text from p on against the pattern from the star at q on; kMatches,
 /// kDiffers with the difference, or kUnsuited.
 template <class Unit>
-NxMatch NxMatchFromStar(const NxMatchRule& rule, const char* p, const char* q, int& difference) {
+[[gnu::always_inline]] inline NxMatch NxMatchFromStar(const NxMatchRule& rule, const char* p, const char* q,
+                                                      int& difference) {
   const auto search = [&](auto text, auto pattern) {
     NxPatternSearch<decltype(text)> search(rule);
     const NxMatch match = search.Run(text, pattern);

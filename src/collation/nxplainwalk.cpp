@@ -31,24 +31,24 @@ int WalkAndCompare(const NxComparison& c, const NxTables& tables, unsigned same)
                          c.second.text + same * sizeof(Unit), left, c.op);
   if (walk.Run() == NxVerdict::kDecided) return walk.Result();
 
-  ProcessCharInfo levels({walk.p_, c.first.codeSet, c.first.language, c.byteOrder, tables.first},
-                         {walk.q_, c.second.codeSet, c.second.language, c.byteOrder, tables.second}, c.op,
+  ProcessCharInfo levels({walk.first, c.first.codeSet, c.first.language, c.byteOrder, tables.first},
+                         {walk.second, c.second.codeSet, c.second.language, c.byteOrder, tables.second}, c.op,
                          c.len, c.outPos);
   levels.first.count = levels.second.count =
-      static_cast<unsigned>(walk.p_ - c.first.text) / static_cast<unsigned>(sizeof(Unit));
+      static_cast<unsigned>(walk.first - c.first.text) / static_cast<unsigned>(sizeof(Unit));
   for (;;) {
-    levels.levels.ReturnTo(walk.levels_);
+    levels.levels.ReturnTo(walk.levels);
     if (levels.Round()) return levels.Result();
     if (c.len != kWholeText || levels.IsStarPending()) return levels.Run();
-    walk.levels_ = levels.levels;
+    walk.levels = levels.levels;
     if (!StandsInText(levels)) continue;
     const char* const before = levels.first.reader.it._pPos;
-    walk.p_ = before;
-    walk.q_ = levels.second.reader.it._pPos;
+    walk.first = before;
+    walk.second = levels.second.reader.it._pPos;
     if (walk.Run() == NxVerdict::kDecided) return walk.Result();
-    if (walk.p_ == before) continue;
-    MoveTo<Unit>(levels.first, walk.p_, *tables.first);
-    MoveTo<Unit>(levels.second, walk.q_, *tables.second);
+    if (walk.first == before) continue;
+    MoveTo<Unit>(levels.first, walk.first, *tables.first);
+    MoveTo<Unit>(levels.second, walk.second, *tables.second);
   }
 }
 
