@@ -1,15 +1,12 @@
-// The comparison of two index keys of texts without copy and iterator: an ordered index
-// calls it for every step of every search. It holds to the level comparison, which
-// takes whatever does not fit here.
+// The level rule over two index keys.
 
 #include "collation/nxstrcmpkeys.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "base/nxstored.h"
-#include "collation/nxstrcmp.h"
-#include "ord2str.h"
+#include "collation/nxordertable.h"
+#include "nxstring.h"
 
 namespace {
 
@@ -21,14 +18,13 @@ struct KeyText {
 
 template <bool kBigEndian>
 unsigned UnitAt(const char* units, unsigned index) {
-  const unsigned unit = NxUnitAt<unsigned short>(units + 2 * index);
-  return kBigEndian ? (unit >> 8 | (unit & 0xFF) << 8) : unit;
+  return NxReadShort(units + 2 * index, kBigEndian ? kFormatBigEndian : kFormatNative);
 }
 
 template <bool kBigEndian>
 KeyText TextOf(const char* image) {
-  const unsigned n = UnitAt<kBigEndian>(image, 0);
-  return {image + NxStoredString::kHeadSize, (n - static_cast<unsigned>(NxStoredString::kEmptyLength)) / 2};
+  const unsigned n = UnitAt<kBigEndian>(image, 0);  // a key begins with its length
+  return {NxStoredString::TextOf(image), (n - static_cast<unsigned>(NxStoredString::kEmptyLength)) / 2};
 }
 
 /// The levels of two keys of one alphabetic selector.
@@ -41,8 +37,8 @@ class KeyWalk {
         selector_(static_cast<unsigned char>(selector)),
         options_(options) {}
 
-  /// False when there is a wildcard in the second key.
-  bool Compare(long& result);
+  /// kDecided; kUnsuited when there is a wildcard in the second key.
+  NxVerdict Compare(long& result);
 
  private:
   struct Side {
@@ -92,9 +88,8 @@ template <bool kBigEndian>
 inline bool KeyWalk<kBigEndian>::Read(Side& side) const {
   for (;;) {
     side.order = side.Next();
-    if (side.order == 0 || side.order >= kFirstDigitOrder) return false;
-    const unsigned skipped = side.order < kFirstSymbolOrder ? kSkipSpaces : kSkipSymbols;
-    if ((options_ & skipped) && !(&side == &b_ && IsWildcard(side.order))) continue;
+    if (!NxLevels::IsIgnorable(side.order, selector_)) return false;
+    if (NxLevels::IsSkipped(side.order, options_) && !(&side == &b_ && IsWildcard(side.order))) continue;
     side.ignorable = side.order;
     return true;
   }
@@ -117,71 +112,61 @@ inline bool KeyWalk<kBigEndian>::ReadSignificant() {
 }
 
 template <bool kBigEndian>
-bool KeyWalk<kBigEndian>::Compare(long& result) {
-  int accent = 0;
-  int letterCase = 0;
-  int ignorable = 0;
+NxVerdict KeyWalk<kBigEndian>::Compare(long& result) {
+  NxLevels levels;
   do {
     PassEqual();
-    if (!ReadSignificant()) return false;
-    const unsigned k0 = NxCompareKey(static_cast<unsigned short>(a_.order), selector_);
-    const unsigned k1 = NxCompareKey(static_cast<unsigned short>(b_.order), selector_);
-    result = NxPrimaryDifference(k0, k1);
-    if (result != 0) return true;
-    if (letterCase == 0) letterCase = NxCaseDifference(k0, k1);
-    if (const int difference = NxAccentDifference(k0, k1)) accent = difference;
-    if (stepIgnorable_ != 0) ignorable = stepIgnorable_;
+    if (!ReadSignificant()) return NxVerdict::kUnsuited;
+    const unsigned key0 = NxCompareKey(static_cast<unsigned short>(a_.order), selector_);
+    const unsigned key1 = NxCompareKey(static_cast<unsigned short>(b_.order), selector_);
+    result = NxLevels::OfBaseLetters(key0, key1);
+    if (result != 0) return NxVerdict::kDecided;
+    levels.TakePair(key0, key1);
+    levels.TakeIgnorables(stepIgnorable_);
   } while (a_.order != 0 && b_.order != 0);
-  if (accent != 0 && !(options_ & kIgnoreAccents)) {
-    result = accent;
-  } else if (letterCase != 0 && !(options_ & kIgnoreCase)) {
-    result = letterCase;
-  } else {
-    result = ignorable;
-  }
-  return true;
+  result = levels.Result(options_);
+  return NxVerdict::kDecided;
 }
 
 template <bool kBigEndian>
-bool Compare(const char* image1, const char* image2, unsigned selector, unsigned short options,
-             long& result) {
+NxVerdict Compare(const char* image1, const char* image2, unsigned selector, unsigned short options,
+                  long& result) {
   return KeyWalk<kBigEndian>(TextOf<kBigEndian>(image1), TextOf<kBigEndian>(image2), selector, options)
       .Compare(result);
-}
-
-bool IsAlphabetic(unsigned kind) {
-  const unsigned selector = kind >> 8;
-  return (kind & 0xFF) == kCodeSetOrderValues && selector != kLanguageNone && selector < kPlainOrderSelector;
 }
 
 constexpr unsigned kCutMark = kMixedCollation << 8;  // in code set and language, read as one
 
 }  // namespace
 
-bool NxCompareKeys(const char* image1, const char* image2, unsigned char format, unsigned short options,
-                   long& result, int& error) {
+NxVerdict NxCompareKeys(const char* image1, const char* image2, unsigned char format, unsigned short options,
+                        long& result, int& error) {
   const bool bigEndian = (format & kFormatCodeMask) == kFormatBigEndian;
-  const unsigned kind1 = NxUnitAt<unsigned short>(image1 + 2);
-  const unsigned kind2 = NxUnitAt<unsigned short>(image2 + 2);
+  const unsigned kind1 = NxStoredString::KindOf(image1);
+  const unsigned kind2 = NxStoredString::KindOf(image2);
   const bool halfUnit = ((image1[bigEndian] | image2[bigEndian]) & 1) != 0;  // of the lengths' low bytes
-  if (((kind1 ^ kind2) & ~kCutMark) != 0 || !IsAlphabetic(kind1 & ~kCutMark) || halfUnit) return false;
-  if (options & kOrderValuesOnly) return false;
+  if (((kind1 ^ kind2) & ~kCutMark) != 0 || !NxIsAlphabeticKey(kind1 & ~kCutMark) || halfUnit)
+    return NxVerdict::kUnsuited;
+  if (options & kOrderValuesOnly) return NxVerdict::kUnsuited;
   if (!(options & kWildcardsOff) && ((kind2 & kCutMark) || !NxOrderTable::WildcardsAreSymbols()))
-    return false;
+    return NxVerdict::kUnsuited;
   const unsigned selector = (kind1 & ~kCutMark) >> 8;
   error = (kind1 | kind2) & kCutMark ? kPastBuffer : 0;
   return bigEndian ? Compare<true>(image1, image2, selector, options, result)
                    : Compare<false>(image1, image2, selector, options, result);
 }
 
-long NxCompareEnds(const char* image1, const char* image2, unsigned n1, unsigned n2) {
+NxVerdict NxCompareEnds(const char* image1, const char* image2, unsigned n1, unsigned n2, long& result) {
   const bool firstIsLonger = n1 > n2;
   const unsigned n = std::min(n1, n2);
-  if (n < NxStoredString::kEmptyLength || ((n1 | n2) & 1) != 0) return kBasesDoNotDecide;
-  if (n1 == n2) return std::memcmp(image1, image2, n) == 0 ? 0 : kBasesDoNotDecide;
-  const unsigned unit = NxWordAt(firstIsLonger ? image1 : image2, n);
-  if (unit < kFirstDigitOrder) return kBasesDoNotDecide;
-  const unsigned char selector = static_cast<unsigned char>(image1[3]);
-  const unsigned key = NxCompareKey(static_cast<unsigned short>(unit), selector);
-  return firstIsLonger ? NxPrimaryDifference(key, 0) : NxPrimaryDifference(0, key);
+  if (n < NxStoredString::kEmptyLength || ((n1 | n2) & 1) != 0) return NxVerdict::kUnsuited;
+  if (n1 == n2) {
+    result = 0;
+    return std::memcmp(image1, image2, n) == 0 ? NxVerdict::kDecided : NxVerdict::kUnsuited;
+  }
+  const auto unit = NxUnitAt<unsigned short>((firstIsLonger ? image1 : image2) + n);
+  if (unit < kFirstDigitOrder) return NxVerdict::kUnsuited;
+  const unsigned key = NxCompareKey(unit, NxStoredString::LanguageOf(image1));
+  result = firstIsLonger ? NxLevels::OfBaseLetters(key, 0) : NxLevels::OfBaseLetters(0, key);
+  return NxVerdict::kDecided;
 }

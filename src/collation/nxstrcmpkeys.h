@@ -1,20 +1,18 @@
-// The comparison of index keys of texts where they lie in their buffers: an ordered
-// index calls it for every step of every search.
+// The comparison of index keys of texts where they lie in their buffers, without copy and
+// iterator: an ordered index calls it for every step of every search. A key is a stored
+// image (nxstored.h) whose text is the order values of a string and whose language byte
+// is their collation selector.
 #ifndef NXSTRCMPKEYS_H
 #define NXSTRCMPKEYS_H
 
 #include <emmintrin.h>
 
 #include <algorithm>
-#include <climits>
 
 #include "base/nxstored.h"
-#include "collation/nxstrcmp.h"
+#include "collation/nxlevels.h"
 #include "ord2str.h"
-
-/// What NxCompareBases answers where base letters do not decide. No difference of two
-/// order values is as large.
-inline constexpr long kBasesDoNotDecide = LONG_MIN;
+#include "text/nxchartext.h"
 
 /// Whether code set (low byte) and language are those of a key in alphabetic order that
 /// does not stop short of its text.
@@ -23,12 +21,9 @@ inline bool NxIsAlphabeticKey(unsigned kind) {
   return ((kind - kFirst) & 0xFF) == 0 && kind - kFirst <= (kPlainOrderSelector - 2u) << 8;
 }
 
-inline unsigned NxWordAt(const char* image, unsigned at) { return NxUnitAt<unsigned short>(image + at); }
-
 /// The base of a letter, which case and accent do not change; any other unit itself.
 inline unsigned NxBaseOf(unsigned unit) {
-  const bool letter = (unit & 0xC000) == kFirstLetterOrder;
-  return letter ? unit & ~(kOrderCaseMask | kOrderAccentMask) : unit;
+  return NxIsLetterOrder(unit) ? unit & ~(kOrderCaseMask | kOrderAccentMask) : unit;
 }
 
 /// The first unit of two keys that is not the same letter on both sides, as far as whole
@@ -57,41 +52,45 @@ inline unsigned NxSameLetters(const char* image1, const char* image2, unsigned e
 }
 
 /// NxCompareBases of keys that have the same letters up to the end of one of them, with
-/// their lengths.
-long NxCompareEnds(const char* image1, const char* image2, unsigned n1, unsigned n2);
+/// their length fields.
+NxVerdict NxCompareEnds(const char* image1, const char* image2, unsigned n1, unsigned n2, long& result);
 
-/// Compares two keys of format code 1 without wildcards by their base letters: the
-/// result of StringCompare, or kBasesDoNotDecide also for images that are no whole keys
+/// Compares two keys of format code 1 without wildcards by their base letters. kDecided
+/// with what StringCompare answers, or kUnsuited, also for images that are no whole keys
 /// of one selector in alphabetic order. Lengths are in bytes.
 ///
 /// Every instruction counts here: a search waits for memory at each of its steps, and
 /// goes ahead with the next ones meanwhile as far as the processor looks.
-inline long NxCompareBases(const char* image1, unsigned long length1, const char* image2,
-                           unsigned long length2) {
-  if (length1 < NxStoredString::kEmptySize || length2 < NxStoredString::kEmptySize) return kBasesDoNotDecide;
-  const unsigned n1 = NxWordAt(image1, 0);
-  const unsigned n2 = NxWordAt(image2, 0);
-  const unsigned kind = NxWordAt(image1, 2);
-  if (n1 + 2 > length1 || n2 + 2 > length2 || kind != NxWordAt(image2, 2)) return kBasesDoNotDecide;
-  if (!NxIsAlphabeticKey(kind)) return kBasesDoNotDecide;
+inline NxVerdict NxCompareBases(const char* image1, unsigned long length1, const char* image2,
+                                unsigned long length2, long& result) {
+  if (length1 < NxStoredString::kEmptySize || length2 < NxStoredString::kEmptySize)
+    return NxVerdict::kUnsuited;
+  const unsigned n1 = NxStoredString::LengthOf(image1, kFormatNative);
+  const unsigned n2 = NxStoredString::LengthOf(image2, kFormatNative);
+  const unsigned kind = NxStoredString::KindOf(image1);
+  if (n1 + NxStoredString::kLengthSize > length1 || n2 + NxStoredString::kLengthSize > length2)
+    return NxVerdict::kUnsuited;
+  if (kind != NxStoredString::KindOf(image2) || !NxIsAlphabeticKey(kind)) return NxVerdict::kUnsuited;
   const unsigned n = std::min(n1, n2) & ~1u;
-  for (unsigned at = NxSameLetters(image1, image2, n + 2); at < n; at += 2) {
-    const unsigned unit1 = NxWordAt(image1, at);
-    const unsigned unit2 = NxWordAt(image2, at);
+  for (unsigned at = NxSameLetters(image1, image2, n + NxStoredString::kLengthSize); at < n; at += 2) {
+    const unsigned unit1 = NxUnitAt<unsigned short>(image1 + at);
+    const unsigned unit2 = NxUnitAt<unsigned short>(image2 + at);
     const int difference = static_cast<int>(NxBaseOf(unit1) - NxBaseOf(unit2));
     if (difference == 0 && unit1 != 0) continue;
     // Equal symbols and spaces before differ in nothing as none follows on either side.
-    const bool significant = unit1 >= kFirstDigitOrder && unit2 >= kFirstDigitOrder;
-    return significant ? difference * 256L : kBasesDoNotDecide;
+    if (unit1 < kFirstDigitOrder || unit2 < kFirstDigitOrder) return NxVerdict::kUnsuited;
+    constexpr long kOrderInKey = 256;  // an order value stands above the lowest byte of a compare key
+    result = difference * kOrderInKey;
+    return NxVerdict::kDecided;
   }
-  return NxCompareEnds(image1, image2, n1, n2);
+  return NxCompareEnds(image1, image2, n1, n2, result);
 }
 
 /// Compares two images of order-value text as StringCompare does. The images are whole
-/// current ones, and lie whole in their buffers. False, with `result` unset, where it
-/// cannot serve: other code sets, keys of different selectors or in plain order,
-/// wildcards in the second, order values alone.
-bool NxCompareKeys(const char* image1, const char* image2, unsigned char format, unsigned short options,
-                   long& result, int& error);
+/// current ones, and lie whole in their buffers. kDecided, or kUnsuited with `result` as
+/// it was: for other code sets, keys of different selectors or in plain order, wildcards
+/// in the second, order values alone.
+NxVerdict NxCompareKeys(const char* image1, const char* image2, unsigned char format, unsigned short options,
+                        long& result, int& error);
 
 #endif

@@ -4,7 +4,8 @@
 
 #include <cstdlib>
 
-#include "collation/nxstrcmp.h"
+#include "collation/nxlevels.h"
+#include "collation/nxordertable.h"
 #include "nxchar.h"
 #include "nxwchar.h"
 #include "strwild.h"
@@ -84,7 +85,7 @@ class MatchStart {
     const NxOrderTable::Entry* entry = EntryAt(text);
     if (!entry) return true;
     if (entry->key & NxOrderTable::kNotPlain) return !IsIgnorable(*entry) || IsSkipped(*entry);
-    return NxPrimaryDifference(entry->key, key_) == 0;
+    return NxLevels::OfBaseLetters(entry->key, key_) == 0;
   }
 
   /// Skipped characters that the text begins with: from each of them a comparison of
@@ -114,11 +115,9 @@ class MatchStart {
   }
 
   static bool IsIgnorable(const NxOrderTable::Entry& entry) {
-    return entry.order != 0 && entry.order < kFirstDigitOrder && entry.selector < kPlainOrderSelector;
+    return NxLevels::IsIgnorable(entry.order, entry.selector);
   }
-  bool IsSkipped(const NxOrderTable::Entry& entry) const {
-    return (op_ & (entry.order < kFirstSymbolOrder ? kSkipSpaces : kSkipSymbols)) != 0;
-  }
+  bool IsSkipped(const NxOrderTable::Entry& entry) const { return NxLevels::IsSkipped(entry.order, op_); }
 
   const unsigned short op_;
   const bool wide_;

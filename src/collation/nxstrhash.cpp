@@ -1,7 +1,9 @@
 // What is computed of a text's order values beside comparison: the place of its first
 // wildcard, its hashes, and its place on a numeric scale.
 
-#include "collation/nxstrcmp.h"
+#include <limits>
+
+#include "collation/nxordertable.h"
 #include "nxstring.h"
 #include "ord2str.h"
 #include "strwild.h"
@@ -26,7 +28,8 @@ int FirstWildcardByte(const char* text, bool asteriskOnly, unsigned limit) {
 
 int NxStrWild(unsigned char cs, unsigned char lang, const char* text, unsigned short asteriskOnly, short len,
               short* bytePos, unsigned char byteOrder) {
-  const unsigned limit = len == -1 ? ProcessCharInfo::kNoLimit : static_cast<unsigned short>(len);
+  constexpr unsigned kNoLimit = std::numeric_limits<unsigned>::max();
+  const unsigned limit = len == -1 ? kNoLimit : static_cast<unsigned short>(len);
   if (cs == kCodeSetNone) {
     const int position = FirstWildcardByte(text, asteriskOnly != 0, limit);
     if (bytePos) *bytePos = static_cast<short>(position);

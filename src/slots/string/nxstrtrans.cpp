@@ -8,7 +8,7 @@
 #include "base/nxalloc.h"
 #include "base/nxclosedcopy.h"
 #include "base/nxstored.h"
-#include "collation/nxstrcmp.h"
+#include "collation/nxordertable.h"
 #include "nxbase.h"
 #include "nxlang.h"
 #include "nxstring.h"

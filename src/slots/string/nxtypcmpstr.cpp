@@ -7,6 +7,7 @@
 
 #include "base/nxclosedcopy.h"
 #include "base/nxstored.h"
+#include "collation/nxplainbytes.h"
 #include "collation/nxstrcmp.h"
 #include "collation/nxstrcmpkeys.h"
 #include "nxlang.h"
@@ -282,20 +283,31 @@ bool IsWhole(const char* image, unsigned long length, unsigned char format) {
   return NxUnitAt<unsigned short>(image + n) == NxStoredString::kTrailer;
 }
 
-/// The table by which two of them can be compared as NxCompareAlike does, or null.
-const NxOrderTable* TableOfBoth(const char* a, const char* b, unsigned short options) {
-  constexpr unsigned kNoTable = 0xFF & ~(NxOrderTable::kCodeSets - 1);
-  const unsigned kind = NxStoredString::KindOf(a);
-  const unsigned unlike =
-      (kind ^ NxStoredString::KindOf(b)) | (kind & kNoTable) | (options & kOrderValuesOnly);
-  if (unlike != 0 || !NxOrderTable::WildcardsAreSymbols()) return nullptr;
-  return NxOrderTable::FindBuilt(static_cast<unsigned char>(kind), static_cast<unsigned char>(kind >> 8));
-}
-
-/// NxStrCmp of the texts of two of them, of 8-bit code sets.
-long CompareWhole(const char* a, const char* b, unsigned short options, unsigned char format) {
-  return NxStrCmpAny(a[2], a[3], a + NxStoredString::kHeadSize, b[2], b[3], b + NxStoredString::kHeadSize,
-                     options, -1, format & kFormatCodeMask, nullptr);
+/// Compares two of them; kUnsuited for texts that must be taken out first.
+NxVerdict CompareWhole(const char* a, const char* b, unsigned short options, unsigned char format,
+                       long& result, int& error) {
+  const unsigned char codeSet1 = NxStoredString::CodeSetOf(a);
+  const unsigned char codeSet2 = NxStoredString::CodeSetOf(b);
+  const unsigned char language1 = NxStoredString::LanguageOf(a);
+  const unsigned char language2 = NxStoredString::LanguageOf(b);
+  const char* const text1 = NxStoredString::TextOf(a);
+  const char* const text2 = NxStoredString::TextOf(b);
+  const unsigned char code = format & kFormatCodeMask;
+  if (const NxOrderTable* const table = NxTableOfBoth(codeSet1, language1, codeSet2, language2, options)) {
+    NxNoteRoad(NxRoad::kPlainBytes);
+    error = 0;
+    result = NxCompareAlike(*table, codeSet1, language1, text1, text2, options, code, nullptr);
+    return NxVerdict::kDecided;
+  }
+  if (NxCharWidth(codeSet1) == 1 && NxCharWidth(codeSet2) == 1) {
+    error = 0;
+    result =
+        NxStrCmp(codeSet1, language1, text1, codeSet2, language2, text2, options, kWholeText, code, nullptr);
+    return NxVerdict::kDecided;
+  }
+  const NxVerdict verdict = NxCompareKeys(a, b, format, options, result, error);
+  if (verdict == NxVerdict::kDecided) NxNoteRoad(NxRoad::kKeyLevels);
+  return verdict;
 }
 
 }  // namespace
@@ -312,27 +324,17 @@ long StringCompare(unsigned char format, unsigned long len1, void* value1, unsig
                    unsigned short options, unsigned long count, int& error) {
   const char* const a = static_cast<const char*>(value1);
   const char* const b = static_cast<const char*>(value2);
-  if (format == (kFormatKey | kFormatNative) && count == 1 &&
-      (options & (kWildcardsOff | kOrderValuesOnly)) == kWildcardsOff) {
-    const long result = NxCompareBases(a, len1, b, len2);
-    if (result != kBasesDoNotDecide) {
-      error = 0;
-      return result;
-    }
+  long result;
+  const bool nativeKeys = format == (kFormatKey | kFormatNative) && count == 1;
+  if (nativeKeys && (options & (kWildcardsOff | kOrderValuesOnly)) == kWildcardsOff &&
+      NxCompareBases(a, len1, b, len2, result) == NxVerdict::kDecided) {
+    NxNoteRoad(NxRoad::kKeyBases);
+    error = 0;
+    return result;
   }
-  if (count == 1 && format != kFormatMemory && IsWhole(a, len1, format) && IsWhole(b, len2, format)) {
-    if (const NxOrderTable* table = TableOfBoth(a, b, options)) {
-      error = 0;
-      return NxCompareAlike(*table, a[2], a[3], a + NxStoredString::kHeadSize, b + NxStoredString::kHeadSize,
-                            options, format & kFormatCodeMask, nullptr);
-    }
-    if (NxCharWidth(a[2]) == 1 && NxCharWidth(b[2]) == 1) {
-      error = 0;
-      return CompareWhole(a, b, options, format);
-    }
-    long result;
-    if (NxCompareKeys(a, b, format, options, result, error)) return result;
-  }
+  if (count == 1 && format != kFormatMemory && IsWhole(a, len1, format) && IsWhole(b, len2, format) &&
+      CompareWhole(a, b, options, format, result, error) == NxVerdict::kDecided)
+    return result;
   return StringCompareCommon(format, len1, value1, len2, value2, options, count, error, 0);
 }
 
@@ -365,10 +367,13 @@ unsigned long StringHashCommon(unsigned char format, unsigned long len, void* va
 unsigned long StringHash(unsigned char format, unsigned long len, void* value, unsigned long count,
                          int& error) {
   const char* const image = static_cast<const char*>(value);
-  if (count == 1 && format != kFormatMemory && IsWhole(image, len, format) && NxCharWidth(image[2]) == 1) {
+  if (count == 1 && format != kFormatMemory && IsWhole(image, len, format) &&
+      NxCharWidth(NxStoredString::CodeSetOf(image)) == 1) {
     error = 0;
-    return HashString(image[2], image[3], image + NxStoredString::kHeadSize, -1, format & kFormatCodeMask) *
-           kHashMultiplier;
+    const unsigned long hash =
+        HashString(NxStoredString::CodeSetOf(image), NxStoredString::LanguageOf(image),
+                   NxStoredString::TextOf(image), kWholeText, format & kFormatCodeMask);
+    return hash * kHashMultiplier;
   }
   return StringHashCommon(format, len, value, count, error, 0);
 }

@@ -1,0 +1,97 @@
+// The building of order tables, and the reading of texts by them.
+
+#include "collation/nxordertable.h"
+
+#include "ord2str.h"
+
+// ---------------------------------------------------------------------------
+// Tables
+
+namespace {
+
+const NxCharInfo* RecordOf(unsigned short value, unsigned char codeSet, unsigned char language) {
+  const NxCharTable* records = NxLanguageContext::QueryCodeSet(codeSet)->CharTable();
+  const NxCharInfo* info = records ? records->Find(value) : nullptr;
+  if (!info || !info->variants) return info;
+  const NxLanguage* known = NxLanguageContext::QueryLanguage(language);
+  const NxCharInfo* variant = known && known->hasVariants ? info->variants->Find(known->number) : nullptr;
+  return variant ? variant : info;
+}
+
+/// Whether a character with an expansion is all digits and letters.
+bool OnlyLetters(unsigned short order, const NxWCharList* expansion) {
+  if (order < kFirstDigitOrder || !expansion) return false;
+  for (short i = 0; i < expansion->Count(); ++i)
+    if (expansion->At(i) < kFirstDigitOrder) return false;
+  return true;
+}
+
+}  // namespace
+
+NxOrderTable NxOrderTable::tables_[kLanguages][kRows];
+std::atomic<bool> NxOrderTable::taken_[kLanguages][kRows];
+std::atomic<const NxOrderTable*> NxOrderTable::built_[256][kCodeSets];
+std::atomic<const NxOrderTable*> NxOrderTable::builtUnicode_[kLanguages];
+
+const NxOrderTable* NxOrderTable::Find(unsigned char codeSet, unsigned char language) {
+  if (language == kLanguageDefault) language = NxLanguageContext::GetDefaultLanguage();
+  const bool wide = codeSet == kCodeSetUnicode;
+  if (!wide && (codeSet == kCodeSetNone || codeSet >= kCodeSets)) return nullptr;
+  if (language >= kLanguages) return nullptr;
+  std::atomic<const NxOrderTable*>& built = wide ? builtUnicode_[language] : built_[language][codeSet];
+  if (const NxOrderTable* table = built.load(std::memory_order_acquire)) return table;
+  // Comparing takes no lock: of several threads one builds, the others do without.
+  const unsigned row = wide ? kCodeSets : codeSet;
+  if (taken_[language][row].exchange(true)) return nullptr;
+  NxOrderTable& table = tables_[language][row];
+  table.Build(codeSet, language);
+  built.store(&table, std::memory_order_release);
+  return &table;
+}
+
+void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
+  entries[0] = {0, 0, 0, false};
+  for (unsigned value = 1; value < 256; ++value) {
+    const unsigned short text[2] = {static_cast<unsigned short>(value), 0};
+    NxStringIterator it(reinterpret_cast<const char*>(text), codeSet, language, kFormatNative);
+    const unsigned short order = it.GetNextOrder(1);
+    const unsigned char selector = it._nCollation;
+    const NxCharInfo* record = RecordOf(static_cast<unsigned short>(value), codeSet, language);
+    Entry& entry = entries[value];
+    entry = {NxCompareKey(order, selector), order, selector, false};
+    records[value] = nullptr;
+    if (!record || record->followers || record->expansion || (entry.key & kMarks) != 0) {
+      if ((entry.key & kMarks) == 0) records[value] = record;
+      entry.key |= kMarks;
+      entry.order = 0;
+      entry.equalsItself = record && !record->followers && OnlyLetters(order, record->expansion);
+    } else if (order >= kFirstDigitOrder && selector < kPlainOrderSelector) {
+      entry.equalsItself = true;
+    } else {
+      entry.key |= kNotPlain;
+    }
+  }
+}
+
+// ---------------------------------------------------------------------------
+// Reader
+
+bool NxOrderReader::TakeFromTable() {
+  const bool wide = NxCharWidth(it._nCodeSet) == 2;
+  if (it._pOverflow || (wide && (it._nByteOrder & kFormatCodeMask) == kFormatBigEndian)) return false;
+  const unsigned value = wide ? NxUnitAt<unsigned short>(it._pPos) : NxUnitAt<unsigned char>(it._pPos);
+  if (value > 255) return false;
+  const NxOrderTable::Entry& entry = table_->entries[value];
+  if (entry.key & NxOrderTable::kNeedsIterator) return false;
+  order = entry.order;
+  key = entry.key & ~NxOrderTable::kMarks;
+  if (value == 0) return true;
+  it._nCollation = entry.selector;
+  it._pPos += wide ? 2 : 1;
+  return true;
+}
+
+void NxOrderReader::TakeFromIterator(unsigned short updateCollation) {
+  order = it.GetNextOrder(updateCollation);
+  key = GetCompareFromOrder(order, it._nCollation);
+}
