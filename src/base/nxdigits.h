@@ -27,6 +27,18 @@ inline char* NxPutDecimal(char* end, unsigned v) {
   return end;
 }
 
+/// The nine digits of a number below 10^9. Returns the place behind them.
+inline char* NxPutNine(char* place, unsigned v) {
+  // v / 10^8 with its fraction, rounded up, of which each pair of digits is multiplied out.
+  unsigned long long part = (v * 1441151881ULL >> 25) + 1;
+  *place++ = static_cast<char>('0' + (part >> 32));
+  for (int i = 0; i < 4; ++i) {
+    part = (part & 0xFFFFFFFF) * 100;
+    place = NxPutPair(place, static_cast<unsigned>(part >> 32));
+  }
+  return place;
+}
+
 /// The value of a decimal digit; 10 and above for any other character.
 inline unsigned NxDigitValue(char c) { return static_cast<unsigned char>(c - '0'); }
 

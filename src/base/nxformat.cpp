@@ -180,22 +180,24 @@ bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 }  // namespace
 
 bool NxReadPlainInteger(const char* format, NxPlainInteger& plain) {
-  const char* p = format ? std::strchr(format, '%') : nullptr;
-  if (!p) return false;
+  if (!format) return false;
+  const char* p = format;
+  while (*p && *p != '%') ++p;
   plain.before = format;
   plain.beforeLength = static_cast<unsigned long>(p - format);
-  ++p;
+  if (*p) ++p;
   plain.isShort = *p == 'h';
   if (*p == 'h' || *p == 'l') ++p;
   if (*p != 'd' && *p != 'u') return false;
   plain.isSigned = *p == 'd';
-  plain.after = p + 1;
-  return !std::strchr(plain.after, '%');
+  plain.after = ++p;
+  while (*p && *p != '%') ++p;
+  plain.afterLength = static_cast<unsigned long>(p - plain.after);
+  return *p == 0;
 }
 
-bool NxPrintPlainInteger(const NxPlainInteger& plain, int value, char* area, unsigned long size) {
-  const unsigned long afterBytes = std::strlen(plain.after) + 1;
-  if (plain.beforeLength + kIntegerBytes + afterBytes > size) return false;
+unsigned long NxPrintPlainInteger(const NxPlainInteger& plain, int value, char* area, unsigned long size) {
+  if (plain.beforeLength + kIntegerBytes + plain.afterLength > size) return 0;
   if (plain.isShort) value = plain.isSigned ? static_cast<short>(value) : static_cast<unsigned short>(value);
   char digits[kIntegerBytes];
   char* const end = digits + sizeof digits;
@@ -203,11 +205,11 @@ bool NxPrintPlainInteger(const NxPlainInteger& plain, int value, char* area, uns
   const auto bits = static_cast<unsigned>(value);
   char* begin = NxPutDecimal(end, negative ? 0 - bits : bits);
   if (negative) *--begin = '-';
-  const auto length = static_cast<unsigned long>(end - begin);
-  std::memcpy(area, plain.before, plain.beforeLength);
-  std::memcpy(area + plain.beforeLength, begin, length);
-  std::memcpy(area + plain.beforeLength + length, plain.after, afterBytes);
-  return true;
+  const char* const place = area;
+  for (unsigned long i = 0; i < plain.beforeLength; ++i) *area++ = plain.before[i];
+  while (begin < end) *area++ = *begin++;
+  for (unsigned long i = 0; i < plain.afterLength; ++i) *area++ = plain.after[i];
+  return static_cast<unsigned long>(area - place);
 }
 
 bool NxScanPlainInteger(const NxPlainInteger& plain, const char* text, bool& found, int& value) {

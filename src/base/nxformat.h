@@ -35,14 +35,15 @@ struct NxPlainInteger {
   bool isShort;                // "%hd" and "%hu"
   bool isSigned;               //
   const char* after;           // the text behind it
+  unsigned long afterLength;   //
 };
 
 /// False for null and for all other formats.
 bool NxReadPlainInteger(const char* format, NxPlainInteger& plain);
 
-/// What printf makes of such a format; false when it needs more than `size` bytes, the
-/// terminator included.
-bool NxPrintPlainInteger(const NxPlainInteger& plain, int value, char* area, unsigned long size);
+/// Writes what printf makes of such a format, without a terminator. Returns its length, 0
+/// when `size` bytes might not do.
+unsigned long NxPrintPlainInteger(const NxPlainInteger& plain, int value, char* area, unsigned long size);
 
 /// What scanf reads under such a format. `found` tells whether there is a number; false
 /// for a text that is better left to scanf.

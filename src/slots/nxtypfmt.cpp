@@ -49,9 +49,11 @@ NxString& PrintNumber(NxString& out, const char* fmt, std::initializer_list<NxFo
 NxString& PrintInteger(NxString& out, const char* fmt, NxFormatArg kind, int value) {
   char work[kWorkBytes];
   NxPlainInteger plain;
-  if (!NxReadPlainInteger(fmt, plain) || !NxPrintPlainInteger(plain, value, work, sizeof work))
-    return PrintNumber(out, fmt, {kind}, value);
-  return out = work;
+  const unsigned long length =
+      NxReadPlainInteger(fmt, plain) ? NxPrintPlainInteger(plain, value, work, sizeof work - 1) : 0;
+  if (length == 0) return PrintNumber(out, fmt, {kind}, value);
+  NxAssignText(out, work, NxString::GetDefault8CodeSet(), length);
+  return out;
 }
 
 template <class T>

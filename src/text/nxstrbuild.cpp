@@ -223,6 +223,45 @@ bool NxBuildText(NxString& s, const NxPiece& piece, NxBuildMode mode) {
   return TextBuilder(s, piece, mode).Run();
 }
 
+void NxAssignText(NxString& s, const char* text, unsigned char codeSet, unsigned long n) {
+  const unsigned width = NxCharWidth(codeSet);
+  if (!text) {
+    NxAttach(s, nullptr, 0);
+  } else if (n >= kMaxStringBytes / width) {
+    NxReportOverflow(kOverflowInBuild);
+    return;
+  } else if (const unsigned long size = (n + 1) * width;
+             s._nSize == size && s._pBuffer && text != s._pBuffer) {
+    NxCopyBytes(s._pBuffer, text, n * width);
+    NxPutTerminator(s._pBuffer + n * width, width);
+  } else {
+    char* buffer = NxNewArray<char>(size);
+    if (!buffer) return;
+    NxCopyBytes(buffer, text, n * width);
+    NxPutTerminator(buffer + n * width, width);
+    NxAttach(s, buffer, size);
+  }
+  s._nCodeSet = codeSet;
+  s._nLanguage = NxLanguageContext::GetDefaultLanguage();
+}
+
+void NxAppendText(NxString& s, const char* text, unsigned long n) {
+  const unsigned char codeSet = NxString::GetDefault8CodeSet();
+  const unsigned long old = s.Len();
+  const unsigned long size = old + n + 1;
+  if (s._nCodeSet != codeSet || size > kMaxStringBytes) {
+    NxBuildText(s, {text, codeSet, n, old}, NxBuildMode::kCompose);
+    return;
+  }
+  // Nothing has to be converted: the case of nearly every printed value.
+  char* buffer = NxNewArray<char>(size);
+  if (!buffer) return;
+  NxCopyBytes(buffer, s._pBuffer, old);
+  NxCopyBytes(buffer + old, text, n);
+  buffer[old + n] = 0;
+  NxAttach(s, buffer, size);
+}
+
 void NxString::BuildString(const char* src, unsigned char srcCodeSet, unsigned short destPos,
                            unsigned short srcStart, unsigned short srcLen, unsigned short repeat,
                            unsigned short buildMode, unsigned char byteOrder) {

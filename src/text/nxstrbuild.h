@@ -96,6 +96,13 @@ inline bool NxComposeText(NxString& s, const char* text, unsigned char codeSet, 
   return NxBuildText(s, {text, codeSet, n, 0, 0, 1, byteOrder}, NxBuildMode::kCompose);
 }
 
+/// Makes s the first n characters of a text in another or in its own buffer; null leaves
+/// no buffer. The code set becomes that of the text, the language the default one.
+void NxAssignText(NxString& s, const char* text, unsigned char codeSet, unsigned long n);
+
+/// Appends n characters of the default 8-bit code set that are no part of s.
+void NxAppendText(NxString& s, const char* text, unsigned long n);
+
 /// Converts at most limit characters, up to the first zero character, from src to
 /// dst, which has room for them. Returns how many. No terminator is written.
 unsigned long NxMapText(unsigned char srcCodeSet, const char* src, unsigned char dstCodeSet, char* dst,

@@ -40,26 +40,6 @@ struct NumberText {
   char text[40];
 };
 
-/// Gives s a text of its own: n characters in codeSet, in a buffer also when n is 0.
-/// The present text may be the source; it stays when the new one is too long.
-void AssignText(NxString& s, const char* text, unsigned char codeSet, unsigned long n) {
-  const unsigned width = NxCharWidth(codeSet);
-  char* buffer = nullptr;
-  if (text) {
-    if (n >= kMaxStringBytes / width) {
-      NxReportOverflow(kOverflowInBuild);
-      return;
-    }
-    buffer = NxNewArray<char>((n + 1) * width);
-    if (!buffer) return;
-    NxCopyBytes(buffer, text, n * width);
-    NxPutTerminator(buffer + n * width, width);
-  }
-  NxAttach(s, buffer, buffer ? (n + 1) * width : 0);
-  s._nCodeSet = codeSet;
-  s._nLanguage = DefaultLanguage();
-}
-
 /// Appends a text of the default 8-bit code set.
 NxString& AppendText(NxString& s, const char* text) {
   if (!text) text = zeroString;
@@ -134,12 +114,12 @@ NxString& NxString::operator=(const NxString& s) {
 }
 
 NxString& NxString::operator=(const char* text) {
-  AssignText(*this, text, Default8(), text ? NxTextLength(text, 1) : 0);
+  NxAssignText(*this, text, Default8(), text ? NxTextLength(text, 1) : 0);
   return *this;
 }
 
 NxString& NxString::operator=(const unsigned short* text) {
-  AssignText(*this, AsBytes(text), Default16(), text ? NxTextLength(AsBytes(text), 2) : 0);
+  NxAssignText(*this, AsBytes(text), Default16(), text ? NxTextLength(AsBytes(text), 2) : 0);
   return *this;
 }
 

@@ -58,8 +58,7 @@ class NxPieceWriter {
 
  private:
   void Flush() {
-    if (used_ > 0)
-      NxBuildText(out_, {buffer_, NxString::GetDefault8CodeSet(), used_, out_.Len()}, NxBuildMode::kCompose);
+    if (used_ > 0) NxAppendText(out_, buffer_, used_);
     used_ = 0;
   }
 

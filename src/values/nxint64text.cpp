@@ -42,9 +42,8 @@ char* PutDecimal(char* end, unsigned long long v) {
   while (v >> 32) {  // nine digits at a time, as far as 64 bits have to be divided
     constexpr unsigned kNineDigits = 1'000'000'000;
     const unsigned long long rest = v / kNineDigits;
-    char* begin = NxPutDecimal(end, static_cast<unsigned>(v - rest * kNineDigits));
     end -= 9;
-    while (begin > end) *--begin = '0';
+    NxPutNine(end, static_cast<unsigned>(v) - static_cast<unsigned>(rest) * kNineDigits);
     v = rest;
   }
   return NxPutDecimal(end, static_cast<unsigned>(v));
@@ -69,7 +68,9 @@ void AddInt64(NxPieceWriter& pieces, const NxInt64& value, const Radix& radix) {
   for (const char* p = radix.prefix + std::strlen(radix.prefix); p > radix.prefix;) *--begin = *--p;
   // The lowest value is its own magnitude; only its decimal text has a sign.
   if (value.high < 0 && (radix.base == 10 || magnitude != kLowest)) *--begin = '-';
-  pieces.Add(begin, static_cast<unsigned long>(end - begin));
+  char* place = pieces.Room(kLongest);
+  while (begin < end) *place++ = *begin++;
+  pieces.Took(place);
 }
 
 /// Reads an NxInt64 from a text, walking format and text together.

@@ -1,0 +1,307 @@
+// Dates, times and other values as text: the examples of docs/text.md, both directions
+// of every directive, and formats and inputs that end where they should not.
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "nx21rtms.h"
+#include "nxlang.h"
+#include "nxnulltext.h"
+#include "nxtypmgr.h"
+
+namespace {
+
+std::string Print(NxSlot::Print* slot, void* value, const std::string& format) {
+  NxString out;
+  EXPECT_EQ(&slot(out, value, format.c_str(), 1), &out);
+  return out.StrGet();
+}
+
+/// Scans `from` under one format and prints what it gives under another one.
+template <class T, NxSlot::Print* kPrint, NxSlot::Scan* kScan>
+std::string Through(const std::string& from, const std::string& scanFormat, const std::string& printFormat) {
+  T value{};
+  NxString in(from.c_str());
+  EXPECT_EQ(kScan(&value, in, scanFormat.c_str(), 1), &value);
+  return Print(kPrint, &value, printFormat);
+}
+
+struct Type {
+  std::string (*through)(const std::string&, const std::string&, const std::string&);
+  std::string format;  // of the values in the document
+};
+
+const std::map<std::string, Type> kTypes = {
+    {"NxDate", {Through<NxDate, DatePrintToNxString, DateScanFromNxString>, "%Y-%m-%d"}},
+    {"NxTime", {Through<NxTime, TimePrintToNxString, TimeScanFromNxString>, "%H:%M:%S"}},
+    {"NxDateTime", {Through<NxDateTime, DaTimePrintToNxString, DaTimeScanFromNxString>, "%Y-%m-%dT%H:%M:%S"}},
+    {"d_Date", {Through<d_Date, d_DatePrintToNxString, d_DateScanFromNxString>, "%Y-%m-%d"}},
+    {"d_Time", {Through<d_Time, d_TimePrintToNxString, d_TimeScanFromNxString>, "%H:%M:%S"}},
+    {"d_Timestamp",
+     {Through<d_Timestamp, d_TimestampPrintToNxString, d_TimestampScanFromNxString>, "%Y-%m-%dT%H:%M:%S"}},
+    {"d_Interval",
+     {Through<d_Interval, d_IntervalPrintToNxString, d_IntervalScanFromNxString>, "%e %H:%M:%S"}},
+    {"char", {Through<char, CharPrintToNxString, CharScanFromNxString>, "%c"}},
+    {"short", {Through<short, ShortPrintToNxString, ShortScanFromNxString>, "%hd"}},
+    {"int", {Through<int, IntPrintToNxString, IntScanFromNxString>, "%d"}},
+    {"long", {Through<long, LongPrintToNxString, LongScanFromNxString>, "%ld"}},
+    {"double", {Through<double, DoublePrintToNxString, DoubleScanFromNxString>, "%lf"}},
+    {"NxInt64", {Through<NxInt64, Int64PrintToNxString, Int64ScanFromNxString>, "%S"}},
+    {"NxString", {Through<NxString, NxStringPrintToNxString, NxStringScanFromNxString>, "%s"}},
+    {"NxIString", {Through<NxIString, NxIStringPrintToNxString, NxIStringScanFromNxString>, "%s"}},
+    {"NxBoolean", {Through<NxBoolean, BooleanPrintToNxString, BooleanScanFromNxString>, "noop"}},
+    {"NxSeal", {Through<NxSeal, SealPrintToNxString, SealScanFromNxString>, "noop"}},
+};
+
+/// The cells of a table's row, without spaces around and backquotes; none for other lines.
+std::vector<std::string> Cells(const std::string& line) {
+  std::vector<std::string> cells;
+  for (std::size_t at = line.find('|'), next; (next = line.find('|', at + 1)) != std::string::npos;
+       at = next) {
+    std::string cell = line.substr(at + 2, next - at - 3);
+    if (cell.size() > 1 && cell.front() == '`') cell = cell.substr(1, cell.size() - 2);
+    cells.push_back(cell);
+  }
+  return cells;
+}
+
+TEST(Document, ExamplesHold) {
+  std::ifstream file(NX_SOURCE_DIR "/docs/text.md");
+  std::vector<std::string> head;
+  int examples = 0;
+  for (std::string line; std::getline(file, line);) {
+    const std::vector<std::string> row = Cells(line);
+    if (row.empty()) head.clear();
+    if (head.empty() || row[0][0] == '-') {
+      if (head.empty()) head = row;
+      continue;
+    }
+    SCOPED_TRACE(line);
+    ++examples;
+    if (head[0] == "type") {
+      const Type& type = kTypes.at(row[0]);
+      const bool prints = head[1] == "value";
+      EXPECT_EQ(type.through(row[1], prints ? type.format : row[2], prints ? row[2] : type.format), row[3]);
+    } else if (head.size() == 4) {
+      EXPECT_EQ(kTypes.at("NxDateTime").through("2004-03-15T13:45:07", "%Y-%m-%dT%H:%M:%S", row[0]), row[2]);
+    }
+  }
+  EXPECT_GE(examples, 50);
+}
+
+/// A text that ends at memory that must not be read.
+class Guarded {
+ public:
+  explicit Guarded(const std::string& text) {
+    pages_ = static_cast<char*>(
+        mmap(nullptr, 2 * kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    mprotect(pages_ + kPage, kPage, PROT_NONE);
+    text_ = pages_ + kPage - text.size() - 1;
+    std::memcpy(text_, text.c_str(), text.size() + 1);
+  }
+  Guarded(const Guarded&) = delete;
+  Guarded& operator=(const Guarded&) = delete;
+  ~Guarded() { munmap(pages_, 2 * kPage); }
+  char* Text() const { return text_; }
+
+ private:
+  static constexpr unsigned long kPage = 4096;
+  char* pages_;
+  char* text_;
+};
+
+std::string ScanGuarded(const std::string& text, const std::string& format) {
+  const Guarded guardedText(text), guardedFormat(format);
+  NxString in;
+  in._pBuffer = guardedText.Text();
+  in._nSize = static_cast<unsigned short>(text.size() + 1);
+  NxDateTime value;
+  DaTimeScanFromNxString(&value, in, guardedFormat.Text(), 1);
+  in._pBuffer = nullptr;
+  return Print(DaTimePrintToNxString, &value, "%Y-%m-%dT%H:%M:%S");
+}
+
+TEST(DateText, ScansKeepTheirPlace) {
+  const struct {
+    const char *text, *format, *value;
+  } cases[] = {
+      {"", "%Y-%m-%dT%H:%M:%S", "0000-01-01T00:00:00"},
+      {"2004-0", "%Y-%m-%d %H", "0000-01-01T00:00:00"},    // month 0
+      {"2004-1", "%Y-%m-%d", "2004-01-01T00:00:00"},       // the day is not reached
+      {"2004", "%Y-%m", "2004-01-01T00:00:00"},            //
+      {"204-03", "%Y-%m", "0204-03-01T00:00:00"},          // the width counts, not the digits
+      {"   7 5", "%Y%m", "0007-05-01T00:00:00"},           // blanks do not count for the number
+      {"-04+3", "%d%H", "0000-01-01T00:00:00"},            // "-0", then "4+"
+      {"Mon Tuesday3", "%a %A%d", "0000-01-03T00:00:00"},  //
+      {"Mo 05", "%a%d", "0000-01-01T00:00:00"},            // no name: the place stays
+      {"xyz07", "%b%d", "0000-01-07T00:00:00"},            // nor a number: three passed over
+      {"012,05", "%b,%d", "0000-12-05T00:00:00"},          //
+      {"Septemxx", "%b%H", "0000-09-01T00:00:00"},         //
+      {"xx", "%y", "0000-01-01T00:00:00"},                 // not 1900
+      {"11 a 12 p", "%H %p%H %P", "0000-01-01T12:00:00"},  // the last mark counts
+      {"12 A", "%I %p", "0000-01-01T00:00:00"},            //
+      {"12 x", "%I %p", "0000-01-01T12:00:00"},            //
+      {"0000-00-00", "%Y-%m-%d", "0000-00-00T00:00:00"},   // all zeros stay
+      {"0000-00-00 5", "%Y-%m-%d %H", "0000-01-01T00:00:00"},
+      {"07", "%", "0000-01-01T00:00:00"},
+      {"%x07", "%%%\xFF%d", "0000-01-07T00:00:00"},
+      {"{NULL", "%d", "0000-01-01T00:00:00"},
+      {"{NULL}", "%d", "{NULL}"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(ScanGuarded(c.text, c.format), c.value) << c.text << ' ' << c.format;
+}
+
+TEST(DateText, FieldsThatAreNoDateOrTime) {
+  NxDateTime t(NxDateTime::Null());
+  t.date.month = 13;
+  t.date.day = -7;
+  t.date.year = -4713;
+  t.time.hour = 100;
+  t.time.minute = -128;
+  EXPECT_EQ(Print(DaTimePrintToNxString, &t, "%b|%B|%e|%Y|%y|%I|%M|%p|%"),
+            "013|013|-07|-4713|-13|88|-128|pm|");
+  t.date.year = -5;
+  t.date.month = -1;
+  EXPECT_EQ(Print(DaTimePrintToNxString, &t, "%Y %b %%p%I"), "-0005 -001 %p88");
+  t.time.hour = 0;
+  EXPECT_EQ(Print(DaTimePrintToNxString, &t, "%%p %I"), "%p 00");  // no mark
+}
+
+// What a format says in full comes back.
+TEST(DateText, RoundTrips) {
+  std::mt19937 random(4);
+  const char* formats[] = {"%Y-%m-%dT%H:%M:%S", "%a %e.%b %Y %I:%M:%S %p", "%A, %B %d %Y %P %I.%M.%S"};
+  for (int i = 0; i < 3000; ++i) {
+    const NxDateTime t(NxDate(static_cast<long>(1721060 + random() % 3652425)),  // to the year 9999
+                       NxTime(static_cast<long>(random() % 86400)));
+    for (const char* format : formats) {
+      NxString text;
+      NxDateTime back;
+      t.PrintToNxString(text, format);
+      back.ScanFromNxString(text, format);
+      ASSERT_EQ(back != t, 0) << text.StrGet();
+    }
+  }
+}
+
+TEST(DateText, NullTextAndOutput) {
+  NxDate none(0L);
+  none.SetNullValue();
+  NxString out("before "), wide(kCodeSetUnicode, 1);
+  EXPECT_STREQ(none.PrintToNxString(out, nullptr).StrGet(), "{NULL}");
+  NxDate d(2453080L);
+  EXPECT_STREQ(d.PrintToNxString(out, nullptr).StrGet(), "{NULL}2004-03-15");
+  EXPECT_STREQ(NxTime(3661L).PrintToNxString(out, " %H").StrGet(), "{NULL}2004-03-15 01");
+  EXPECT_STREQ(DatePrintToNxString(out, &d, "", 1).StrGet(), "{NULL}2004-03-15 01");
+  d_Date plain(d);
+  EXPECT_STREQ(d_DatePrintToNxString(out, &plain, nullptr, 1).StrGet(), "{NULL}2004-03-15 01");
+
+  // 16-bit output and input; an asterisk is no wildcard.
+  EXPECT_EQ(d.PrintToNxString(wide, "%d.%m.%Y").Len(), 10);
+  d = none;
+  d.ScanFromNxString(wide, "%d.%m.%Y");
+  EXPECT_EQ(static_cast<long>(d), 2453080);
+  const NxString before(__NullPrintString);
+  NxTypeMgr::SetNullPrintString(NxString("*"));
+  NxString anything("2004-03-15"), star("*");
+  d.ScanFromNxString(anything, nullptr);
+  EXPECT_FALSE(d.IsNullValue());
+  NxString text;
+  NxStringScanFromNxString(&text, star.MapToCodeSet(kCodeSetUnicode) ? anything : star, "%s", 1);
+  EXPECT_TRUE(text.IsNullValue());
+  NxTypeMgr::SetNullPrintString(before);
+  EXPECT_EQ(DateScanFromNxString(nullptr, anything, "%Y", 1), nullptr);
+  EXPECT_EQ(d_IntervalScanFromNxString(nullptr, anything, "%S", 1), nullptr);
+  EXPECT_EQ(d_TimeScanFromNxString(nullptr, anything, "%S", 1), nullptr);
+}
+
+TEST(DateText, StandardTypesAreLocal) {
+  d_Time::set_default_Time_Zone(d_Time::UtcPlus2);
+  d_Time t(10, 30, 15.25);
+  EXPECT_EQ(Print(d_TimePrintToNxString, &t, "%H:%M:%S %Y-%m-%d"), "10:30:15 0000-01-01");
+  NxString in("23:59:58");
+  d_TimeScanFromNxString(&t, in, "%H:%M:%S", 1);
+  EXPECT_TRUE(t.hour == 25 && t.tz_hour == 2 && t.second == 58 && t.hundredths == 0);
+  d_Time::set_default_Time_Zone(d_Time::Utc);
+
+  d_Interval iv(2, 3, 4, 5);
+  EXPECT_EQ(Print(d_IntervalPrintToNxString, &iv, "%e %H:%M:%S"), "02 03:04:05");
+  iv.value = -5400.5F;
+  EXPECT_EQ(Print(d_IntervalPrintToNxString, &iv, "%e %H:%M:%S"), "00 -01:-30:00");
+  NxString none("{NULL}"), span("10:20:30");
+  d_IntervalScanFromNxString(&iv, span, "%H:%M:%S", 1);
+  EXPECT_EQ(iv.value, 37230);
+  d_IntervalScanFromNxString(&iv, none, "%H", 1);  // it has no null state: the fields of null
+  EXPECT_EQ(iv.value, -128.F * (86400 + 3600 + 60 + 1));
+}
+
+TEST(IntegerText, AsTheCLibrary) {
+  const char* texts[] = {"2147483648", "-99999999999", "1234567890", " \t+7x", "-", "#12", "", "-5", "0012"};
+  const char* formats[] = {"%ld", "%d", "%u", "#%ld", " %ld", "%3ld", "%hd", "%i"};
+  for (const char* text : texts)
+    for (const char* format : formats) {
+      long expected = 77, found = 77;
+      std::sscanf(text, format, &expected);
+      MySscanf(text, 0, format, 1, &found);
+      EXPECT_EQ(found, expected) << text << ' ' << format;
+    }
+  for (long value : {0L, -1L, 9L, 10L, 99L, 100L, 65535L, -2147483647L - 1, 2147483647L})
+    for (const char* format : {"%ld", "<%d>", "%u;", "%hd", "%hu", "%05ld", "%lu%%", "%x"}) {
+      char expected[64];
+      std::snprintf(expected, sizeof expected, format, value);
+      EXPECT_EQ(Print(LongPrintToNxString, &value, format), expected) << format;
+    }
+  long one = 1;
+  const std::string longText(600, 'x');
+  EXPECT_EQ(Print(LongPrintToNxString, &one, longText + "%ld"), longText.substr(0, 511));
+}
+
+TEST(Int64Text, BasesAndWhatIsNoNumber) {
+  const struct {
+    const char *text, *format;
+    long long value;
+  } cases[] = {{"0", "%o", 0},
+               {"0", "%i", 0},
+               {"-0", "%d", 0},
+               {"0", "%x", -1},
+               {"00", "%d", -1},
+               {"0,", "%d,", 0},
+               {"0x", "%S", -1},
+               {"-0x", "%x", -1},
+               {"+", "%d", -1},
+               {",", "%d,", -1},
+               {"ab", "ab%d", -1},
+               {"0x10;", "%x;", 16},
+               {"-0777", "%o", -511},
+               {"9x", "%dx", 9},
+               {"1234567890123456789", "%d", 1234567890123456789},
+               {"", "<%d>", 77},
+               {"0xFEDCBA9876543210", "%S", -81985529216486896}};
+  for (const auto& c : cases) {
+    NxInt64 value(77);
+    NxString in(c.text);
+    Int64ScanFromNxString(&value, in, c.format, 1);
+    EXPECT_EQ(value.Wide(), c.value) << c.text << ' ' << c.format;
+  }
+}
+
+TEST(CharText, BytesBeyondAscii) {
+  char bytes[] = {'\x80', '\xE4', '~', '\x7F'};
+  NxString out;
+  EXPECT_STREQ(CharPrintToNxString(out, bytes, "%c", 4).StrGet(), "0x800xe4~0x7f");
+}
+
+TEST(StringText, UnicodeIntoUnicode) {
+  NxString value("Z\xFCrich"), out(kCodeSetUnicode, 1);
+  value.MapToCodeSet(kCodeSetUnicode);
+  EXPECT_STREQ(NxStringPrintToNxString(out, &value, "<%1M>", 1).StrGet(), "<Z\xFCrich>");
+}
+
+}  // namespace
