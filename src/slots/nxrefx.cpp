@@ -261,7 +261,7 @@ unsigned long NxRef::Hash(unsigned char format, unsigned long len, void* value, 
 float NxObjId::EvalAndBound(NxIdxBounds* indexRange, unsigned short& relation, void* key,
                             unsigned char format, unsigned long count, NxIdxBounds* bounds) {
   relation &= kRelationMask;
-  // Estimates count the numbers in steps of 65535 a high part.
+  // The high part counts 65535 times: plans rest on it, as images rest on their layout.
   const NxTerm<double> term(indexRange, key, kObjIdBytes, [format](const void* image) {
     NxObjId id;
     Load(&id, image, format, 1);
@@ -279,7 +279,7 @@ float NxClassId::EvalAndBound(NxIdxBounds*, unsigned short&, void*, unsigned cha
 
 float NxRef::EvalAndBound(NxIdxBounds* /*indexRange*/, unsigned short& relation, void* key,
                           unsigned char format, unsigned long count, NxIdxBounds* bounds) {
-  // Of all references that there may be, since an index rarely holds those of its range.
+  // The part of all references that there may be: the index's range is not read.
   constexpr double kLows = 4294967295.0;
   constexpr double kAll = kLows * kLows;
   relation &= kRelationMask;
