@@ -3,6 +3,7 @@
 #ifndef NXELEMENT_H
 #define NXELEMENT_H
 
+#include <climits>
 #include <cstring>
 
 #include "nxbase.h"
@@ -14,9 +15,10 @@ class NxElements {
  public:
   /// A length of 0 means room for all count values.
   NxElements(const void* values, unsigned long length, unsigned long count, unsigned long size)
-      : place_(static_cast<const unsigned char*>(values)),
-        left_(length ? length : static_cast<unsigned long long>(count) * size),
-        size_(size) {}
+      : place_(static_cast<const unsigned char*>(values)), left_(length), size_(size) {
+    // More than the address space holds counts as all of it.
+    if (length == 0 && __builtin_mul_overflow(count, size, &left_)) left_ = ULONG_MAX;
+  }
 
   const void* Place() const { return place_; }
   /// Whether the buffer holds the whole value.
@@ -32,7 +34,7 @@ class NxElements {
 
  private:
   const unsigned char* place_;
-  unsigned long long left_;  // bytes from place_ to the end
+  unsigned long left_;  // bytes from place_ to the end
   unsigned long size_;
 };
 

@@ -170,25 +170,34 @@ int NxRef::Load(void* values, const void* image, unsigned char format, unsigned 
 
 namespace {
 
-/// Compares images byte by byte from the one at kLast down to the one at kFirst, whatever
-/// the byte order of their format.
-template <int kLast, int kFirst>
-long OrderImages(const void* a, const void* b) {
-  auto* p = static_cast<const unsigned char*>(a);
-  auto* q = static_cast<const unsigned char*>(b);
-  for (int i = kLast; i >= kFirst; --i)
-    if (p[i] != q[i]) return p[i] - q[i];
-  return 0;
+// Images compare byte by byte from the last that counts to the first, whatever the byte
+// order of their format: as numbers whose least significant byte is the first.
+
+/// The difference of the most significant bytes that differ.
+long OrderBytes(unsigned long a, unsigned long b) {
+  if (a == b) return 0;
+  const int shift = (31 - __builtin_clzl(a ^ b)) & ~7;
+  return static_cast<long>(a >> shift & 0xFF) - static_cast<long>(b >> shift & 0xFF);
 }
+
+/// By the high part, which Top reads with what is stored behind it, then by the low one.
+template <class Top>
+long OrderObjectImages(const void* a, const void* b) {
+  const long tops = OrderBytes(FieldAt<Top>(a, kHigh), FieldAt<Top>(b, kHigh));
+  return tops != 0 ? tops : OrderBytes(FieldAt<unsigned long>(a, kLow), FieldAt<unsigned long>(b, kLow));
+}
+constexpr auto OrderObjIdImages = OrderObjectImages<unsigned short>;
+constexpr auto OrderRefImages = OrderObjectImages<unsigned long>;
+static_assert(kStoredDatabase == kHigh + 2, "a reference's database counts above the high part");
 
 /// Null sorts first, though its number and version are the highest.
 long OrderClassIdImages(const void* a, const void* b) {
-  const long numbers = OrderImages<1, 0>(a, b);
-  const long difference = numbers != 0 ? numbers : OrderImages<3, 2>(a, b);
+  const auto first = NxReadValue<NxClassId>(a), second = NxReadValue<NxClassId>(b);
+  const long numbers = OrderBytes(first.classNumber, second.classNumber);
+  const long difference = numbers != 0 ? numbers : OrderBytes(first.version, second.version);
   if (difference == 0) return 0;
-  // The bits of null are all set, in every byte order.
-  if (NxReadValue<NxClassId>(a).IsNullValue()) return -1;
-  if (NxReadValue<NxClassId>(b).IsNullValue()) return 1;
+  if (first.IsNullValue()) return -1;  // all its bits are set, in every byte order
+  if (second.IsNullValue()) return 1;
   return difference;
 }
 
@@ -208,9 +217,9 @@ long OrderValues(const void* a, const void* b) {
     return NxCompareArrays(arrays, count, error, orderImages);                                     \
   }
 
-NX_COMPARE_IDENTIFIERS(NxObjId, kObjIdBytes, (OrderImages<9, 4>))     // high and low
-NX_COMPARE_IDENTIFIERS(NxClassId, kClassIdBytes, OrderClassIdImages)  //
-NX_COMPARE_IDENTIFIERS(NxRef, kRefBytes, (OrderImages<11, 4>))        // database, high and low
+NX_COMPARE_IDENTIFIERS(NxObjId, kObjIdBytes, OrderObjIdImages)
+NX_COMPARE_IDENTIFIERS(NxClassId, kClassIdBytes, OrderClassIdImages)
+NX_COMPARE_IDENTIFIERS(NxRef, kRefBytes, OrderRefImages)
 
 #undef NX_COMPARE_IDENTIFIERS
 
@@ -252,7 +261,7 @@ unsigned long NxRef::Hash(unsigned char format, unsigned long len, void* value, 
 float NxObjId::EvalAndBound(NxIdxBounds* indexRange, unsigned short& relation, void* key,
                             unsigned char format, unsigned long count, NxIdxBounds* bounds) {
   relation &= kRelationMask;
-  // Estimates count the numbers in steps of 65535 a high part.
+  // The high part counts 65535 times: plans rest on it, as images rest on their layout.
   const NxTerm<double> term(indexRange, key, kObjIdBytes, [format](const void* image) {
     NxObjId id;
     Load(&id, image, format, 1);
@@ -270,7 +279,7 @@ float NxClassId::EvalAndBound(NxIdxBounds*, unsigned short&, void*, unsigned cha
 
 float NxRef::EvalAndBound(NxIdxBounds* /*indexRange*/, unsigned short& relation, void* key,
                           unsigned char format, unsigned long count, NxIdxBounds* bounds) {
-  // Of all references that there may be, since an index rarely holds those of its range.
+  // The part of all references that there may be: the index's range is not read.
   constexpr double kLows = 4294967295.0;
   constexpr double kAll = kLows * kLows;
   relation &= kRelationMask;

@@ -33,7 +33,7 @@ struct Field {
     if (width == Width::k32) return Read<unsigned long>(place);
     return Read<unsigned short>(place);
   }
-  /// Takes the low bits of a number too large for the field.
+  /// A field of 16 bits takes the low ones of the number.
   void Put(void* value, unsigned long number) const {
     const auto half = static_cast<unsigned short>(number);
     char* place = static_cast<char*>(value) + offset;
