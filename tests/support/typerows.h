@@ -21,6 +21,14 @@ struct TypeRow {
 
   bool Has(char trait) const { return traits.find(trait) != std::string::npos; }
   bool Nullable() const { return null != "-"; }
+  /// What SetNull makes of a value.
+  void MakeNull(unsigned char* value) const {
+    for (unsigned long i = 0; i < size; ++i) {
+      const std::string byte = null.substr(2 * i, 2);
+      if (byte != "..")
+        value[i] = byte == "zz" ? 0 : static_cast<unsigned char>(std::stoi(byte, nullptr, 16));
+    }
+  }
   unsigned long ImageSize() const {
     unsigned long bytes = 0;
     for (const Field& field : image) bytes += field.width;

@@ -13,11 +13,10 @@
 #include "nxtypevl.h"
 #include "nxtypmgr.h"
 #include "support/block.h"
+#include "support/strings.h"
 #include "support/typerows.h"
 
 namespace {
-
-int Sign(long v) { return (v > 0) - (v < 0); }
 
 template <class T>
 int Order(const unsigned char* a, const unsigned char* b) {
@@ -58,7 +57,6 @@ class Types : public testing::TestWithParam<TypeRow> {
   /// Values at the ends of their fields, few enough to meet; never a wildcard, and what is
   /// not stored is 0.
   Block Values(unsigned long n);
-  void MakeNull(unsigned char* value) const;
   bool IsNull(const unsigned char* value) const;
   /// The values with what is not stored made 0.
   Block Plain(const Block& values) const;
@@ -89,16 +87,9 @@ Block Types::Values(unsigned long n) {
         value[field.offset + i] = kEnds[Below(3) ? Below(2) : Below(6)];
     if (row.Has('o')) *value &= 1;  // other bytes have no order among themselves
     if (row.Has('n')) value[row.image[0].offset] = 0;
-    if (row.Nullable() && Below(4) == 0) MakeNull(value);
+    if (row.Nullable() && Below(4) == 0) row.MakeNull(value);
   }
   return values;
-}
-
-void Types::MakeNull(unsigned char* value) const {
-  for (unsigned long i = 0; i < size; ++i) {
-    const std::string byte = row.null.substr(2 * i, 2);
-    if (byte != "..") value[i] = byte == "zz" ? 0 : static_cast<unsigned char>(std::stoi(byte, nullptr, 16));
-  }
 }
 
 bool Types::IsNull(const unsigned char* value) const {
@@ -239,7 +230,7 @@ TEST_P(Types, LifeAndNull) {
     EXPECT_EQ(mgr.IsNullValue(id, value.Data()) != 0, IsNull(value.Data()));
     if (!row.Nullable() && !row.Has('z')) continue;
     if (row.Nullable()) {
-      MakeNull(expected.Data());
+      row.MakeNull(expected.Data());
     } else {
       std::memset(expected.Data(), 0, size);
     }
