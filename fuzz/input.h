@@ -1,5 +1,5 @@
-// What the fuzz targets share: the fields of a case, taken from the front of its bytes,
-// and memory of exactly the size in use, so that a step beside it is seen.
+// What the fuzz targets share: the fields of a case, taken from the front of its bytes.
+// They lie in memory of exactly their size, so that a step beside it is seen.
 #ifndef FUZZ_INPUT_H
 #define FUZZ_INPUT_H
 
@@ -7,35 +7,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <memory>
+
+#include "support/block.h"
 
 inline void Require(bool condition) {
   if (!condition) __builtin_trap();
 }
-
-/// memcpy, whose pointers may be null for no bytes.
-inline void CopyBytes(void* dst, const void* src, unsigned long n) {
-  if (n != 0) std::memcpy(dst, src, n);
-}
-
-/// Bytes in an allocation of just their size; none without bytes.
-class Block {
- public:
-  explicit Block(unsigned long size) : size_(size), bytes_(size != 0 ? new unsigned char[size] : nullptr) {}
-  Block(const void* bytes, unsigned long size) : Block(size) { CopyBytes(Data(), bytes, size); }
-  Block(const Block& b) : Block(b.Data(), b.Size()) {}
-  Block(Block&&) = default;
-
-  unsigned char* Data() const { return bytes_.get(); }
-  unsigned long Size() const { return size_; }
-  bool operator==(const Block& b) const {
-    return size_ == b.size_ && (size_ == 0 || std::memcmp(Data(), b.Data(), size_) == 0);
-  }
-
- private:
-  unsigned long size_;
-  std::unique_ptr<unsigned char[]> bytes_;
-};
 
 /// The bytes of one case. What lies behind their end reads as 0.
 class Input {

@@ -3,6 +3,8 @@
 #ifndef FUZZ_OPERAND_H
 #define FUZZ_OPERAND_H
 
+#include <memory>
+
 #include "input.h"
 #include "nxcistr.h"
 #include "nxistr.h"

@@ -12,7 +12,7 @@
 #include "nxstring.h"
 #include "ord2str.h"
 #include "strwild.h"
-#include "support/stringtest.h"
+#include "support/strings.h"
 
 namespace {
 

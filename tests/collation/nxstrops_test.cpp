@@ -11,7 +11,7 @@
 #include "nxtmdata.h"
 #include "nxtypcmp.h"
 #include "strwild.h"
-#include "support/stringtest.h"
+#include "support/strings.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "nxchar.h"
 #include "nxlang.h"
-#include "support/stringtest.h"
+#include "support/strings.h"
 
 namespace {
 

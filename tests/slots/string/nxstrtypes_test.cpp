@@ -9,7 +9,7 @@
 #include "nxconv.h"
 #include "nxlang.h"
 #include "nxtypes.h"
-#include "support/stringtest.h"
+#include "support/strings.h"
 
 namespace {
 

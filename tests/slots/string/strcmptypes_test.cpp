@@ -14,7 +14,7 @@
 #include "nxtypcmp.h"
 #include "nxtyphash.h"
 #include "strwild.h"
-#include "support/stringtest.h"
+#include "support/strings.h"
 
 namespace {
 
