@@ -202,21 +202,11 @@ NxTypeTab Nxd_DateTab = Pending("d_Date", "%a %b %e", Fixed(4));
 NxTypeTab Nxd_TimeTab = Pending("d_Time", "%I:%M:%S %p", Fixed(6));
 NxTypeTab Nxd_TimestampTab = Pending("d_Timestamp", "%a %b %e %I:%M:%S %p", Fixed(10));
 NxTypeTab Nxd_IntervalTab = Pending("d_Interval", "%e days, %I hours, %M minutes, %S seconds", Fixed(4));
-NxTypeTab NxNull_charTab = Pending("NxNull_char", "%c", Fixed(2), NxNull_charIsNull, NxNull_charSetNull);
-NxTypeTab NxNull_ucharTab = Pending("NxNull_uchar", "%c", Fixed(2), NxNull_ucharIsNull, NxNull_ucharSetNull);
-NxTypeTab NxNull_shortTab = Pending("NxNull_short", "%hd", Fixed(4), NxNull_shortIsNull, NxNull_shortSetNull);
-NxTypeTab NxNull_ushortTab =
-    Pending("NxNull_ushort", "%hu", Fixed(4), NxNull_ushortIsNull, NxNull_ushortSetNull);
-NxTypeTab NxNull_intTab = Pending("NxNull_int", "%d", Fixed(8), NxNull_intIsNull, NxNull_intSetNull);
-NxTypeTab NxNull_unsignedTab =
-    Pending("NxNull_unsigned", "%u", Fixed(8), NxNull_unsignedIsNull, NxNull_unsignedSetNull);
-NxTypeTab NxNull_longTab = Pending("NxNull_long", "%ld", Fixed(8), NxNull_longIsNull, NxNull_longSetNull);
-NxTypeTab NxNull_ulongTab = Pending("NxNull_ulong", "%lu", Fixed(8), NxNull_ulongIsNull, NxNull_ulongSetNull);
-NxTypeTab NxNull_floatTab = Pending("NxNull_float", "%f", Fixed(8), NxNull_floatIsNull, NxNull_floatSetNull);
-NxTypeTab NxNull_doubleTab =
-    Pending("NxNull_double", "%lf", Fixed(12), NxNull_doubleIsNull, NxNull_doubleSetNull);
-NxTypeTab NxNull_NxInt64Tab =
-    Pending("NxNull_NxInt64", "%S", Fixed(12), NxNull_NxInt64IsNull, NxNull_NxInt64SetNull);
+
+#define NX_NULLABLE_RECORD(Type, Value, Scalar, Format)                                                     \
+  NxTypeTab Type##Tab = Nullable(NX_SLOTS(Type, Type, Type, Type##Load, Type##DefaultValue), #Type, Format, \
+                                 Fixed(sizeof(Type)), Type##IsNull, Type##SetNull);
+NX_NULLABLE_TYPES(NX_NULLABLE_RECORD)
 
 NxTypeTab* NxNewtypetab[kTypeCount] = {
     &NxCharTab,       &NxShortTab,       &NxLongTab,        &NxDoubleTab,        &NxFloatTab,

@@ -97,12 +97,9 @@ long NxOrder(const V& a, const V& b) {
   return a < b ? -1 : a > b ? 1 : 0;
 }
 
-/// What ends every hash.
-inline constexpr unsigned long kHashMultiplier = 1103515245;
-
-/// Combines the words of the elements that the buffer holds. Hashes are 32 bits wide.
+/// Combines the words of the elements that the buffer holds. Words are 32 bits wide.
 template <class WordOf>
-unsigned long NxHashArray(NxElements array, unsigned long count, int& error, WordOf word) {
+unsigned long NxCombineWords(NxElements array, unsigned long count, int& error, WordOf word) {
   error = 0;
   unsigned long h = 0;
   for (unsigned long i = 0; i < count && error == 0; ++i) {
@@ -113,7 +110,16 @@ unsigned long NxHashArray(NxElements array, unsigned long count, int& error, Wor
     h ^= word(array.Place());
     if (i + 1 < count && !array.Advance()) error = kPastBuffer;
   }
-  return h * kHashMultiplier;
+  return h;
+}
+
+/// What ends every hash.
+inline constexpr unsigned long kHashMultiplier = 1103515245;
+
+/// The hash of an array of values, made of the words of its elements.
+template <class WordOf>
+unsigned long NxHashArray(const NxElements& array, unsigned long count, int& error, WordOf word) {
+  return NxCombineWords(array, count, error, word) * kHashMultiplier;
 }
 
 /// Three fields in one word, as a sum: the sign of a field reaches into those above.
