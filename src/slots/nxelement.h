@@ -15,7 +15,7 @@ class NxElements {
   /// A length of 0 means room for all count values.
   NxElements(const void* values, unsigned long length, unsigned long count, unsigned long size)
       : place_(static_cast<const unsigned char*>(values)),
-        left_(length ? length : static_cast<unsigned long long>(count) * size),
+        left_(length ? length : Room(count, size)),
         size_(size) {}
 
   const void* Place() const { return place_; }
@@ -31,8 +31,14 @@ class NxElements {
   }
 
  private:
+  /// No array is longer than the address space.
+  static unsigned long Room(unsigned long count, unsigned long size) {
+    unsigned long bytes;
+    return __builtin_mul_overflow(count, size, &bytes) ? ~0UL : bytes;
+  }
+
   const unsigned char* place_;
-  unsigned long long left_;  // bytes from place_ to the end
+  unsigned long left_;  // bytes from place_ to the end
   unsigned long size_;
 };
 
