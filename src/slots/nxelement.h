@@ -66,9 +66,9 @@ long NxCompareArrays(NxOperands arrays, unsigned long count, int& error, Compare
 inline constexpr unsigned long kHashMultiplier = 1103515245;
 
 /// Combines the words of the elements that the buffer holds: word(p) makes one of the
-/// value at p. Hashes are 32 bits wide.
+/// value at p. Words are 32 bits wide.
 template <class WordOf>
-unsigned long NxHashArray(NxElements array, unsigned long count, int& error, WordOf word) {
+unsigned long NxCombineWords(NxElements array, unsigned long count, int& error, WordOf word) {
   error = 0;
   unsigned long h = 0;
   for (unsigned long i = 0; i < count && error == 0; ++i) {
@@ -79,7 +79,13 @@ unsigned long NxHashArray(NxElements array, unsigned long count, int& error, Wor
     h ^= word(array.Place());
     if (i + 1 < count && !array.Advance()) error = kPastBuffer;
   }
-  return h * kHashMultiplier;
+  return h;
+}
+
+/// The hash of an array of values, made of the words of its elements.
+template <class WordOf>
+unsigned long NxHashArray(const NxElements& array, unsigned long count, int& error, WordOf word) {
+  return NxCombineWords(array, count, error, word) * kHashMultiplier;
 }
 
 inline bool NxInMemory(unsigned char format) { return (format & kFormatCodeMask) == kFormatMemory; }

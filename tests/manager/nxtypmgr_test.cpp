@@ -99,7 +99,7 @@ TEST(Records, EverySlotIsFilled) {
 }
 
 // The types some of whose operations still are the illegal type's.
-TEST(Records, PendingTypes) {
+TEST(Records, NoTypeStandsInForAnother) {
   std::set<std::string> pending;
   void* illegal[25];
   std::memcpy(illegal, &NxIllegalTab, sizeof illegal);
@@ -110,10 +110,7 @@ TEST(Records, PendingTypes) {
     for (int i : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 21, 22, 24})
       if (slots[i] == illegal[i]) pending.insert(record->name);
   }
-  const std::set<std::string> expected = {"NxNull_char",  "NxNull_uchar",    "NxNull_short",  "NxNull_ushort",
-                                          "NxNull_int",   "NxNull_unsigned", "NxNull_long",   "NxNull_ulong",
-                                          "NxNull_float", "NxNull_double",   "NxNull_NxInt64"};
-  EXPECT_EQ(pending, expected);
+  EXPECT_EQ(pending, std::set<std::string>());
 }
 
 TEST(Records, SharedFunctions) {
