@@ -140,9 +140,9 @@ void* NxNullValues(unsigned long n) {
 
 /// Create to Copy of a type. Some types name Create and Delete (`Creator`) otherwise than
 /// the rest (`Type`). Form makes and releases.
-#define NX_LIFE_CYCLE(Creator, Type, Form, Values)                                       \
-  void* Creator##Create(unsigned long n) { return Form::Create(n); }                     \
-  int Creator##Delete(void* values, unsigned long n) { return Form::Delete(values, n); } \
-  NX_PLACES(Type, Values)
+#define NX_LIFE_CYCLE(Creator, Type, Form, Values)                   \
+  NX_PLACES(Type, Values)                                            \
+  void* Creator##Create(unsigned long n) { return Form::Create(n); } \
+  int Creator##Delete(void* values, unsigned long n) { return Form::Delete(values, n); }
 
 #endif

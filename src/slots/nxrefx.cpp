@@ -211,7 +211,7 @@ long OrderValues(const void* a, const void* b) {
 #define NX_COMPARE_IDENTIFIERS(Class, storedBytes, orderImages)                                    \
   long Class::Compare(unsigned char format, unsigned long len1, void* value1, unsigned long len2,  \
                       void* value2, unsigned short /*options*/, unsigned long count, int& error) { \
-    const unsigned long size = NxInMemory(format) ? sizeof(Class) : storedBytes;                   \
+    const unsigned long size = NxInMemory(format) ? sizeof(Class) : (storedBytes);                 \
     const NxOperands arrays = {{value1, len1, count, size}, {value2, len2, count, size}};          \
     if (NxInMemory(format)) return NxCompareArrays(arrays, count, error, OrderValues<Class>);      \
     return NxCompareArrays(arrays, count, error, orderImages);                                     \
