@@ -1,11 +1,13 @@
 #include "collation/nxtextkey.h"
 
 #include "base/nxgrowlist.h"
+#include "collation/nxlevels.h"
 #include "nxchar.h"
 #include "nxlang.h"
 #include "nxstring.h"
 #include "nxstritr.h"
 #include "ord2str.h"
+#include "text/nxchartext.h"
 
 namespace {
 
@@ -53,11 +55,6 @@ constexpr unsigned long kShortRow = 0x7D;
 
 constexpr unsigned char kHomeSelector = 1;
 constexpr unsigned kSmallCase = 1;  // of an order value; 0 is a capital, 2 and 3 are lower still
-
-bool IsNull(const NxKeyText& text) {
-  return text.language == kLanguageNull ||
-         (text.codeSet == kCodeSetOrderValues && text.language == kLanguageNone);
-}
 
 /// Writes base letters, naming the selector where it changes.
 class BaseLetterWriter {
@@ -136,14 +133,13 @@ class TextKey {
   };
 
   bool Take(unsigned short order, unsigned char selector) {
-    if (order < kFirstDigitOrder && selector < kPlainOrderSelector) return ignorables_.Add(order);
+    if (NxLevels::IsIgnorable(order, selector)) return ignorables_.Add(order);
     if (!CloseGap()) return false;
     letters_.Put(order, selector);
-    const unsigned marks = GetCompareFromOrder(order, selector) & 0x7F;
-    const bool isLetter =
-        order >= kFirstLetterOrder && order < kFirstHanOrder && selector != kPlainOrderSelector;
-    const auto accent = static_cast<unsigned char>(marks & 31);
-    const auto letterCase = static_cast<unsigned char>(marks >> 5);
+    const unsigned key = GetCompareFromOrder(order, selector);
+    const bool isLetter = NxIsLetterOrder(order) && selector != kPlainOrderSelector;
+    const auto accent = static_cast<unsigned char>(key & NxLevels::kAccentBits);
+    const auto letterCase = static_cast<unsigned char>((key & NxLevels::kCaseBits) >> 5);
     if (accent != 0 && !accents_.Add({count_, accent})) return false;
     if (isLetter && letterCase != kSmallCase && !cases_.Add({count_, letterCase})) return false;
     ++count_;
@@ -246,7 +242,7 @@ NxStringIterator Open(const NxKeyText& text) {
 }  // namespace
 
 bool NxWriteTextKey(const NxKeyText& text, NxKeyWriter& key) {
-  if (IsNull(text)) {
+  if (NxIsNullText(text.codeSet, text.language)) {
     key.Put(kNullKey);
     return true;
   }
@@ -267,8 +263,7 @@ bool NxWriteTextKeyPrefix(const NxKeyText& term, bool wildcards, NxKeyWriter& ke
   NxStringIterator it = Open(term);
   while (const unsigned short order = it.GetNextOrder(1)) {
     if (wildcards && (order == asterisk || order == question)) return true;
-    if (order >= kFirstDigitOrder || it._nCollation >= kPlainOrderSelector)
-      letters.Put(order, it._nCollation);
+    if (!NxLevels::IsIgnorable(order, it._nCollation)) letters.Put(order, it._nCollation);
   }
   return false;
 }
