@@ -2,19 +2,28 @@
 ///
 /// A print slot writes the text of one value and returns its output string; a scan
 /// slot reads one value and returns the value's address. Only char reads n: its
-/// values are printed and scanned as one text. 64-bit, seal and blob prints append to
-/// the output, the others replace it. Null values print as
-/// `NxTypeMgr::GetNullPrintString`, and input that begins with that text scans as null.
+/// values are printed and scanned as one text. Dates, times, 64-bit integers, seals
+/// and blobs are appended to the output, the others replace it. Null values replace it by
+/// `NxTypeMgr::GetNullPrintString`, and input that begins with that text, byte for byte,
+/// scans as null.
 ///
 /// Formats are those of the C library for the scalars and strings ("%s"). They are
 /// checked first: at most one conversion, of the value's kind, no wider than the value
-/// when scanning, without "*", "%n" and positions. A format that is none of these, or
-/// null, leaves the output or the value as it is. Printed numbers are cut at 511
-/// characters. A string of order values (code set 254) also takes "%1M" (without
-/// accents), "%2M" (as "%s"), "%3M" (descriptions) and "%4M" (ASCII pairs). For
-/// NxInt64: %S %d %i decimal, %o octal (prefix 0), %x %X hexadecimal (prefix 0x), null
-/// counting as "%S"; for NxBlob: %L the length, any other character behind "%" that
-/// character; for NxBoolean and NxSeal: not read.
+/// when scanning, without "*", "%n" and positions. A format that is none of these prints
+/// as it is and scans nothing; null leaves the output or the value as it is. Printed
+/// numbers are cut at 511 characters. For strings "%1M" to "%4M" count as "%s"; a string
+/// of order values (code set 254) prints without accents, as under "%s", as descriptions
+/// and as ASCII pairs under them. For NxInt64: %S %d %i decimal, %o octal (prefix 0),
+/// %x %X hexadecimal (prefix 0x), null counting as "%S"; for NxBlob: %L the length, any
+/// other character behind "%" that character; for NxBoolean and NxSeal: not read.
+///
+/// Directives of dates and times; docs/text.md says what they read, with examples:
+///
+///   %A %a  weekday, its first 3 letters     %H     hour, 00 to 23
+///   %B %b  month, its first 3 letters       %I     hour of a clock, 12 at midnight only
+///   %d %e  day                                       beside %p or %P
+///   %m     month                            %M %S  minute, second
+///   %Y %y  year, year of the century        %p %P  am or pm, AM or PM
 #ifndef NXTYPFMT_H
 #define NXTYPFMT_H
 

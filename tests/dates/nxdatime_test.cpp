@@ -154,7 +154,12 @@ TEST(DateTimeSlots, ImagesOfTwoOrders) {
   EXPECT_EQ(mgr.DiskLenGet(19, values, 1, 2, 8), 14);
 
   std::unique_ptr<NxDateTime> none(static_cast<NxDateTime*>(NxDateTimeDefaultValue(1, 1)));
-  EXPECT_TRUE(none->IsNullValue());
+  EXPECT_TRUE(NxDateTimeIsNull(none.get()));
+  NxDateTimeConstructor(none.get(), 1, 0);
+  EXPECT_FALSE(NxDateTimeIsNull(none.get()));
+  EXPECT_EQ(NxDateTimeSetNull(none.get()), 0);
+  NxDateTimeCopy(loaded, none.get(), 2, 1);
+  EXPECT_TRUE(loaded[1].IsNullValue());
   auto* many = static_cast<NxDateTime*>(NxDateTimeDefaultValue(3, 0));
   EXPECT_EQ(Text(many[2]), "-4713-11-24T00:00:00");  // what an empty text converts to
   EXPECT_EQ(NxDateTimeDelete(many, 3), 0);

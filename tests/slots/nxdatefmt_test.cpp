@@ -38,26 +38,26 @@ struct Type {
   std::string format;  // of the values in the document
 };
 
+#define NX_TEXT(T, Prefix) Through<T, Prefix##PrintToNxString, Prefix##ScanFromNxString>
+
 const std::map<std::string, Type> kTypes = {
-    {"NxDate", {Through<NxDate, DatePrintToNxString, DateScanFromNxString>, "%Y-%m-%d"}},
-    {"NxTime", {Through<NxTime, TimePrintToNxString, TimeScanFromNxString>, "%H:%M:%S"}},
-    {"NxDateTime", {Through<NxDateTime, DaTimePrintToNxString, DaTimeScanFromNxString>, "%Y-%m-%dT%H:%M:%S"}},
-    {"d_Date", {Through<d_Date, d_DatePrintToNxString, d_DateScanFromNxString>, "%Y-%m-%d"}},
-    {"d_Time", {Through<d_Time, d_TimePrintToNxString, d_TimeScanFromNxString>, "%H:%M:%S"}},
-    {"d_Timestamp",
-     {Through<d_Timestamp, d_TimestampPrintToNxString, d_TimestampScanFromNxString>, "%Y-%m-%dT%H:%M:%S"}},
-    {"d_Interval",
-     {Through<d_Interval, d_IntervalPrintToNxString, d_IntervalScanFromNxString>, "%e %H:%M:%S"}},
-    {"char", {Through<char, CharPrintToNxString, CharScanFromNxString>, "%c"}},
-    {"short", {Through<short, ShortPrintToNxString, ShortScanFromNxString>, "%hd"}},
-    {"int", {Through<int, IntPrintToNxString, IntScanFromNxString>, "%d"}},
-    {"long", {Through<long, LongPrintToNxString, LongScanFromNxString>, "%ld"}},
-    {"double", {Through<double, DoublePrintToNxString, DoubleScanFromNxString>, "%lf"}},
-    {"NxInt64", {Through<NxInt64, Int64PrintToNxString, Int64ScanFromNxString>, "%S"}},
-    {"NxString", {Through<NxString, NxStringPrintToNxString, NxStringScanFromNxString>, "%s"}},
-    {"NxIString", {Through<NxIString, NxIStringPrintToNxString, NxIStringScanFromNxString>, "%s"}},
-    {"NxBoolean", {Through<NxBoolean, BooleanPrintToNxString, BooleanScanFromNxString>, "noop"}},
-    {"NxSeal", {Through<NxSeal, SealPrintToNxString, SealScanFromNxString>, "noop"}},
+    {"NxDate", {NX_TEXT(NxDate, Date), "%Y-%m-%d"}},
+    {"NxTime", {NX_TEXT(NxTime, Time), "%H:%M:%S"}},
+    {"NxDateTime", {NX_TEXT(NxDateTime, DaTime), "%Y-%m-%dT%H:%M:%S"}},
+    {"d_Date", {NX_TEXT(d_Date, d_Date), "%Y-%m-%d"}},
+    {"d_Time", {NX_TEXT(d_Time, d_Time), "%H:%M:%S"}},
+    {"d_Timestamp", {NX_TEXT(d_Timestamp, d_Timestamp), "%Y-%m-%dT%H:%M:%S"}},
+    {"d_Interval", {NX_TEXT(d_Interval, d_Interval), "%e %H:%M:%S"}},
+    {"char", {NX_TEXT(char, Char), "%c"}},
+    {"short", {NX_TEXT(short, Short), "%hd"}},
+    {"int", {NX_TEXT(int, Int), "%d"}},
+    {"long", {NX_TEXT(long, Long), "%ld"}},
+    {"double", {NX_TEXT(double, Double), "%lf"}},
+    {"NxInt64", {NX_TEXT(NxInt64, Int64), "%S"}},
+    {"NxString", {NX_TEXT(NxString, NxString), "%s"}},
+    {"NxIString", {NX_TEXT(NxIString, NxIString), "%s"}},
+    {"NxBoolean", {NX_TEXT(NxBoolean, Boolean), "noop"}},
+    {"NxSeal", {NX_TEXT(NxSeal, Seal), "noop"}},
 };
 
 /// The cells of a table's row, without spaces around and backquotes; none for other lines.
