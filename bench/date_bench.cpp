@@ -1,5 +1,5 @@
-// Day numbers to dates and back beside the civil calendar of <chrono>, over 1024 days
-// of the years 1600 to 2400 in random order; and the weekday.
+// Day numbers to dates and back, of NxDate and of d_Date, beside the civil calendar of
+// <chrono>, over 1024 days of the years 1600 to 2400 in random order; and the weekday.
 
 #include <benchmark/benchmark.h>
 
@@ -7,6 +7,7 @@
 #include <random>
 #include <vector>
 
+#include "d_date.h"
 #include "nxcomp.h"
 
 namespace {
@@ -59,8 +60,30 @@ std::vector<NxDate> Dates() {
   return dates;
 }
 
+std::vector<d_Date> StandardDates() {
+  std::vector<d_Date> dates;
+  for (const NxDate& d : Dates()) dates.push_back(d_Date(d));
+  return dates;
+}
+
 void ToDayNumber(benchmark::State& state) {
   Measure(state, Dates(), [](const NxDate& d) { return d.dayabs(); });
+}
+
+void StandardFromDayNumber(benchmark::State& state) {
+  Measure(state, DayNumbers(), [](long d) {
+    d_Date date(0, 0, 0);
+    date.setAbsDate(d - 1);
+    return date;
+  });
+}
+
+void StandardToDayNumber(benchmark::State& state) {
+  Measure(state, StandardDates(), [](const d_Date& d) { return d.getAbsDate(); });
+}
+
+void StandardWeekday(benchmark::State& state) {
+  Measure(state, StandardDates(), [](const d_Date& d) { return d.day_of_week(); });
 }
 
 void WeekdayChrono(benchmark::State& state) {
@@ -77,10 +100,13 @@ void Weekday(benchmark::State& state) {
 
 BENCHMARK(FromDayNumberChrono)->Name("date from day number/chrono");
 BENCHMARK(FromDayNumber)->Name("date from day number/NxDate");
+BENCHMARK(StandardFromDayNumber)->Name("date from day number/d_Date");
 BENCHMARK(ToDayNumberChrono)->Name("date to day number/chrono");
 BENCHMARK(ToDayNumber)->Name("date to day number/NxDate");
+BENCHMARK(StandardToDayNumber)->Name("date to day number/d_Date");
 BENCHMARK(WeekdayChrono)->Name("weekday/chrono");
 BENCHMARK(Weekday)->Name("weekday/NxDate");
+BENCHMARK(StandardWeekday)->Name("weekday/d_Date");
 
 }  // namespace
 

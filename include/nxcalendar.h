@@ -34,18 +34,31 @@ constexpr long YearShift(long month) { return (month - 14) / 12; }
   return 1461 * y / 4 + day - 32075 + (367 * (month - 12 * shift) - 734) / 12 - 3 * ((y + 100) / 100) / 4;
 }
 
+/// By month, the day number of the day before it in the year that begins with March of
+/// year kFirstYear: January and February close that year. Month 13 is January again.
+inline constexpr long kBeforeMonth[] = {0,
+                                        kFirstMarch + 305,
+                                        kFirstMarch + 336,
+                                        kFirstMarch - 1,
+                                        kFirstMarch + 30,
+                                        kFirstMarch + 60,
+                                        kFirstMarch + 91,
+                                        kFirstMarch + 121,
+                                        kFirstMarch + 152,
+                                        kFirstMarch + 183,
+                                        kFirstMarch + 213,
+                                        kFirstMarch + 244,
+                                        kFirstMarch + 274,
+                                        kFirstMarch + 305};
+
 /// The day number of a date. Month 13 counts as January of the next year. The
 /// arguments have the range of the fields of a date (one more for the month).
 constexpr long DayNumber(long year, long month, long day) {
   if (year <= kFirstYear || month < 1 || month > 13) return GeneralDayNumber(year, month, day);
-  // Nothing is negative here: shifts do for most divisions. The months from March (3)
-  // on begin 0, 31, 61, 92 ... days into their year.
-  const bool early = month <= 2;
-  const unsigned long y = static_cast<unsigned long>(year - kFirstYear) - early;
-  const unsigned long m = static_cast<unsigned long>(month) + (early ? 12 : 0);
-  const unsigned long century = y / 100;
-  return static_cast<long>((1461 * y >> 2) - century + (century >> 2) + ((979 * m - 2919) >> 5)) + day - 1 +
-         kFirstMarch;
+  // Years begin with March, and none is negative here: shifts do for divisions.
+  const unsigned long y = static_cast<unsigned long>(year - kFirstYear) - (month <= 2);
+  const unsigned long centuries = 5243 * y >> 19;  // y / 100 for y below 43690
+  return static_cast<long>((1461 * y >> 2) - centuries + (centuries >> 2)) + day + kBeforeMonth[month];
 }
 
 /// Sum and product that wrap in 32 bits, as day numbers far beyond any date do.
