@@ -34,8 +34,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const unsigned short options = in.Word();
   const unsigned char few = in.Byte();
   const unsigned long count = few < 250 ? few : ~0UL >> (few - 250);
-  // What a blob holds in memory is a pointer.
-  if (!subject.IsString() && !subject.mgr.IsFixed(subject.id) && subject.InMemory(format)) return 0;
 
   const Operand a(in, subject, format, count);
   const Operand b(in, subject, format, count);

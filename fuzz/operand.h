@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "input.h"
+#include "nxblob.h"
 #include "nxcistr.h"
 #include "nxistr.h"
 #include "nxlang.h"
@@ -26,6 +27,9 @@ struct Subject {
   bool IsText() const { return id == kStringTypeId; }
   bool IsAlphabetic() const { return id == kIString || id == kCaseIString; }
   bool IsString() const { return IsText() || IsAlphabetic(); }
+  bool IsBlob() const { return id == kBlob; }
+  /// Whether a value in memory refers to storage of its own.
+  bool OwnsStorage() { return !mgr.IsFixed(id); }
   /// Whether the type has operations of its own.
   bool IsIllegal() { return mgr.CmpFuncPtrGet(id) == NxIllegalCompare; }
   /// Whether a format byte hands a Compare or Hash slot values in memory.
@@ -33,16 +37,24 @@ struct Subject {
     return IsString() ? format == kFormatMemory : (format & kFormatCodeMask) == kFormatMemory;
   }
 
+  static constexpr char kBlob = 18;
   static constexpr char kIString = 20;
   static constexpr char kCaseIString = 21;
 };
 
-/// Gives a string value of the type some text, form and language.
+/// Gives a string value of the type some text, form and language; a blob bytes.
 inline void TakeText(Input& in, const Subject& subject, void* value) {
   const unsigned char kind = in.Byte();
   const unsigned char form = in.Byte();
   const Block bytes = in.TakeBlock();
   auto* text = reinterpret_cast<const char*>(bytes.Data());
+  if (subject.IsBlob()) {
+    if (kind & 1)
+      static_cast<NxBlob*>(value)->SetTo(text, static_cast<long>(bytes.Size()));
+    else
+      static_cast<NxBlob*>(value)->SetNullValue();
+    return;
+  }
   if (subject.IsText()) {
     auto& s = *static_cast<NxString*>(value);
     s = NxString(kind, form);
@@ -65,22 +77,23 @@ inline void TakeText(Input& in, const Subject& subject, void* value) {
   }
 }
 
-/// String values in memory, released with the object.
-class StringValues {
+/// Values that own storage in memory, strings and blobs, released with the object.
+class OwningValues {
  public:
-  StringValues(Subject& subject, unsigned long n)
+  OwningValues(Subject& subject, unsigned long n)
       : subject_(subject), n_(n), values_(subject.mgr.Create(subject.id, n)) {}
-  StringValues(Input& in, Subject& subject, unsigned long n) : StringValues(subject, n) {
+  OwningValues(Input& in, Subject& subject, unsigned long n) : OwningValues(subject, n) {
     for (unsigned long i = 0; i < n; ++i) TakeText(in, subject, At(i));
   }
-  StringValues(const StringValues&) = delete;
-  StringValues& operator=(const StringValues&) = delete;
-  ~StringValues() { subject_.mgr.Delete(subject_.id, values_, n_); }
+  OwningValues(const OwningValues&) = delete;
+  OwningValues& operator=(const OwningValues&) = delete;
+  ~OwningValues() { subject_.mgr.Delete(subject_.id, values_, n_); }
 
   void* Data() const { return values_; }
-  void* At(unsigned long i) const { return static_cast<char*>(values_) + kValueSize * i; }
+  void* At(unsigned long i) const { return static_cast<char*>(values_) + Size(subject_) * i; }
 
-  static constexpr unsigned long kValueSize = 8;  // of all three types
+  /// Bytes of a value.
+  static unsigned long Size(Subject& subject) { return subject.mgr.MemLenGet(subject.id, 1); }
 
  private:
   Subject& subject_;
@@ -98,8 +111,13 @@ inline unsigned short LengthAt(const void* place, unsigned char format) {
 /// Whether the image of `count` values lies within the block, so that a slot may be
 /// called without a length.
 inline bool IsWhole(Subject& subject, const Block& block, unsigned char format, unsigned long count) {
+  if (subject.IsBlob()) {  // an image with a negative size ends behind that
+    if (block.Size() < 4) return false;
+    long size;
+    LongStore(&size, block.Data(), format & kFormatCodeMask, 1);
+    return size < 0 || size <= static_cast<long>(block.Size() - 4);
+  }
   if (!subject.IsString()) {
-    if (!subject.mgr.IsFixed(subject.id)) return false;  // no size is known without the values
     const int stored =
         subject.mgr.DiskLenGet(subject.id, nullptr, format & kFormatCodeMask, 1, kFormatMemory);
     const auto size = std::max<unsigned long>(stored, subject.mgr.MemLenGet(subject.id, 1));
@@ -125,7 +143,7 @@ class Operand {
   Operand(Input& in, Subject& subject, unsigned char format, unsigned long count)
       : unlimited_(in.Byte() & 1), block_(TakeArray(in, subject, format)) {
     const bool objects = values_ != nullptr;
-    unlimited_ = unlimited_ && (objects ? count <= block_.Size() / StringValues::kValueSize
+    unlimited_ = unlimited_ && (objects ? count <= block_.Size() / OwningValues::Size(subject)
                                         : IsWhole(subject, block_, format, count));
   }
 
@@ -139,15 +157,16 @@ class Operand {
  private:
   /// Objects are built beside the array, which holds what there is room for of them.
   Block TakeArray(Input& in, Subject& subject, unsigned char format) {
-    if (!subject.IsString() || !subject.InMemory(format)) return in.TakeBlock();
+    if (!subject.OwnsStorage() || !subject.InMemory(format)) return in.TakeBlock();
+    const unsigned long size = OwningValues::Size(subject);
     const unsigned char shape = in.Byte();
     const unsigned long n = 1 + shape % 4;
-    values_ = std::make_unique<StringValues>(in, subject, n);
-    return Block(values_->Data(), n * StringValues::kValueSize - shape / 4 % StringValues::kValueSize);
+    values_ = std::make_unique<OwningValues>(in, subject, n);
+    return Block(values_->Data(), n * size - shape / 4 % size);
   }
 
   bool unlimited_;
-  std::unique_ptr<StringValues> values_;
+  std::unique_ptr<OwningValues> values_;
   Block block_;
 };
 

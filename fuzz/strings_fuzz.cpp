@@ -5,11 +5,11 @@
 
 #include <iterator>
 
+#include "collation/nxstrcmp.h"
 #include "input.h"
 #include "nx_utf_8.h"
 #include "nxbase.h"
 #include "nxchar.h"
-#include "collation/nxstrcmp.h"
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "strwild.h"

@@ -1,4 +1,4 @@
-// Translation of strings between memory, stored images and keys: nothing is written
+// Translation of strings and blobs between memory, stored images and keys: nothing is written
 // beside the destination or read beside the source, the source stays as it is, the
 // bytes produced depend on the source alone, and what is stored loads again.
 
@@ -10,6 +10,7 @@ namespace {
 constexpr unsigned char kEarly = 0x80;  // of a subject's byte
 constexpr unsigned char kSubjects[] = {kStringTypeId, Subject::kIString, Subject::kCaseIString,
                                        kStringTypeId | kEarly};
+constexpr unsigned char kBlobs = 0x80;  // of a case's first byte: of blobs
 
 struct Case {
   Subject subject;
@@ -34,7 +35,7 @@ void CheckText(const NxString& s) {
   for (unsigned long i = s._nSize - width; i < s._nSize; ++i) Require(s._pBuffer[i] == 0);
 }
 
-void CheckValues(const Case& c, const StringValues& values) {
+void CheckValues(const Case& c, const OwningValues& values) {
   for (unsigned long i = 0; i < c.n && c.subject.IsText(); ++i)
     CheckText(*static_cast<const NxString*>(values.At(i)));
 }
@@ -58,7 +59,7 @@ Block Store(Case& c, void* src, unsigned long srcLength, unsigned long length, u
 
 /// A current string that was stored whole is the same when it is loaded.
 void CheckLoad(Case& c, const Block& image, const NxString& s) {
-  StringValues loaded(c.subject, 1);
+  OwningValues loaded(c.subject, 1);
   auto& back = *static_cast<NxString*>(loaded.Data());
   const int read = c.subject.mgr.Translate(c.subject.id, &back, kFormatMemory, 0, image.Data(), c.dstForm,
                                            image.Size(), 1);
@@ -68,7 +69,7 @@ void CheckLoad(Case& c, const Block& image, const NxString& s) {
 
 void Translate(Case& c, void* src, unsigned long srcLength, unsigned long dstLength) {
   if (c.ToMemory()) {
-    StringValues values(c.subject, c.n);
+    OwningValues values(c.subject, c.n);
     c.subject.mgr.Translate(c.subject.id, values.Data(), c.dstForm, 0, src, c.srcForm, srcLength, c.n);
     CheckValues(c, values);
     return;
@@ -88,11 +89,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   NxSetAssertHandler(IgnoreReport);
   Input in(data, size);
   const unsigned char choice = in.Byte();
-  Case c = {Subject(kSubjects[choice % 4]), in.Byte(), in.Byte(), choice / 4 % 5UL};
+  Case c = {Subject(choice & kBlobs ? Subject::kBlob : kSubjects[choice % 4]), in.Byte(), in.Byte(),
+            choice / 4 % 5UL};
   const unsigned long dstLength = in.Size();
+  // To blobs a length of 0 is no limit.
+  if (c.subject.IsBlob() && ((!c.ToMemory() && dstLength == 0) || (!c.FromMemory() && in.IsUsedUp())))
+    return 0;
   if (c.FromMemory()) {
-    const StringValues values(in, c.subject, c.n);
-    const Block objects(values.Data(), c.n * StringValues::kValueSize);
+    const OwningValues values(in, c.subject, c.n);
+    const Block objects(values.Data(), c.n * OwningValues::Size(c.subject));
     Translate(c, values.Data(), 0, dstLength);
     Require(Block(values.Data(), objects.Size()) == objects);
     CheckValues(c, values);

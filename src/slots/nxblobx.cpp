@@ -227,18 +227,8 @@ long CompareStored(BlobReader first, BlobReader second, unsigned long count, int
   return 0;
 }
 
-long CompareInMemory(NxElements first, NxElements second, unsigned long count, int& error) {
-  for (; count > 0; --count) {
-    if (!first.Holds() || !second.Holds()) {
-      error = kPastBuffer;
-      return 0;
-    }
-    const long result =
-        *static_cast<const NxBlob*>(first.Place()) != *static_cast<const NxBlob*>(second.Place());
-    if (count > 1 && !(first.Advance() && second.Advance())) error = kPastBuffer;
-    if (result != 0 || error != 0) return result;
-  }
-  return 0;
+long OrderInMemory(const void* a, const void* b) {
+  return *static_cast<const NxBlob*>(a) != *static_cast<const NxBlob*>(b);
 }
 
 }  // namespace
@@ -248,8 +238,8 @@ long BlobCompare(unsigned char format, unsigned long len1, void* value1, unsigne
   error = 0;
   if (count == 0) return 0;
   if (NxInMemory(format))
-    return CompareInMemory({value1, len1, count, sizeof(NxBlob)}, {value2, len2, count, sizeof(NxBlob)},
-                           count, error);
+    return NxCompareArrays({{value1, len1, count, sizeof(NxBlob)}, {value2, len2, count, sizeof(NxBlob)}},
+                           count, error, OrderInMemory);
   return CompareStored({value1, len1, format}, {value2, len2, format}, count, error);
 }
 
@@ -262,17 +252,8 @@ float BlobEvalAndBound(NxIdxBounds*, unsigned short&, void*, unsigned char, unsi
 
 namespace {
 
-unsigned long HashInMemory(NxElements blobs, unsigned long count, int& error) {
-  unsigned long h = 0;
-  for (; count > 0 && error == 0; --count) {
-    if (!blobs.Holds()) {
-      error = kPastBuffer;
-      break;
-    }
-    h ^= static_cast<unsigned long>(static_cast<const NxBlob*>(blobs.Place())->Length());
-    if (count > 1 && !blobs.Advance()) error = kPastBuffer;
-  }
-  return h;
+unsigned long WordInMemory(const void* p) {
+  return static_cast<unsigned long>(static_cast<const NxBlob*>(p)->Length());
 }
 
 /// Takes what stands at a place for the header of an image: mixes in the size of that
@@ -305,8 +286,7 @@ unsigned long BlobHash(unsigned char format, unsigned long len, void* value, uns
                        int& error) {
   error = 0;
   if (count == 0) return 0;
-  if (NxInMemory(format))
-    return kHashMultiplier * HashInMemory({value, len, count, sizeof(NxBlob)}, count, error);
+  if (NxInMemory(format)) return NxHashArray({value, len, count, sizeof(NxBlob)}, count, error, WordInMemory);
   if (len == 0) len = ImageBytes(std::max(LongAt(value, format), kNullLength));
   if (!HoldsImage(value, len, format)) error = kPastBuffer;
   return kHashMultiplier * HashStored(static_cast<const unsigned char*>(value), len, format, count);

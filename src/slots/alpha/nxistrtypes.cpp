@@ -55,11 +55,15 @@ int ImageSize(unsigned long total) {
   return static_cast<int>(kHeadSize + static_cast<unsigned short>(total));
 }
 
-constexpr unsigned char kKeyInMemory = kFormatKey | kFormatMemory;
+/// Whether a format asks for keys in memory, of which there are no images.
+bool IsKeyInMemory(unsigned char format) {
+  constexpr unsigned char kKeyInMemory = kFormatKey | kFormatMemory;
+  return (format & kKeyInMemory) == kKeyInMemory;
+}
 
 template <class Text>
 int Size(const void* p, unsigned char form, unsigned char format, unsigned long n) {
-  if ((format & kKeyInMemory) == kKeyInMemory) return 0;
+  if (IsKeyInMemory(format)) return 0;
   return ImageSize(form & kFormatMemory ? NxSizeMem<Text>(p, form, format, n)
                                         : NxSizeNoMem<Text>(p, form, format, n));
 }
@@ -68,7 +72,7 @@ template <class Text>
 int SizeFromMemFile(MemFile* file, unsigned char format, unsigned long n) {
   unsigned long available = 0;
   const void* image = file->Seek(0, 1, &available, 0);
-  if (!image || available < kHeadSize || (format & kKeyInMemory) == kKeyInMemory) return 0;
+  if (!image || available < kHeadSize || IsKeyInMemory(format)) return 0;
   return ImageSize(NxSizeNoMem<Text>(image, format, format, n, available));
 }
 
@@ -93,6 +97,7 @@ int StoreWithin(Bytes image, unsigned long room, const void* values, unsigned ch
 
 template <class Text>
 int Store(void* image, const void* values, unsigned char format, unsigned long n) {
+  if (IsKeyInMemory(format)) return 0;  // the room that Size asks for
   return StoreWithin<Text>(static_cast<Bytes>(image), kNoLimit, values, format, n);
 }
 

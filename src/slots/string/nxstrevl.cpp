@@ -391,6 +391,10 @@ class StringBounds {
 float StringEvalAndBoundCommon(NxIdxBounds* indexRange, unsigned short& relation, void* key,
                                unsigned char format, unsigned long /*count: one key*/, NxIdxBounds* bounds,
                                unsigned short oldForm) {
+  // The key is an image under every format code. Translation, which makes the bounds of
+  // it, would take the codes from 8 on for strings in memory.
+  if (format & kFormatMemory)
+    format = static_cast<unsigned char>((format & ~kFormatCodeMask) | kFormatNative);
   return StringBounds(relation, key, format, bounds, oldForm != 0).Evaluate(indexRange);
 }
 
