@@ -210,34 +210,4 @@ TEST(NxInt64, DivisionByZeroIsReported) {
   NxSetAssertHandler(before);
 }
 
-TEST(NxInt64, FromDoubleKeepsSevenDigits) {
-  const struct {
-    double d;
-    long long v;
-  } cases[] = {
-      {0.0, 0},
-      {0.999, 0},
-      {-0.999, 0},
-      {0.99999999, 0},
-      {1.0, 1},
-      {12.7, 12},
-      {-2.5, -2},
-      {9.99999951, 10},  // rounds up to 1.000000E+01
-      {1234567.89, 1234568},
-      {123456789.0, 123456800},
-      {-123456749.0, -123456700},
-      {4294967296.0, 4294967000LL},
-      {1e18, 1000000000000000000LL},
-      {9223372036854774784.0, 9223372000000000000LL},
-      {9223372036854775808.0, 9223372036854775807LL},
-      {1e19, 9223372036854775807LL},
-      {-1e19, -9223372036854775807LL},
-      {-9223372036854775808.0, -9223372036854775807LL},
-      {std::numeric_limits<double>::infinity(), 9223372036854775807LL},
-      {std::nan(""), 0},
-  };
-  for (const auto& c : cases) EXPECT_EQ(NxInt64(c.d).Wide(), c.v) << c.d;
-  EXPECT_EQ(NxInt64(2.5f).Wide(), 2);
-}
-
 }  // namespace
