@@ -256,7 +256,7 @@ TEST_F(KeyImages, CompareAsTheGeneralWay) {
         StringImage(textB, 254, Below(4) ? static_cast<unsigned char>(a[3]) : languages[Below(12)], format);
     long result = 77;
     int error = 77, expectedError;
-    if (NxCompareKeys(a.data(), b.data(), format, options, result, error)) {
+    if (NxCompareKeys(a.data(), b.data(), format, options, result, error) == NxVerdict::kDecided) {
       ++served;
       ASSERT_EQ(result,
                 StringCompareCommon(format, a.size(), &a[0], b.size(), &b[0], options, 1, expectedError, 0))
