@@ -38,76 +38,6 @@ std::vector<std::string> TextsUpTo(const std::string& alphabet, unsigned length)
   return texts;
 }
 
-TEST(NxStrCmp, LevelsAndOptions) {
-  const struct {
-    const char *a, *b;
-    unsigned short op;
-    int sign;
-  } cases[] = {
-      {"abc", "abd", 0, -1},
-      {"ab", "abc", 0, -1},
-      {"", "a", 0, -1},
-      {"a", "", 0, 1},
-      {"", "", 0, 0},
-      {"2", "10", 0, 1},
-      // Case: lower first; the first pair decides. Accents: the last pair decides.
-      {"a", "A", 0, -1},
-      {"aB", "Ab", 0, -1},
-      {"a", "A", kIgnoreCase, 0},
-      {"a", "A", kIgnoreAccents, -1},
-      {"cot\xE9", "c\xF4te", 0, 1},
-      {"cot\xE9", "c\xF4te", kIgnoreAccents, 0},
-      {"cot\xE9", "c\xF4te", kIgnoreCase, 1},
-      {"A\xE9", "ae", 0, 1},
-      {"b", "\xE1", kIgnoreAccents, 1},
-      // Spaces and symbols count last, or not at all.
-      {"a-b", "ab", 0, 1},
-      {"ab", "a-b", 0, -1},
-      {"a-b", "ab", kSkipSymbols, 0},
-      {"a b", "ab", kSkipSymbols, 1},
-      {"a b", "ab", kSkipSpaces, 0},
-      {"a-b", "ab", kSkipSpaces, 1},
-      {"a - b", "ab", kSkipSpaces | kSkipSymbols, 0},
-      {"a-c", "ab", 0, 1},
-      {"a-b", "a-B", 0, -1},
-      {"-a", "=a", 0, -1},
-      {"-", "", 0, 1},
-      // Order values alone.
-      {"a-b", "ab", kOrderValuesOnly, -1},
-      {"ab", "ab", kOrderValuesOnly, 0},
-      {"abc", "abd", kOrderValuesOnly, -1},
-      {"abc", "a*", kOrderValuesOnly, 1},
-      // Wildcards.
-      {"abcdef", "a*f", 0, 0},
-      {"abcdef", "a*g", 0, -1},
-      {"abcdef", "abc*", 0, 0},
-      {"abcdef", "ab?def", 0, 0},
-      {"abcdef", "ab?ef", 0, -1},
-      {"", "*", 0, 0},
-      {"x", "*", 0, 0},
-      {"", "?", 0, -1},
-      {"", "*?", 0, -1},
-      {"a", "**?*", 0, 0},
-      {"abab", "*?b", 0, 0},
-      {"aab", "*ab", 0, 0},
-      {"a-b", "a?b", 0, 0},
-      {"a-b", "a?b", kSkipSymbols, -1},
-      {"a-b", "a*-b", 0, 0},
-      {"Abc", "a*c", 0, 1},
-      {"ABC", "a*c", kIgnoreCase, 0},
-      {"a\xE1"
-       "b",
-       "*ab", 0, -1},
-      {"a\xE1"
-       "b",
-       "*ab", kIgnoreAccents, 0},
-      {"a*b", "a*b", kWildcardsOff, 0},
-      {"axb", "a*b", kWildcardsOff, 1},
-  };
-  for (const auto& c : cases)
-    EXPECT_EQ(Sign(Compare(c.a, c.b, c.op)), c.sign) << c.a << " : " << c.b << " op " << c.op;
-}
-
 TEST(NxStrCmp, AnswersTheDecidingDifference) {
   const unsigned a = NxCompareKey(NxChar('a', 1, 1).GetOrder(), 1);
   const unsigned b = NxCompareKey(NxChar('b', 1, 1).GetOrder(), 1);
@@ -122,29 +52,6 @@ TEST(NxStrCmp, AnswersTheDecidingDifference) {
   EXPECT_EQ(Compare("a", "b", kOrderValuesOnly), static_cast<int>(a - b));
   EXPECT_EQ(Compare("a", "a*b"), -static_cast<int>(b & ~127u));
   EXPECT_EQ(Compare("a", "a*?"), -1);
-}
-
-TEST(NxStrCmp, NullValuesAndPlainBytes) {
-  const auto compare = [](unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2,
-                          unsigned char lang2, const char* s2, unsigned short op) {
-    return NxStrCmp(cs1, lang1, s1, cs2, lang2, s2, op, -1, 1, nullptr);
-  };
-  EXPECT_EQ(compare(0, 254, nullptr, 254, 0, nullptr, 0), 0);
-  EXPECT_EQ(compare(0, 254, nullptr, 1, 1, "a", kWildcardsOff), -1);
-  EXPECT_EQ(compare(0, 254, nullptr, 1, 1, "", kOrderValuesOnly), -1);
-  EXPECT_EQ(compare(0, 254, nullptr, 1, 1, "*", 0), 0);
-  EXPECT_EQ(compare(0, 254, nullptr, 1, 1, "?", 0), -1);
-  EXPECT_EQ(compare(254, 0, nullptr, 0, 1, "*", 0), 0);
-  EXPECT_EQ(compare(1, 1, "", 0, 254, nullptr, 0), 1);
-  EXPECT_EQ(compare(0, 254, nullptr, 0, 1, "*", 0), 0);
-  EXPECT_EQ(compare(1, 1, nullptr, 1, 1, "", 0), 0);
-  // Bytes: no case, no collation; on one side only the native code set serves.
-  EXPECT_EQ(compare(0, 0, "a", 0, 0, "B", 0), 'a' - 'B');
-  EXPECT_EQ(compare(0, 0, "axxb", 0, 0, "a*b", 0), 0);
-  EXPECT_EQ(compare(0, 0, "a*b", 0, 0, "axb", kWildcardsOff), '*' - 'x');
-  EXPECT_LT(compare(0, 0, "a", 1, 1, "B", 0), 0);
-  EXPECT_EQ(NxStrCmp(0, 0, "abc", 0, 0, "abd", kWildcardsOff, 2, 1, nullptr), 0);
-  EXPECT_EQ(NxStrCmp(1, 1, "abc", 1, 1, "xyz", 0, 0, 1, nullptr), 0);
 }
 
 TEST(NxStrCmp, WidthsLanguagesAndOrderValueTexts) {
@@ -319,12 +226,6 @@ void CompareAllPairs(unsigned length, unsigned stride) {
   }
 }
 
-TEST(PlainWalk, AgreesOnAllShortPairs) {
-  CompareAllPairs(2, 1);
-  CompareAllPairs(3, 13);
-  CompareAllPairs(4, 601);
-}
-
 TEST(PlainWalk, AgreesOnRandomTexts) {
   // What needs more than the table is in here: expansions, contractions, languages
   // with orders of their own.
@@ -375,90 +276,5 @@ TEST(PlainWalk, LeavesWideCharactersAndByteOrdersToTheLevels) {
 
 // ---------------------------------------------------------------------------
 // Wildcard search, hashes, estimate
-
-TEST(NxStrWild, FindsTheFirst) {
-  const auto find = [](unsigned char cs, const std::string& text, unsigned short asteriskOnly, short len,
-                       short& bytes) {
-    return NxStrWild(cs, 1, Encoded(text, cs).text.c_str(), asteriskOnly, len, &bytes, 1);
-  };
-  const struct {
-    const char* text;
-    unsigned short asteriskOnly;
-    short len;
-    int position;
-  } cases[] = {{"ab*c", 0, -1, 2}, {"a?b", 0, -1, 1}, {"a?b*", 1, -1, 3}, {"abc", 0, -1, -1},
-               {"", 0, -1, -1},    {"ab*", 0, 2, -1}, {"ab*", 0, 3, 2},   {"*", 0, 0, -1}};
-  for (const auto& c : cases)
-    for (unsigned char cs : {0, 1, 253}) {
-      short bytes = 77;
-      EXPECT_EQ(find(cs, c.text, c.asteriskOnly, c.len, bytes), c.position) << c.text << +cs;
-      EXPECT_EQ(bytes, c.position < 0 ? -1 : c.position * NxCharWidth(cs)) << c.text << +cs;
-    }
-  short bytes = 0;
-  EXPECT_EQ(find(1, "\xDF*", 0, -1, bytes), 2);  // an expansion counts as two characters
-  EXPECT_EQ(bytes, 1);
-}
-
-TEST(Hashes, FollowOrderValuesOrBytes) {
-  const auto hash = [](unsigned char cs, unsigned char lang, const std::string& text, short len) {
-    return HashString(cs, lang, Encoded(text, cs).text.c_str(), len, 1);
-  };
-  EXPECT_EQ(HashString(1, 254, nullptr, -1, 1), 0xFEFE7575u);
-  EXPECT_EQ(HashString(254, 0, nullptr, 0, 1), 0xFEFE7575u);
-  EXPECT_EQ(hash(1, 1, "abc", 0), 0u);
-  EXPECT_EQ(hash(1, 1, "abc", -2), 0u);
-  EXPECT_EQ(hash(0, 0,
-                 "\xE1"
-                 "b",
-                 -1),
-            0xE1u * 9 + 'b');
-  const unsigned a = NxCompareKey(NxChar('a', 1, 1).GetOrder(), 1);
-  const unsigned b = NxCompareKey(NxChar('b', 1, 1).GetOrder(), 1);
-  EXPECT_EQ(hash(1, 1, "ab", -1), a * 9 + b);
-  EXPECT_EQ(hash(1, 1, "ab", 4), (a * 9 + b) * 81);
-  EXPECT_EQ(hash(1, 1, "ab", 1), a);
-  EXPECT_EQ(hash(0, 0, "ab", 3), ('a' * 9u + 'b') * 9);
-  EXPECT_EQ(hash(1, 2,
-                 "stra\xDF"
-                 "e-x",
-                 -1),
-            hash(253, 3,
-                 "stra\xDF"
-                 "e-x",
-                 -1));
-
-  EXPECT_EQ(HashNxString(NxString()), 0u);
-  EXPECT_EQ(HashNxString(Narrow("\xE1"
-                                "b")),
-            static_cast<unsigned>(static_cast<signed char>(0xE1)) * 9 + 'b');
-  EXPECT_EQ(HashNxString7(Narrow("\xE1"
-                                 "b")),
-            0x61u * 9 + 'b');
-  EXPECT_EQ(HashNxString(Wide(u"\u1234b")), 0x1234u * 9 + 'b');
-  NxString other = Wide(u"ab");
-  other._nCodeSet = 225;  // 16 bits, but not Unicode: bytes up to the first zero
-  EXPECT_EQ(HashNxString(other), static_cast<unsigned>('a'));
-}
-
-TEST(EvalString, PlacesTheStart) {
-  const auto eval = [](unsigned char cs, const char* text, unsigned short n) {
-    NxStringIterator it(text, cs, 1, 1);
-    return EvalString(it, n);
-  };
-  const auto q = [](char c) {
-    return static_cast<double>(NxCompareKey(NxChar(c, 1, 1).GetOrder(), 1) >> 8 & 0xFFFF);
-  };
-  const double kTwoTo32 = 4294967296.0;
-  EXPECT_EQ(eval(1, "a-bcd", 9), (65536.0 + q('a')) * kTwoTo32 + q('b') * 65536 + q('c'));
-  EXPECT_EQ(eval(1, "a-bcd", 3), (65536.0 + q('a')) * kTwoTo32 + q('b') * 65536);
-  EXPECT_EQ(eval(1, "", 9), 65536.0 * kTwoTo32);
-  EXPECT_EQ(eval(0,
-                 "ab\xE1"
-                 "de",
-                 9),
-            ('a' << 21) + ('b' << 14) + (127 << 7) + 'd');
-  EXPECT_EQ(eval(0, "abcd", 2), ('a' << 21) + ('b' << 14));
-  EXPECT_EQ(eval(0, "a", 9), 'a' << 21);
-}
 
 }  // namespace

@@ -328,47 +328,4 @@ TEST(Comparison, OperatorsAgree) {
   EXPECT_FALSE(NxString("abc").EqualsIgnoreLanguage(NxString("a*")));
 }
 
-TEST(Numbers, FromTexts) {
-  const struct {
-    const char* text;
-    long byPrefix, decimal;
-    double real;
-  } cases[] = {
-      {"12", 12, 12, 12},  {"-70000", -70000, -70000, -70000},
-      {"010", 8, 10, 10},  {"0x10", 16, 0, 16},
-      {" 7", 7, 7, 7},     {"x", 0, 0, 0},
-      {"1.5e1", 1, 1, 15}, {"99999999999", 2147483647, 2147483647, 99999999999.0},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    const NxString s(c.text);
-    EXPECT_EQ(static_cast<long>(s), c.byPrefix);
-    EXPECT_EQ(static_cast<short>(s), static_cast<short>(c.byPrefix));
-    EXPECT_EQ(static_cast<double>(s), c.real);
-    *___NxTypeMgrOptions() = kOptionDecimalOnly;
-    EXPECT_EQ(static_cast<int>(s), c.decimal);
-    *___NxTypeMgrOptions() = 0;
-  }
-  EXPECT_EQ(static_cast<int>(Wide(u"123")), 123);
-  EXPECT_EQ(static_cast<double>(Wide(u"12.25")), 12.25);
-  EXPECT_EQ(static_cast<long>(NxString()), 0);
-}
-
-TEST(Numbers, AtolAndStrtolWantADigitOrAMinusFirst) {
-  const struct {
-    const char* text;
-    int result;
-    long atol, strtol;
-  } cases[] = {{"-12", 0, -12, -12}, {"12abc", 0, 12, 12}, {"abc", -1, 0, 0}, {"0x1A", 0, 0, 26},
-               {" 1", -1, 0, 0},     {"+1", -1, 0, 0},     {"", -1, 0, 0},    {"-", 0, 0, 0}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    long v = 99;
-    EXPECT_EQ(NxString(c.text).Atol(v), c.result);
-    EXPECT_EQ(v, c.atol);
-    EXPECT_EQ(NxString(c.text).Strtol(v), c.result);
-    EXPECT_EQ(v, c.strtol);
-  }
-}
-
 }  // namespace

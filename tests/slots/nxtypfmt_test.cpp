@@ -44,88 +44,6 @@ T Scan(NxSlot::Scan* slot, T before, const char* text, const char* fmt) {
   return value;
 }
 
-TEST(Formats, OnlyFittingConversionsPass) {
-  using Arg = NxFormatArg;
-  const struct {
-    const char* format;
-    bool word, doubles, text;  // prints
-  } prints[] = {
-      {"", true, true, true},
-      {"none", true, true, true},
-      {"100%%", true, true, true},
-      {"%d", true, false, false},
-      {"<%-+ #0'12.3ld>", true, false, false},
-      {"%hhx%%", true, false, false},
-      {"%zu", true, false, false},
-      {"%c", true, false, false},
-      {"%lc", false, false, false},
-      {"%lld", false, false, false},
-      {"%jd", false, false, false},
-      {"%5.2lf", false, true, false},
-      {"%A", false, true, false},
-      {"%Lf", false, false, false},
-      {"%-20.3s", false, false, true},
-      {"%ls", false, false, false},
-      {"%d%d", false, false, false},
-      {"%n", false, false, false},
-      {"%p", false, false, false},
-      {"%*d", false, false, false},
-      {"%.*d", false, false, false},
-      {"%1$d", false, false, false},
-      {"%", false, false, false},
-      {"%5%", false, false, false},
-      {"%m", false, false, false},
-      {"%65533d", true, false, false},
-      {"%65534d", false, false, false},
-      {"%.99999999999999999999f", false, false, false},
-  };
-  for (const auto& c : prints) {
-    EXPECT_EQ(NxPrintFormatFits(c.format, {Arg::kWord}), c.word) << c.format;
-    EXPECT_EQ(NxPrintFormatFits(c.format, {Arg::kDouble}), c.doubles) << c.format;
-    EXPECT_EQ(NxPrintFormatFits(c.format, {Arg::kText}), c.text) << c.format;
-  }
-  EXPECT_FALSE(NxPrintFormatFits(nullptr, {Arg::kWord}));
-  EXPECT_TRUE(NxPrintFormatFits("%g %d", {Arg::kDouble, Arg::kWord}));
-  EXPECT_FALSE(NxPrintFormatFits("%d %g", {Arg::kDouble, Arg::kWord}));
-
-  const struct {
-    const char* format;
-    bool byte, shorts, word, floats, doubles, text;  // scans
-  } scans[] = {
-      {"none %% ", true, true, true, true, true, true},
-      {"%d", false, false, true, false, false, false},
-      {"%hd", false, true, true, false, false, false},
-      {"%hhu", true, true, true, false, false, false},
-      {"%lx", false, false, true, false, false, false},
-      {"%lld", false, false, false, false, false, false},
-      {"%c", true, true, true, false, false, true},
-      {"%3c", false, false, true, false, false, true},
-      {"%f", false, false, false, true, false, false},
-      {"%8lg", false, false, false, false, true, false},
-      {"%Lf", false, false, false, false, false, false},
-      {"%s", false, false, false, false, false, true},
-      {"%ms", false, false, false, false, false, false},
-      {"%ls", false, false, false, false, false, false},
-      {"%9[^]%n]", false, false, false, false, false, true},
-      {"%[]", false, false, false, false, false, false},
-      {"%*[^,],%d", false, false, true, false, false, false},
-      {"%*n%d", false, false, false, false, false, false},
-      {"%d%d", false, false, false, false, false, false},
-      {"%n", false, false, false, false, false, false},
-      {"%p", false, false, false, false, false, false},
-      {"%1$d", false, false, false, false, false, false},
-      {"%", false, false, false, false, false, false},
-  };
-  for (const auto& c : scans) {
-    EXPECT_EQ(NxScanFormatFits(c.format, {Arg::kByte}), c.byte) << c.format;
-    EXPECT_EQ(NxScanFormatFits(c.format, {Arg::kShort}), c.shorts) << c.format;
-    EXPECT_EQ(NxScanFormatFits(c.format, {Arg::kWord}), c.word) << c.format;
-    EXPECT_EQ(NxScanFormatFits(c.format, {Arg::kFloat}), c.floats) << c.format;
-    EXPECT_EQ(NxScanFormatFits(c.format, {Arg::kDouble}), c.doubles) << c.format;
-    EXPECT_EQ(NxScanFormatFits(c.format, {Arg::kText}), c.text) << c.format;
-  }
-}
-
 TEST(Numbers, PrintUnderTheirFormats) {
   EXPECT_EQ(Print(ShortPrintToNxString, short(-5), "<%5hd>"), "<   -5>");
   EXPECT_EQ(Print(ShortPrintToNxString, short(-1), "%hu"), "65535");
@@ -280,38 +198,6 @@ std::string Int64Text(long long v, const char* fmt) {
   return Int64PrintToNxString(out, &value, fmt, 1).StrGet();
 }
 
-TEST(Int64Format, Prints) {
-  const long long lowest = std::numeric_limits<long long>::min();
-  const struct {
-    long long value;
-    const char *fmt, *text;
-  } cases[] = {
-      {255, "%x", "0xff"},
-      {255, "%X", "0XFF"},
-      {255, "%o", "0377"},
-      {255, "%S", "255"},
-      {255, nullptr, "255"},
-      {-255, "%x", "-0xff"},
-      {0, "%d|%x|%o", "0|0x0|00"},
-      {7, "a%ib%", "a7b%"},
-      {7, "%u%d", "%u7"},
-      {7, "%%d", "%%d"},
-      {7, "", ""},
-      {lowest, "%S", "-9223372036854775808"},
-      {lowest, "%x", "0x8000000000000000"},
-      {lowest, "%o", "01000000000000000000000"},
-      {lowest + 1, "%S", "-9223372036854775807"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(Int64Text(c.value, c.fmt), c.text) << c.text;
-  NxString out("appended ");
-  NxInt64 value(1);
-  EXPECT_STREQ(value.PrintToNxString(out, "%d").StrGet(), "appended 1");
-  NxString wide(kCodeSetUnicode, 1);
-  wide.MapToCodeSet(kCodeSetUnicode);
-  value.PrintToNxString(wide, nullptr);
-  EXPECT_EQ(wide.Len(), 1);
-}
-
 TEST(Int64Format, Scans) {
   const struct {
     const char *text, *fmt;
@@ -357,28 +243,6 @@ TEST(Int64Format, Scans) {
     for (const char* fmt : {"%S", "%x", "%X", "%o"})
       ASSERT_EQ(Scan(Int64ScanFromNxString, NxInt64(77), Int64Text(v, fmt).c_str(), fmt).Wide(), v) << fmt;
   }
-}
-
-TEST(BooleanAndSeal, PrintAndScanWithoutFormat) {
-  NxBoolean null;
-  null.SetNullValue();
-  EXPECT_EQ(Print(BooleanPrintToNxString, null, "noop"), "{NULL}");
-  EXPECT_EQ(Print(BooleanPrintToNxString, NxBoolean(1), "noop"), "TRUE");
-  EXPECT_EQ(Print(BooleanPrintToNxString, NxBoolean(0L), "noop"), "FALSE");
-  NxBoolean two;
-  two.value = 2;
-  EXPECT_EQ(Print(BooleanPrintToNxString, two, "noop"), "FALSE");
-  const struct {
-    const char* text;
-    int byte;
-  } cases[] = {{"T", 1},   {"t", 1},  {"TRUE", 1}, {"true", 1},      {"1", 1},    {"True", 0},
-               {"yes", 0}, {"1 ", 0}, {"", 0},     {"{NULL}x", 255}, {"{NULL", 0}};
-  for (const auto& c : cases)
-    EXPECT_EQ(Scan(BooleanScanFromNxString, two, c.text, "noop").value, c.byte) << c.text;
-
-  EXPECT_EQ(Print(SealPrintToNxString, NxSeal{1, 2, 3}, "noop"), "old4295098371");
-  EXPECT_TRUE((Scan(SealScanFromNxString, NxSeal{9, 9, 9}, "4295098371", "noop") == NxSeal{1, 2, 3}));
-  EXPECT_TRUE(Scan(SealScanFromNxString, NxSeal{9, 9, 9}, "", "noop") == NxSeal());
 }
 
 TEST(MySscanf, ReadsEveryKindOfValue) {

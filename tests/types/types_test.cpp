@@ -326,7 +326,6 @@ TEST_P(Types, BoundsAndShares) {
         ASSERT_EQ(upper != nullptr, row.Has('k') && !(relation & kRelationGreater));
         ASSERT_TRUE(!lower || Block(lower.get(), bounds.lowerLen) == key);
         ASSERT_TRUE(!upper || Block(upper.get(), bounds.upperLen) == key);
-        ASSERT_FALSE(share[relation] < 0.0F);
       }
       if (!row.Has('c')) continue;
       ASSERT_NEAR(share[2] + share[1] + share[4], 1, 1e-5);
@@ -345,7 +344,11 @@ TEST_P(Types, TextsComeBack) {
     if (row.Has('t')) {
       const std::unique_ptr<NxTypeConvertData> texts(mgr.ConvertTo(id, values.Data(), 2));
       auto* back = static_cast<unsigned char*>(mgr.ConvertFrom(id, texts.get(), 2));
-      ASSERT_TRUE(Plain(Block(back, 2 * size)) == values) << texts->GetString(0)->StrGet();
+      for (unsigned long i = 0; i < 2 * size; i += size)
+        ASSERT_TRUE(IsNull(values.Data() + i)
+                        ? mgr.IsNullValue(id, back + i) != 0
+                        : Plain(Block(back + i, size)) == Block(values.Data() + i, size))
+            << texts->GetString(0)->StrGet();
       mgr.Delete(id, back, 2);
     }
     if (!row.Has('p')) continue;

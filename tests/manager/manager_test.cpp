@@ -6,164 +6,104 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <set>
+#include <new>
 #include <string>
 #include <vector>
 
 #include "nxbase.h"
+#include "nxcomp.h"
 #include "nxconv.h"
 #include "nxstring.h"
 #include "nxtmdata.h"
 #include "nxtmvers.h"
+#include "nxtypcmp.h"
 #include "nxtypes.h"
 #include "nxtypfmt.h"
+#include "support/strings.h"
+#include "support/typerows.h"
 
 namespace {
 
-std::string Text(const NxString& s) { return s.StrGet(); }
-
-struct TypeRow {
-  const char* name;
-  unsigned short size;
-  bool fixed;
-  const char* format;
-  bool nullable;
-};
-const TypeRow kTypes[] = {
-    {"char", 1, true, "%c", false},
-    {"short", 2, true, "%hd", false},
-    {"long", 4, true, "%ld", false},
-    {"double", 8, true, "%lf", false},
-    {"float", 4, true, "%f", false},
-    {"NxWord", 2, true, "%hu", false},
-    {"NxDWord", 4, true, "%lu", false},
-    {"int", 4, true, "%d", false},
-    {"unsigned", 4, true, "%u", false},
-    {"enum", 4, true, "%d", false},
-    {"NxByte", 1, true, "%c", false},
-    {"NxString", 8, false, "%s", true},
-    {"NxDate", 4, true, "%a %e.%b %Y", true},
-    {"NxTime", 3, true, "%I:%M:%S %p", true},
-    {"BlockId", 4, true, "#%lu", false},
-    {"NxObjId", 12, true, "(%H-%L#%B)", true},
-    {"NxClassId", 4, true, "(%Cv%V)", true},
-    {"NxRef", 20, true, "(%D:%H-%L#%B, %C)", true},
-    {"NxBlob", 4, false, "[BLOB,len=%L]", true},
-    {"NxDateTime", 8, true, "%a %e.%b %Y %I:%M:%S %p", true},
-    {"NxIString", 8, false, "%s", false},
-    {"NxCaseIString", 8, false, "%s", false},
-    {"d_Date", 4, true, "%a %b %e", false},
-    {"d_Time", 6, true, "%I:%M:%S %p", false},
-    {"d_Timestamp", 10, true, "%a %b %e %I:%M:%S %p", false},
-    {"d_Interval", 4, true, "%e days, %I hours, %M minutes, %S seconds", false},
-    {"NxInt64", 8, true, "%S", false},
-    {"NxBoolean", 1, true, "noop", true},
-    {"NxNull_char", 2, true, "%c", true},
-    {"NxNull_uchar", 2, true, "%c", true},
-    {"NxNull_short", 4, true, "%hd", true},
-    {"NxNull_ushort", 4, true, "%hu", true},
-    {"NxNull_int", 8, true, "%d", true},
-    {"NxNull_unsigned", 8, true, "%u", true},
-    {"NxNull_long", 8, true, "%ld", true},
-    {"NxNull_ulong", 8, true, "%lu", true},
-    {"NxNull_float", 8, true, "%f", true},
-    {"NxNull_double", 12, true, "%lf", true},
-    {"NxNull_NxInt64", 12, true, "%S", true},
-    {"NxSeal", 6, true, "noop", false},
-    {"illegal", 0, true, "illegal", false},
-};
-static_assert(sizeof kTypes / sizeof *kTypes == kTypeCount);
-
-TEST(Records, NameSizeFormatAndNullState) {
+TEST(Records, AreThoseOfTheTable) {
   NxTypeMgr mgr(5);
-  for (char id = 0; id < static_cast<char>(kTypeCount); ++id) {
-    const TypeRow& row = kTypes[static_cast<int>(id)];
+  const std::vector<TypeRow> rows = AllTypeRows();
+  ASSERT_EQ(rows.size(), kTypeCount);
+  for (const TypeRow& row : rows) {
     SCOPED_TRACE(row.name);
     char found = 99;
-    EXPECT_EQ(mgr.Name2NxTypeId(row.name, found), 0);
-    EXPECT_EQ(found, id);
-    EXPECT_EQ(mgr.MemLenGet(id, 1), row.size);
-    EXPECT_EQ(mgr.IsFixed(id), row.fixed);
-    EXPECT_STREQ(mgr.ExchangeFormat(id, nullptr), row.format);
-    EXPECT_EQ(mgr.SupportsNullValue(id), row.nullable);
-    EXPECT_EQ(mgr.IsValidType(id), 1);
-  }
-}
-
-TEST(Records, EverySlotIsFilled) {
-  for (const NxTypeTab* record : NxNewtypetab) {
+    EXPECT_EQ(mgr.Name2NxTypeId(row.name.c_str(), found), 0);
+    EXPECT_EQ(found, row.id);
+    EXPECT_EQ(mgr.MemLenGet(row.id, 3), 3 * row.size);
+    EXPECT_EQ(mgr.IsFixed(row.id), row.fixed);
+    EXPECT_EQ(mgr.ExchangeFormat(row.id, nullptr), row.format);
+    EXPECT_EQ(mgr.SupportsNullValue(row.id), row.Nullable());
+    EXPECT_EQ(mgr.IsValidType(row.id), 1);
     void* slots[25];
-    std::memcpy(slots, record, sizeof slots);
-    for (int i = 0; i < 25; ++i) EXPECT_TRUE(slots[i] || i == 19) << record->name << " slot " << i;
+    std::memcpy(slots, mgr.table[static_cast<int>(row.id)], sizeof slots);
+    for (int i = 0; i < 25; ++i) EXPECT_TRUE(slots[i] || i == 19) << "slot " << i;
   }
+  EXPECT_EQ(mgr.MemLenGet(17, 4000), 14464) << "in 16 bits";
+  char base[16], name[16];
+  EXPECT_EQ(mgr.GetArrayElement(13, base, 5, 0), base + 15);
+  EXPECT_EQ(mgr.GetArrayElement(13, base, 5, 5), nullptr);
+  EXPECT_EQ(mgr.NameGet(18, name), name);
+  EXPECT_STREQ(name, "NxBlob");
+  EXPECT_EQ(mgr.DiskIsNullValue(15, base), -2999);
 }
 
-// The types some of whose operations still are the illegal type's.
-TEST(Records, NoTypeStandsInForAnother) {
-  std::set<std::string> pending;
-  void* illegal[25];
-  std::memcpy(illegal, &NxIllegalTab, sizeof illegal);
-  for (const NxTypeTab* record : NxNewtypetab) {
-    if (record == &NxIllegalTab) continue;
-    void* slots[25];
-    std::memcpy(slots, record, sizeof slots);
-    for (int i : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 21, 22, 24})
-      if (slots[i] == illegal[i]) pending.insert(record->name);
-  }
-  EXPECT_EQ(pending, std::set<std::string>());
-}
-
-TEST(Records, SharedFunctions) {
-  EXPECT_EQ(NxWordTab.Store, NxShortTab.Store);
-  EXPECT_NE(NxWordTab.Compare, NxShortTab.Compare);
-  EXPECT_EQ(NxBlockIdTab.Hash, NxDWordTab.Hash);
-  EXPECT_NE(NxDWordTab.EvalAndBound, NxLongTab.EvalAndBound);
-  EXPECT_NE(NxUnsignedTab.Translate, NxIntTab.Translate);
-  EXPECT_NE(NxUnsignedTab.Load, NxIntTab.Load);
-  EXPECT_EQ(NxUnsignedTab.Create, NxIntTab.Create);
-  EXPECT_EQ(NxEnumTab.Compare, NxIntTab.Compare);
-  EXPECT_NE(NxEnumTab.Translate, NxIntTab.Translate);
-  EXPECT_EQ(NxByteTab.PrintToNxString, NxCharTab.PrintToNxString);
-  EXPECT_EQ(NxOldStringTab.Load, NxStringTab.Load);
-  EXPECT_NE(NxOldStringTab.Store, NxStringTab.Store);
-  EXPECT_EQ(NxOldStringTab.NullSizeGet, NxStringTab.NullSizeGet);
-}
-
-// How null looks in memory, for the types whose null state is a matter of bytes.
-TEST(Records, NullStates) {
-  struct Row {
-    char id;
-    std::vector<unsigned char> before, after;
-  };
-  const unsigned char kLow = 0x80;
-  const Row rows[] = {
-      {12, {1, 2, 3, 4}, {0, kLow, kLow, kLow}},
-      {13, {1, 2, 3}, {kLow, kLow, kLow}},
-      {15, {1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 7, 7}, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 7, 7}},
-      {16, {0, 0, 0, 0}, {255, 255, 255, 255}},
-      {17, {9, 9, 9, 9, 0, 0, 0, 0, 0, 1, 7, 7, 3, 0}, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 7, 7, 3, 0}},
-      {19, {0, kLow, kLow, kLow, kLow, kLow, 0, 9}, {0, kLow, kLow, kLow, kLow, kLow, kLow, 9}},
-      {27, {1}, {255}},
-      {28, {5, 0}, {0, 1}},
-      {31, {5, 6, 0, 9}, {0, 0, 1, 9}},
-      {36, {5, 6, 7, 8, 0, 9}, {0, 0, 0, 0, 1, 9}},
-      {37, {1, 2, 3, 4, 5, 6, 7, 8, 0, 9}, {0, 0, 0, 0, 0, 0, 0, 0, 1, 9}},
-      {38, {1, 2, 3, 4, 5, 6, 7, 8, 0, 9}, {0, 0, 0, 0, 0, 0, 0, 0, 1, 9}},
-  };
+TEST(Records, TheIllegalTypeDoesNothing) {
+  int error = 7;
+  unsigned char byte = 0xEE;
   NxTypeMgr mgr(5);
-  for (const Row& row : rows) {
-    SCOPED_TRACE(kTypes[static_cast<int>(row.id)].name);
-    std::vector<unsigned char> value = row.before;
-    EXPECT_EQ(mgr.IsNullValue(row.id, value.data()), 0);
-    EXPECT_EQ(mgr.SetNullValue(row.id, value.data()), 0);
-    EXPECT_EQ(value, row.after);
-    EXPECT_NE(mgr.IsNullValue(row.id, value.data()), 0);
+  EXPECT_EQ(mgr.Create(40, 3), nullptr);
+  EXPECT_EQ(mgr.Store(40, &byte, &byte, 1, 1), 0);
+  mgr.ConstructorPtrGet(40)(&byte, 1, 0);
+  EXPECT_EQ(mgr.Cmp(40, 0, &byte, 0, &byte, 0, 1, 1, error), 0);
+  EXPECT_EQ(mgr.Hash(40, 0, &byte, 1, 1, error), 0U);
+  EXPECT_EQ(error, 7);
+  EXPECT_EQ(byte, 0xEE);
+}
+
+TEST(Steps, IncrementPointerStaysBelowTheEnd) {
+  char buffer[8];
+  void* p = buffer;
+  EXPECT_EQ(IncrementPointer(p, buffer + 8, 7), 0);
+  EXPECT_EQ(IncrementPointer(p, buffer + 8, 1), 2101);
+  EXPECT_EQ(IncrementPointer(p, buffer + 8, 0xFFFFFFFF), 2101);
+  EXPECT_EQ(IncrementPointer(p, buffer + 3, 1), 2101);
+  EXPECT_EQ(p, buffer + 7);
+}
+
+TEST(Life, DatesBeginToday) {
+  auto* dates = static_cast<NxDate*>(NxDateCreate(3));
+  EXPECT_TRUE(dates[2].IsDate() && dates[2].year > 2000);
+  NxDateDelete(dates, 3);
+  NxTime time(-1L);
+  NxTimeConstructor(&time, 1, 0);
+  EXPECT_TRUE(time.IsTime());
+}
+
+TEST(StringArrays, StringsAndOwnership) {
+  NxTypeMgr mgr(5);
+  auto* strings = static_cast<NxString*>(mgr.Create(11, 2));
+  {
+    NxTypeConvertData borrowed(11, 2, strings, nullptr);
+    EXPECT_EQ(borrowed.GetString(1), strings + 1);
+    EXPECT_EQ(borrowed.GetString(-1), nullptr);
+    EXPECT_EQ(borrowed.GetString(2), nullptr);
+    borrowed.typeId = 12;
+    EXPECT_EQ(borrowed.GetString(0), nullptr);
   }
-  unsigned char flagged[2] = {7, 2};  // any flag but 0 counts in memory
-  EXPECT_NE(mgr.IsNullValue(28, flagged), 0);
-  unsigned char blockOnly[12] = {1};
-  EXPECT_NE(mgr.IsNullValue(15, blockOnly), 0);
-  EXPECT_EQ(mgr.DiskIsNullValue(15, blockOnly), -2999);
+  strings[0] = "still there";
+  alignas(NxTypeConvertData) char place[sizeof(NxTypeConvertData)];
+  auto* owning = new (place) NxTypeConvertData(11, 2, strings, &mgr);
+  owning->~NxTypeConvertData();
+  NxTypeConvertData after;
+  std::memcpy(static_cast<void*>(&after), place, sizeof after);
+  EXPECT_EQ(after.count, 0U);
+  EXPECT_EQ(after.typeId, 100);
+  EXPECT_EQ(after.data, nullptr);
+  after.mgr = nullptr;
 }
 
 TEST(Identifiers, OutsideTheTables) {
@@ -222,80 +162,19 @@ TEST(Manager, FactoryChoosesTheTable) {
   EXPECT_EQ(NxTypeMgr(3).SupportsNullValue(11), 0);
 }
 
-TEST(Manager, SizesAndElements) {
-  NxTypeMgr mgr(5);
-  EXPECT_EQ(mgr.MemLenGet(17, 4000), 14464);
-  EXPECT_EQ(mgr.MemLenGet(100, 7), 0);
-  char base[16];
-  EXPECT_EQ(mgr.GetArrayElement(13, base, 5, 0), base + 15);
-  EXPECT_EQ(mgr.GetArrayElement(13, base, 4, 5), base + 12);
-  EXPECT_EQ(mgr.GetArrayElement(13, base, 5, 5), nullptr);
-  char name[16];
-  EXPECT_EQ(mgr.NameGet(18, name), name);
-  EXPECT_STREQ(name, "NxBlob");
-}
-
-// A table of one's own whose functions note what they were called with.
-std::vector<long> noted;
-template <class... Args>
-void Note(Args... args) {
-  noted = {(long)args...};  // addresses and numbers alike
-}
-
+/// A manager with a table of its own.
 class OwnTable : public testing::Test {
  protected:
   OwnTable() : mgr(5) {
     for (NxTypeTab*& entry : table) entry = &record;
     table[11] = &NxStringTab;
     mgr.table = table;
-    noted.clear();
   }
   NxTypeTab record = NxIllegalTab;
   NxTypeTab* table[kTypeCount];
   NxTypeMgr mgr;
   char a[8] = {}, b[8] = {};
 };
-
-TEST_F(OwnTable, ArgumentsReachTheSlotsInTheirOrder) {
-  const auto addr = [](const void* p) { return reinterpret_cast<long>(p); };
-  int error = 5;
-  unsigned short relation = 6;
-  record.Store = [](void* i, const void* v, unsigned char f, unsigned long n) {
-    return Note(i, v, f, n), 21;
-  };
-  EXPECT_EQ(mgr.Store(2, a, b, 3, 4), 21);
-  EXPECT_EQ(noted, (std::vector<long>{addr(a), addr(b), 3, 4}));
-  record.SizeGet = [](const void* p, unsigned char form, unsigned char f, unsigned long n) {
-    return Note(p, form, f, n), 22;
-  };
-  EXPECT_EQ(mgr.DiskLenGet(2, a, 3, 4, 8), 22);
-  EXPECT_EQ(noted, (std::vector<long>{addr(a), 8, 3, 4}));
-  record.Compare = [](unsigned char f, unsigned long l1, void* v1, unsigned long l2, void* v2,
-                      unsigned short o, unsigned long n, int& e) {
-    Note(f, l1, v1, l2, v2, o, n, static_cast<long>(e));
-    e = 99;
-    return 23L;
-  };
-  EXPECT_EQ(mgr.Cmp(2, a, b, 7, 4, 3), 23);
-  EXPECT_EQ(noted, (std::vector<long>{3, 0, addr(a), 0, addr(b), 7, 4, 0}));
-  EXPECT_EQ(mgr.Cmp(2, 10, a, 11, b, 7, 4, 3, error), 23);
-  EXPECT_EQ(noted, (std::vector<long>{3, 10, addr(a), 11, addr(b), 7, 4, 5}));
-  EXPECT_EQ(error, 99);
-  record.EvalAndBound = [](NxIdxBounds* r, unsigned short& w, void* k, unsigned char f, unsigned long n,
-                           NxIdxBounds* s) { return Note(r, static_cast<long>(w), k, f, n, s), 0.5F; };
-  EXPECT_EQ(mgr.EvalAndBound(2, nullptr, relation, a, 3, 4, reinterpret_cast<NxIdxBounds*>(b), nullptr),
-            0.5F);
-  EXPECT_EQ(noted, (std::vector<long>{0, 6, addr(a), 3, 4, addr(b)}));
-  record.Hash = [](unsigned char f, unsigned long l, void* v, unsigned long n, int&) {
-    return Note(f, l, v, n), 24UL;
-  };
-  EXPECT_EQ(mgr.Hash(2, 10, a, 4, 3, error), 24U);
-  EXPECT_EQ(noted, (std::vector<long>{3, 10, addr(a), 4}));
-  record.Translate = [](void* d, unsigned char df, unsigned long dl, void* s, unsigned char sf,
-                        unsigned long sl, unsigned long n) { return Note(d, df, dl, s, sf, sl, n), 25; };
-  EXPECT_EQ(mgr.Translate(2, a, 8, 5, b, 1, 6, 7), 25);
-  EXPECT_EQ(noted, (std::vector<long>{addr(a), 8, 5, addr(b), 1, 6, 7}));
-}
 
 TEST_F(OwnTable, EmptySlots) {
   record.PrintToNxString = nullptr;
