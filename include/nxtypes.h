@@ -113,12 +113,8 @@ NX_API NxSlot::ConvertFrom CharConvertFromNxString, ShortConvertFromNxString, In
 /// For types without a null state: answers 0.
 NX_API NxSlot::Null NoIsNullDefined;
 NX_API NxSlot::Null NxStringIsNull, NxDateIsNull, NxTimeIsNull, NxObjIdIsNull, NxClassIdIsNull, NxRefIsNull,
-    NxBlobIsNull, NxDateTimeIsNull, NxBooleanIsNull, NxNull_charIsNull, NxNull_ucharIsNull,
-    NxNull_shortIsNull, NxNull_ushortIsNull, NxNull_intIsNull, NxNull_unsignedIsNull, NxNull_longIsNull,
-    NxNull_ulongIsNull, NxNull_floatIsNull, NxNull_doubleIsNull, NxNull_NxInt64IsNull;
+    NxBlobIsNull, NxDateTimeIsNull, NxBooleanIsNull;
 NX_API NxSlot::Null NxStringSetNull, NxDateSetNull, NxTimeSetNull, NxObjIdSetNull, NxClassIdSetNull,
-    NxRefSetNull, NxBlobSetNull, NxDateTimeSetNull, NxBooleanSetNull, NxNull_charSetNull, NxNull_ucharSetNull,
-    NxNull_shortSetNull, NxNull_ushortSetNull, NxNull_intSetNull, NxNull_unsignedSetNull, NxNull_longSetNull,
-    NxNull_ulongSetNull, NxNull_floatSetNull, NxNull_doubleSetNull, NxNull_NxInt64SetNull;
+    NxRefSetNull, NxBlobSetNull, NxDateTimeSetNull, NxBooleanSetNull;
 
 #endif

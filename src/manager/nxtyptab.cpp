@@ -160,16 +160,6 @@ constexpr NxTypeTab Interval() {
   return record;
 }
 
-/// A type whose operations are not there yet: the illegal type's stand in.
-constexpr NxTypeTab Pending(const char* name, const char* format, unsigned int flags,
-                            NxSlot::Null* isNull = NoIsNullDefined, NxSlot::Null* setNull = nullptr) {
-  NxTypeTab record = Sharing(kIllegal, name, format);
-  record.flags = flags;
-  record.IsNull = isNull;
-  record.SetNull = setNull;
-  return record;
-}
-
 }  // namespace
 
 NxTypeTab NxCharTab = kChar;
@@ -234,21 +224,11 @@ NxTypeTab NxRefTab =
 NxTypeTab NxBlobTab =
     Nullable(NX_SLOTS_NAMED(Blob, NxBlob, NxBlob, Blob, Blob, Blob, BlobLoad, NxBlobDefaultValue), "NxBlob",
              "[BLOB,len=%L]", OwnsStorage(4), NxBlobIsNull, NxBlobSetNull);
-NxTypeTab NxNull_charTab = Pending("NxNull_char", "%c", Fixed(2), NxNull_charIsNull, NxNull_charSetNull);
-NxTypeTab NxNull_ucharTab = Pending("NxNull_uchar", "%c", Fixed(2), NxNull_ucharIsNull, NxNull_ucharSetNull);
-NxTypeTab NxNull_shortTab = Pending("NxNull_short", "%hd", Fixed(4), NxNull_shortIsNull, NxNull_shortSetNull);
-NxTypeTab NxNull_ushortTab =
-    Pending("NxNull_ushort", "%hu", Fixed(4), NxNull_ushortIsNull, NxNull_ushortSetNull);
-NxTypeTab NxNull_intTab = Pending("NxNull_int", "%d", Fixed(8), NxNull_intIsNull, NxNull_intSetNull);
-NxTypeTab NxNull_unsignedTab =
-    Pending("NxNull_unsigned", "%u", Fixed(8), NxNull_unsignedIsNull, NxNull_unsignedSetNull);
-NxTypeTab NxNull_longTab = Pending("NxNull_long", "%ld", Fixed(8), NxNull_longIsNull, NxNull_longSetNull);
-NxTypeTab NxNull_ulongTab = Pending("NxNull_ulong", "%lu", Fixed(8), NxNull_ulongIsNull, NxNull_ulongSetNull);
-NxTypeTab NxNull_floatTab = Pending("NxNull_float", "%f", Fixed(8), NxNull_floatIsNull, NxNull_floatSetNull);
-NxTypeTab NxNull_doubleTab =
-    Pending("NxNull_double", "%lf", Fixed(12), NxNull_doubleIsNull, NxNull_doubleSetNull);
-NxTypeTab NxNull_NxInt64Tab =
-    Pending("NxNull_NxInt64", "%S", Fixed(12), NxNull_NxInt64IsNull, NxNull_NxInt64SetNull);
+
+#define NX_NULLABLE_RECORD(Type, Value, Scalar, Format)                                                     \
+  NxTypeTab Type##Tab = Nullable(NX_SLOTS(Type, Type, Type, Type##Load, Type##DefaultValue), #Type, Format, \
+                                 Fixed(sizeof(Type)), Type##IsNull, Type##SetNull);
+NX_NULLABLE_TYPES(NX_NULLABLE_RECORD)
 
 NxTypeTab* NxNewtypetab[kTypeCount] = {
     &NxCharTab,       &NxShortTab,       &NxLongTab,        &NxDoubleTab,        &NxFloatTab,

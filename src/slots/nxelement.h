@@ -61,14 +61,10 @@ long NxCompareArrays(NxOperands arrays, unsigned long count, int& error, Compare
   return 0;
 }
 
-/// What the combined words of an array are multiplied by to become its hash. Embedded in hash
-/// indexes, never to change.
-inline constexpr unsigned long kHashMultiplier = 1103515245;
-
 /// Combines the words of the elements that the buffer holds: word(p) makes one of the
-/// value at p. Hashes are 32 bits wide.
+/// value at p. Words are 32 bits wide.
 template <class WordOf>
-unsigned long NxHashArray(NxElements array, unsigned long count, int& error, WordOf word) {
+unsigned long NxCombineWords(NxElements array, unsigned long count, int& error, WordOf word) {
   error = 0;
   unsigned long h = 0;
   for (unsigned long i = 0; i < count && error == 0; ++i) {
@@ -79,7 +75,16 @@ unsigned long NxHashArray(NxElements array, unsigned long count, int& error, Wor
     h ^= word(array.Place());
     if (i + 1 < count && !array.Advance()) error = kPastBuffer;
   }
-  return h * kHashMultiplier;
+  return h;
+}
+
+/// What the combined words of an array are multiplied by to become its hash. Embedded in hash
+/// indexes, never to change.
+inline constexpr unsigned long kHashMultiplier = 1103515245;
+
+template <class WordOf>
+unsigned long NxHashArray(const NxElements& array, unsigned long count, int& error, WordOf word) {
+  return NxCombineWords(array, count, error, word) * kHashMultiplier;
 }
 
 inline bool NxInMemory(unsigned char format) { return (format & kFormatCodeMask) == kFormatMemory; }

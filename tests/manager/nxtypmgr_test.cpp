@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -96,24 +95,6 @@ TEST(Records, EverySlotIsFilled) {
     std::memcpy(slots, record, sizeof slots);
     for (int i = 0; i < 25; ++i) EXPECT_TRUE(slots[i] || i == 19) << record->name << " slot " << i;
   }
-}
-
-// The types some of whose operations still are the illegal type's.
-TEST(Records, PendingTypes) {
-  std::set<std::string> pending;
-  void* illegal[25];
-  std::memcpy(illegal, &NxIllegalTab, sizeof illegal);
-  for (const NxTypeTab* record : NxNewtypetab) {
-    if (record == &NxIllegalTab) continue;
-    void* slots[25];
-    std::memcpy(slots, record, sizeof slots);
-    for (int i : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 21, 22, 24})
-      if (slots[i] == illegal[i]) pending.insert(record->name);
-  }
-  const std::set<std::string> expected = {"NxNull_char",  "NxNull_uchar",    "NxNull_short",  "NxNull_ushort",
-                                          "NxNull_int",   "NxNull_unsigned", "NxNull_long",   "NxNull_ulong",
-                                          "NxNull_float", "NxNull_double",   "NxNull_NxInt64"};
-  EXPECT_EQ(pending, expected);
 }
 
 TEST(Records, SharedFunctions) {
