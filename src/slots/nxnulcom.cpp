@@ -10,9 +10,15 @@
 namespace {
 
 /// Bytes from one element of an array to the next.
-template <class T>
+template <class T, class V>
 unsigned long ElementSize(unsigned char format) {
-  return NxInMemory(format) ? sizeof(T) : static_cast<unsigned long>(NxNullTypeSizeGet<T>(1));
+  return NxInMemory(format) ? sizeof(T) : NxNullImage<V>::kBytes;
+}
+
+/// One value of any form.
+template <class T, class V, class H>
+T ReadElement(const void* place, unsigned char format) {
+  return NxInMemory(format) ? NxReadNullable<T>(place) : NxLoadNullable<T, V, H>(place, format);
 }
 
 /// -1, 0 or 1.
@@ -35,11 +41,23 @@ template <class T, class V, class H>
 long NxNullTypeCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2,
                        void* value2, unsigned short /*options*/, unsigned long count, int& error,
                        T* = nullptr, V* = nullptr, H* = nullptr) {
-  const unsigned long size = ElementSize<T>(format);
+  const unsigned long size = ElementSize<T, V>(format);
   const NxOperands arrays = {{value1, len1, count, size}, {value2, len2, count, size}};
-  return NxCompareArrays(arrays, count, error, [format](const void* a, const void* b) {
-    return Order(NxReadNullable<T, V, H>(a, format), NxReadNullable<T, V, H>(b, format));
-  });
+  const auto compareBy = [&](auto read) {
+    return NxCompareArrays(arrays, count, error,
+                           [read](const void* a, const void* b) { return Order(read(a), read(b)); });
+  };
+  // With the code known as it is compiled, reading is a few instructions.
+  switch (format & kFormatCodeMask) {
+    case kFormatMemory:
+      return compareBy([](const void* p) { return NxReadNullable<T>(p); });
+    case kFormatNative:
+      return compareBy([](const void* p) { return NxLoadNullable<T, V, H>(p, kFormatNative); });
+    case kFormatBigEndian:
+      return compareBy([](const void* p) { return NxLoadNullable<T, V, H>(p, kFormatBigEndian); });
+    default:
+      return compareBy([format](const void* p) { return NxLoadNullable<T, V, H>(p, format); });
+  }
 }
 
 /// The word of a null. Embedded in hash indexes, never to change.
@@ -49,9 +67,9 @@ constexpr unsigned long kNullWord = 0xFEFE7575;
 template <class T, class V, class H>
 unsigned long NxNullTypeHash(unsigned char format, unsigned long len, void* value, unsigned long count,
                              int& error, T* = nullptr, V* = nullptr, H* = nullptr) {
-  const NxElements array(value, len, count, ElementSize<T>(format));
+  const NxElements array(value, len, count, ElementSize<T, V>(format));
   return NxCombineWords(array, count, error, [format, &error](const void* place) {
-    T element = NxReadNullable<T, V, H>(place, format);
+    T element = ReadElement<T, V, H>(place, format);
     if (element.IsNullValue()) return kNullWord;
     return H::kHash(kFormatMemory, sizeof(V), &element.value, 1, error);
   });
@@ -128,7 +146,7 @@ double CalcRange(unsigned short relation, const NxNull_NxInt64& key, const NxNul
 template <class T, class V, class H>
 NxTerm<T> ReadTerm(const NxIdxBounds* indexRange, const void* key, unsigned char format) {
   return NxTerm<T>(indexRange, key, NxNullImage<V>::kBytes,
-                   [format](const void* image) { return NxReadNullable<T, V, H>(image, format); });
+                   [format](const void* image) { return ReadElement<T, V, H>(image, format); });
 }
 
 template <class T, class V, class H>

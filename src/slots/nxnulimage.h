@@ -15,6 +15,7 @@
 #include "nxnultyp.h"
 #include "nxtyphash.h"
 #include "slots/nxelement.h"
+#include "slots/nxnulpack.h"
 
 #define NX_LS_HELPER(Scalar, load)                                \
   struct Scalar##LSHelper {                                       \
@@ -78,6 +79,16 @@ using NxBitsOf =
                        std::conditional_t<sizeof(V) == 2, std::uint16_t,
                                           std::conditional_t<sizeof(V) == 4, std::uint32_t, std::uint64_t>>>;
 
+/// How images lie under a format; `convert` converts their numbers.
+template <class V>
+NxNullShape NxShapeOf(NxSlot::Load* convert, unsigned char format) {
+  const NxNullImage<V> at(format);
+  NxNullShape shape = {
+      static_cast<unsigned>(at.number), static_cast<unsigned>(at.flag), {0, 1, 2, 3, 4, 5, 6, 7}};
+  convert(shape.order, shape.order, format & kFormatCodeMask, 1);
+  return shape;
+}
+
 /// Numbers that one call converts: they gather in a work area, since flags stand between
 /// them on both sides.
 inline constexpr unsigned long kNullBlock = 256;
@@ -86,10 +97,12 @@ template <class T, class V, class H>
 int NxNullTypeStore(void* dst, const void* src, unsigned char format, unsigned long count, T* = nullptr,
                     V* = nullptr, H* = nullptr) {
   const NxNullImage<V> at(format);
-  auto* image = static_cast<unsigned char*>(dst);
-  auto* value = static_cast<const unsigned char*>(src);
+  const unsigned long moved =
+      count < kNullPackMin ? 0 : NxPackNulls<sizeof(V)>(NxShapeOf<V>(H::kStore, format), dst, src, count);
+  auto* image = static_cast<unsigned char*>(dst) + moved * at.kBytes;
+  auto* value = static_cast<const unsigned char*>(src) + moved * sizeof(T);
   NxBitsOf<V> numbers[kNullBlock];
-  for (unsigned long left = count; left != 0;) {
+  for (unsigned long left = count - moved; left != 0;) {
     const unsigned long n = std::min(left, kNullBlock);
     for (unsigned long i = 0; i < n; ++i, value += sizeof(T)) {
       const bool null = value[sizeof(V)] != 0;
@@ -109,10 +122,12 @@ template <class T, class V, class H>
 int NxNullTypeLoad(void* dst, const void* src, unsigned char format, unsigned long count, T* = nullptr,
                    V* = nullptr, H* = nullptr) {
   const NxNullImage<V> at(format);
-  auto* value = static_cast<unsigned char*>(dst);
-  auto* image = static_cast<const unsigned char*>(src);
+  const unsigned long moved =
+      count < kNullPackMin ? 0 : NxUnpackNulls<sizeof(V)>(NxShapeOf<V>(H::kLoad, format), dst, src, count);
+  auto* value = static_cast<unsigned char*>(dst) + moved * sizeof(T);
+  auto* image = static_cast<const unsigned char*>(src) + moved * at.kBytes;
   NxBitsOf<V> numbers[kNullBlock];
-  for (unsigned long left = count; left != 0;) {
+  for (unsigned long left = count - moved; left != 0;) {
     const unsigned long n = std::min(left, kNullBlock);
     for (unsigned long i = 0; i < n; ++i)
       numbers[i] = NxReadValue<NxBitsOf<V>>(image + i * at.kBytes + at.number);
@@ -128,14 +143,19 @@ int NxNullTypeLoad(void* dst, const void* src, unsigned char format, unsigned lo
   return static_cast<int>(count * at.kBytes);
 }
 
-/// One value of any form. In memory every flag but 0 means null.
+/// One value in memory, where every flag but 0 means null.
+template <class T>
+T NxReadNullable(const void* place) {
+  const T value = NxReadValue<T>(place);
+  return value.IsNullValue() ? T() : value;
+}
+
+/// One stored value.
 template <class T, class V, class H>
-T NxReadNullable(const void* place, unsigned char format) {
+T NxLoadNullable(const void* image, unsigned char format) {
   const NxNullImage<V> at(format);
-  auto* bytes = static_cast<const unsigned char*>(place);
-  const unsigned char flag = bytes[at.flag];
-  if (NxInMemory(format) ? flag != 0 : flag == at.kNull) return T();
-  return T(NxReadElement<V, H::kLoad>(bytes + at.number, format));
+  auto* bytes = static_cast<const unsigned char*>(image);
+  return bytes[at.flag] == at.kNull ? T() : T(NxReadElement<V, H::kLoad>(bytes + at.number, format));
 }
 
 #endif
