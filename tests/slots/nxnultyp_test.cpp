@@ -15,7 +15,7 @@
 #include "nxtypevl.h"
 #include "nxtyphash.h"
 #include "nxtypmgr.h"
-#include "support/stringtest.h"
+#include "support/strings.h"
 
 namespace {
 
