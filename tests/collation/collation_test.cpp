@@ -1,41 +1,23 @@
-// NxStrCmp: the levels and what each option takes from them, wildcards against a
-// brute-force matcher, and the plain walk against the level comparison alone.
-
-#include "collation/nxstrcmp.h"
-
+// NxStrCmp against a matcher by brute force, the roads of a comparison against the level
+// comparison, the byte matchers, and searching at every position. The levels themselves
+// are cases of golden/collation.txt.
 #include <gtest/gtest.h>
 
 #include <random>
-#include <string>
-#include <vector>
 
-#include "nxstring.h"
+#include "collation/nxstrcmp.h"
+#include "nxchar.h"
+#include "nxstritr.h"
+#include "nxtypcmp.h"
 #include "ord2str.h"
 #include "strwild.h"
 #include "support/strings.h"
 
 namespace {
 
-const std::string kAlphabet =
-    "aA\xE1"
-    "b1- *?";
-
 int Compare(const std::string& a, const std::string& b, unsigned short op = 0, short len = -1,
             unsigned char language = 1) {
   return NxStrCmp(1, language, a.c_str(), 1, language, b.c_str(), op, len, 1, nullptr);
-}
-
-int Sign(int v) { return (v > 0) - (v < 0); }
-
-/// Every text over an alphabet up to a length.
-std::vector<std::string> TextsUpTo(const std::string& alphabet, unsigned length) {
-  std::vector<std::string> texts{""};
-  for (std::size_t begin = 0; length-- > 0;) {
-    const std::size_t end = texts.size();
-    for (; begin < end; ++begin)
-      for (char c : alphabet) texts.push_back(texts[begin] + c);
-  }
-  return texts;
 }
 
 TEST(NxStrCmp, AnswersTheDecidingDifference) {
@@ -52,38 +34,6 @@ TEST(NxStrCmp, AnswersTheDecidingDifference) {
   EXPECT_EQ(Compare("a", "b", kOrderValuesOnly), static_cast<int>(a - b));
   EXPECT_EQ(Compare("a", "a*b"), -static_cast<int>(b & ~127u));
   EXPECT_EQ(Compare("a", "a*?"), -1);
-}
-
-TEST(NxStrCmp, WidthsLanguagesAndOrderValueTexts) {
-  const Units wide = u"Stra\u00DFe";
-  const char* units = reinterpret_cast<const char*>(wide.c_str());
-  EXPECT_EQ(NxStrCmp(253, 2, units, 1, 2,
-                     "Stra\xDF"
-                     "e",
-                     0, -1, 1, nullptr),
-            0);
-  EXPECT_EQ(NxStrCmp(1, 2, "STRASSE", 253, 2, units, kIgnoreCase | kIgnoreAccents, -1, 1, nullptr), 0);
-  EXPECT_GT(Compare("stra\xDF"
-                    "e",
-                    "strasse"),
-            0);
-  // ch is a letter after cz in Spanish only; languages of one order compare equal.
-  EXPECT_GT(Compare("chico", "czar", 0, -1, 4), 0);
-  EXPECT_LT(Compare("chico", "czar", 0, -1, 2), 0);
-  EXPECT_EQ(NxStrCmp(1, 2, "chico", 1, 3, "chico", 0, -1, 1, nullptr), 0);
-  EXPECT_NE(NxStrCmp(1, 2, "chico", 1, 4, "chico", 0, -1, 1, nullptr), 0);
-  // A key holds the order values of its text.
-  unsigned short key[8] = {};
-  NxStringIterator it("Stra\xDF", 1, 2, 1);
-  for (unsigned short& order : key)
-    if ((order = it.GetNextOrder(1)) == 0) break;
-  const char* keyText = reinterpret_cast<const char*>(key);
-  EXPECT_EQ(NxStrCmp(1, 2, "Stra\xDF", 254, 1, keyText, 0, -1, 1, nullptr), 0);
-  EXPECT_LT(NxStrCmp(254, 1, keyText, 1, 2,
-                     "Stra\xDF"
-                     "e",
-                     0, -1, 1, nullptr),
-            0);
 }
 
 TEST(NxStrCmp, LimitsAndReport) {
@@ -131,31 +81,17 @@ TEST(NxStrCmp, WildcardsOfOnesOwn) {
   NxString::SetQuestion(NxChar('?', 1, 1));
 }
 
-// ---------------------------------------------------------------------------
-// Against brute force
-
 /// A character as the options let it count: a letter without case or accent.
 char Folded(char c, unsigned short op) {
-  const bool acute = c == '\xE1';
-  if (acute && (op & kIgnoreAccents)) return 'a';
-  if (c == 'A' && (op & kIgnoreCase)) return 'a';
-  return c;
-}
-
-bool Matches(const char* text, const char* pattern, unsigned short op) {
-  if (op & kSkipSymbols)
-    while (*text == '-') ++text;
-  if (op & kSkipSymbols)
-    while (*pattern == '-') ++pattern;
-  if (*pattern == 0) return *text == 0;
-  if (*pattern == '*') return Matches(text, pattern + 1, op) || (*text && Matches(text + 1, pattern, op));
-  if (*text == 0) return false;
-  return (*pattern == '?' || Folded(*text, op) == Folded(*pattern, op)) && Matches(text + 1, pattern + 1, op);
+  if (c == '\xE1') return op & kIgnoreAccents ? 'a' : c;
+  return c == 'A' && (op & kIgnoreCase) ? 'a' : c;
 }
 
 TEST(NxStrCmp, MatchesAsBruteForceDoes) {
   const auto check = [](const std::string& text, const std::string& pattern, unsigned short op) {
-    const bool matches = Matches(text.c_str(), pattern.c_str(), op);
+    const bool matches = Matches(
+        text.c_str(), pattern.c_str(), [op](char a, char b) { return Folded(a, op) == Folded(b, op); },
+        op & kSkipSymbols ? '-' : '\0');
     ASSERT_EQ(Compare(text, pattern, op) == 0, matches) << text << " : " << pattern << " op " << op;
   };
   const unsigned short options[] = {0, kIgnoreCase, kIgnoreAccents, kIgnoreCase | kIgnoreAccents};
@@ -177,22 +113,17 @@ TEST(NxStrCmp, MatchesAsBruteForceDoes) {
 }
 
 // ---------------------------------------------------------------------------
-// The plain walk against the level comparison
+// The roads against the level comparison
 
 /// A text of bytes in a code set of either width.
-struct Encoded {
-  Encoded(const std::string& bytes, unsigned char codeSet) : codeSet(codeSet) {
-    for (unsigned char c : bytes) {
-      text += static_cast<char>(c);
-      if (NxCharWidth(codeSet) == 2) text += '\0';
-    }
-    text.append(2, '\0');
-  }
+struct EncodedText {
+  EncodedText(const std::string& bytes, unsigned char codeSet)
+      : codeSet(codeSet), text(Encoded(Widened(bytes), codeSet) + std::string(2, '\0')) {}
   unsigned char codeSet;
   std::string text;
 };
 
-void ExpectSame(const Encoded& a, unsigned char langA, const Encoded& b, unsigned char langB,
+void ExpectSame(const EncodedText& a, unsigned char langA, const EncodedText& b, unsigned char langB,
                 unsigned short op, short len) {
   int walkOut = 77;
   int levelOut = 77;
@@ -210,20 +141,6 @@ void ExpectSame(const Encoded& a, unsigned char langA, const Encoded& b, unsigne
 unsigned short Options(unsigned i) {
   return (i & 1 ? kWildcardsOff : 0) | (i & 2 ? kIgnoreCase : 0) | (i & 4 ? kIgnoreAccents : 0) |
          (i & 8 ? kSkipSpaces : 0) | (i & 16 ? kSkipSymbols : 0);
-}
-
-void CompareAllPairs(unsigned length, unsigned stride) {
-  for (unsigned char codeSet : {kCodeSetLatin1, kCodeSetUnicode}) {
-    std::vector<Encoded> texts;
-    for (const auto& text : TextsUpTo(kAlphabet, length)) texts.emplace_back(text, codeSet);
-    const unsigned long long n = texts.size();
-    for (unsigned long long i = codeSet % stride; i < n * n * 32; i += stride) {
-      const Encoded& a = texts[i / 32 / n];
-      const Encoded& b = texts[i / 32 % n];
-      ExpectSame(a, 1, b, 1, Options(i % 32), -1);
-      if (testing::Test::HasFatalFailure()) return;
-    }
-  }
 }
 
 TEST(PlainWalk, AgreesOnRandomTexts) {
@@ -248,7 +165,7 @@ TEST(PlainWalk, AgreesOnRandomTexts) {
     const unsigned char langB = random() % 3 ? langA : pick(languages);
     const short len = random() % 3 ? -1 : static_cast<short>(random() % 10);
     const unsigned short op = Options(random() % 32) | (random() % 16 ? 0 : kOrderValuesOnly);
-    ExpectSame(Encoded(a, codeSetA), langA, Encoded(b, codeSetB), langB, op, len);
+    ExpectSame(EncodedText(a, codeSetA), langA, EncodedText(b, codeSetB), langB, op, len);
     if (HasFatalFailure()) return;
   }
 }
@@ -275,6 +192,102 @@ TEST(PlainWalk, LeavesWideCharactersAndByteOrdersToTheLevels) {
 }
 
 // ---------------------------------------------------------------------------
-// Wildcard search, hashes, estimate
+// Bytes, and searching
+
+/// By trying everything. In a glob "\\" makes the next byte literal.
+bool GlobMatches(const char* p, const char* t, bool glob) {
+  if (*p == 0) return *t == 0;
+  if (*p == '*') return GlobMatches(p + 1, t, glob) || (*t && GlobMatches(p, t + 1, glob));
+  const bool any = *p == '?';
+  if (glob && *p == '\\' && *++p == 0) return false;
+  return *t && (any || *p == *t) && GlobMatches(p + 1, t + 1, glob);
+}
+
+TEST(ByteWildcards, MatchAsBruteForceDoes) {
+  const auto texts = TextsUpTo("ab*", 6);
+  for (const std::string& pattern : TextsUpTo("ab*?\\", 5)) {
+    for (const std::string& text : texts) {
+      const char* p = pattern.c_str();
+      const char* t = text.c_str();
+      const bool matches = GlobMatches(p, t, true);
+      if ((nxstrwild(p, t, 0) == 0) != GlobMatches(p, t, false) || strwild(p, t) != matches ||
+          istrwild(p, t, 0, 0) != matches || caseistrwild(p, t, 0, 0) != matches)
+        FAIL() << pattern << " : " << text;
+    }
+  }
+}
+
+TEST(ByteWildcards, TakeTimeInProportionToPatternAndText) {
+  const std::string text(20'000, 'a');
+  const std::string pattern = "*a*a*a*a*a*a*a*a" + std::string(1'000, 'a') + "b";
+  EXPECT_NE(nxstrwild(pattern.c_str(), text.c_str(), 0), 0);
+  EXPECT_EQ(strwild(pattern.c_str(), text.c_str()), 0);
+}
+
+TEST(Find, UnderItsOptions) {
+  const struct {
+    const char *text, *pattern;
+    unsigned short start, op;
+    int position;
+  } cases[] = {
+      {"xxabc", "abc", 0, kWildcardsOff, 2},
+      {"xxabc", "abc", 0, 0, 2},
+      {"xxabcxabc", "abc", 3, kDefaultOptions, 6},
+      {"xxabc", "abcd", 0, kDefaultOptions, -1},
+      {"xxabc", "ABC", 0, kDefaultOptions, -1},
+      {"xxabc", "ABC", 0, kIgnoreCase, 2},
+      {"xa*c", "a*c", 0, kWildcardsOff, 1},
+      {"xabbc", "a*c", 0, kWildcardsOff, -1},
+      {"xabbc", "a*c", 0, 0, 1},
+      {"xabbc", "b?", 0, 0, 2},
+      {"abc", "c", 3, 0, -1},
+      {"abc", "c", 4, 0, -1},
+      {"abc", "", 2, kWildcardsOff, 2},
+      {"abc", "", 4, kWildcardsOff, -1},
+      {"", "a", 0, 0, -1},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.pattern) + " in " + c.text);
+    EXPECT_EQ(NxString(c.text).Find(NxString(c.pattern), c.start, c.op), c.position);
+  }
+  for (const unsigned short op : {0x0000, 0x0010, 0xFFFF})
+    EXPECT_EQ(NxString("a").Find(NxString(), 0, op), -1);
+  EXPECT_EQ(NxString("xab").Find(static_cast<unsigned short>('a')), 1);
+  // By byte sizes: a 16-bit pattern of two characters counts as four bytes.
+  EXPECT_EQ(NxString("xxab").Find(Wide(u"ab")), -1);
+  EXPECT_EQ(NxString("xabcd").Find(Wide(u"ab")), 1);
+  EXPECT_EQ(NxString("xab").SubStringPos("ab"), 1);
+}
+
+TEST(Find, ComparesAtEveryPosition) {
+  std::mt19937 random(3);
+  const char characters[] =
+      "aAb\xE1\xDF"
+      "c -*?";
+  const auto make = [&](unsigned most) {
+    std::string text;
+    for (unsigned n = random() % (most + 1); n > 0; --n) text += characters[random() % 10];
+    NxString s = random() % 3 ? NxString(text.c_str()) : Wide(Widened(text));
+    s._nLanguage = random() % 5;
+    return s;
+  };
+  for (int round = 0; round < 30000; ++round) {
+    const NxString s = make(9), pattern = make(3);
+    constexpr unsigned short kOptions[] = {0, 0x10, 0x20, 0x60, 0x80, 0x280, 0x290, 0x100, 0x110, 0xFFFF};
+    const unsigned short op = kOptions[random() % 10];
+    const bool open = !(op & kWildcardsOff);
+    const NxString used = open ? pattern + NxString('*') : pattern;
+    const int bytes = pattern.Len() * pattern.NullLen();
+    int found = -1;
+    for (int at = s.Len(); pattern._nSize && s._nSize && at >= 0; --at) {
+      const char* text = s._pBuffer + at * s.NullLen();
+      if ((s.Len() - at) * s.NullLen() >= bytes &&
+          NxStrCmp(s._nCodeSet, s._nLanguage, text, used._nCodeSet, used._nLanguage, used.StrGet(),
+                   op == 0xFFFF ? 0 : op, open ? -1 : static_cast<short>(pattern.Len()), 1, nullptr) == 0)
+        found = at;
+    }
+    ASSERT_EQ(s.Find(pattern, 0, op), found) << Text(s) << " / " << Text(pattern) << " under " << op;
+  }
+}
 
 }  // namespace

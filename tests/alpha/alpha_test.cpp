@@ -6,10 +6,15 @@
 #include <algorithm>
 #include <climits>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "nxcistr.h"
+#include "nxcodset.h"
+#include "nxtypmgr.h"
+#include "support/block.h"
+#include "support/strings.h"
 
 namespace {
 
@@ -81,106 +86,6 @@ TEST(AlphaMap, LettersAscendLowerCaseFirstAndAccentsShareTheirKey) {
   }
 }
 
-TEST(AlphaMap, BytesOutsideTheTables) {
-  const struct {
-    int c;
-    Mapped mapped, caseMapped;
-  } cases[] = {
-      {0x00, {0x00, 0}, {0x00, 0}},       {0x3F, {0x3F, 0}, {0x3F, 0}},
-      {0x40, {0x40, 0}, {0x40, 0}},       {0x7F, {0x4B, 0}, {0x4B, 0}},
-      {0x80, {0xE0, 0}, {0xE0, 0}},       {0x9E, {0xFE, 0}, {0xFE, 0}},
-      {0xA0, {0xB0, 0}, {0xB0, 0}},       {0xBF, {0xCF, 0}, {0xCF, 0}},
-      {0x8C, {0x90, 0x69}, {0x90, 0x69}}, {0x9C, {0x8A, 0x64}, {0x90, 0x69}},
-      {0x9F, {0xB3, 0x01}, {0xB3, 0x01}},
-  };
-  for (const auto& t : cases) {
-    EXPECT_EQ(Map(t.c), t.mapped) << std::hex << t.c;
-    EXPECT_EQ(CaseMap(t.c), t.caseMapped) << std::hex << t.c;
-  }
-}
-
-TEST(AlphaMap, LimitStopsAnywhereAndTheTerminatorIsCounted) {
-  const struct {
-    const char* text;
-    int limit;
-    const char* written;
-    int result;
-  } cases[] = {
-      {"ABC", 2, "\x54\x5B", 2},
-      {"ABC", 3, "\x54\x5B\x5E", 3},
-      {"ABC", 4, "\x54\x5B\x5E", 4},
-      {"ABC", 0, "\x54\x5B\x5E", 4},
-      {"A\xDF", 2, "\x54\x9D", 2},  // inside an expansion
-      {"A\xDF", 3, "\x54\x9D\x9D", 3},
-      {"", 0, "", 1},
-      {"", 1, "", 1},
-  };
-  for (const auto& t : cases) {
-    Uchar out[8];
-    std::fill_n(out, 8, 0xEE);
-    EXPECT_EQ(_NxCaseIMapString(out, U(t.text), static_cast<unsigned short>(t.limit)), t.result) << t.text;
-    std::string expected = t.written;
-    if (t.result > static_cast<int>(expected.size())) expected += '\0';
-    expected.resize(8, '\xEE');
-    EXPECT_EQ(std::string(out, out + 8), expected) << t.text << " limit " << t.limit;
-  }
-  Uchar out[1];
-  EXPECT_EQ(_NxIMapString(nullptr, out, 0), 0);
-  EXPECT_EQ(_NxIMapString(out, nullptr, 0), 0);
-}
-
-TEST(AlphaMap, KeysTurnBackIntoUnaccentedCapitals) {
-  const struct {
-    const char* text;
-    const char* back;
-    int limit, result;
-  } cases[] = {
-      {"hello, World 7", "HELLO, WORLD 7", 100, 15},
-      {"abc", "ABC", 3, 3},  // no room for the terminator
-      {"\xE0\xC9", "AE", 100, 3},
-      {"\x9C!", "OE!", 100, 4},  // a ligature
-      {"\xDF", "SS", 100, 3},
-      {"\xE5", "\xC5", 100, 3},  // takes the terminator for its accent
-      {"\xE5", "\xC5", 2, 2},
-      {"\xE5"
-       "b",
-       "\xAD"
-       "B",
-       100, 3},  // before a letter its key is not told apart
-      {"\x80\xA1\x7E", "\x80\xA1~", 100, 4},
-      {"", "", 5, 1},
-  };
-  for (const auto& t : cases) {
-    std::string keys = Keys(t.text, true);
-    std::vector<Uchar> out(keys.size() + 2, 0);
-    EXPECT_EQ(_NxCaseIDeMapString(out.data(), U(keys), static_cast<unsigned short>(t.limit)), t.result)
-        << t.text;
-    EXPECT_STREQ(reinterpret_cast<char*>(out.data()), t.back) << t.text;
-  }
-  Uchar out[] = {0xEE};
-  EXPECT_EQ(_NxCaseIDeMapString(out, U("A"), 0), 1);
-  EXPECT_EQ(out[0], 0xEE);
-  EXPECT_EQ(_NxCaseIDeMapString(nullptr, out, 1), 0);
-}
-
-TEST(AlphaMap, DeMapOrderOfTests) {
-  const struct {
-    int key, next, result, consumed;
-  } cases[] = {
-      {0x54, 0x03, 0xC0, 1}, {0x54, 0x02, 0x41, 0},  // only the first of the accented ones is found
-      {0x9D, 0x9D, 0x53, 0},                         // a second key equal to the first is a letter
-      {0xB3, 0x02, 0xDD, 1}, {0xB3, 0x01, 0x59, 0},  // the letter comes before the diaeresis
-      {0x90, 0x69, 0x4F, 0},                         // as before the ligature
-      {0xE0, 0x41, 0x80, 0}, {0xCF, 0x41, 0xBF, 0}, {0xD5, 0x41, 0xD5, 0},
-  };
-  for (const auto& t : cases) {
-    int consumed = 7;
-    EXPECT_EQ(_NxCaseIDeMapByte(static_cast<Uchar>(t.key), static_cast<Uchar>(t.next), consumed), t.result)
-        << std::hex << t.key << " " << t.next;
-    EXPECT_EQ(consumed, t.consumed) << std::hex << t.key << " " << t.next;
-  }
-}
-
 TEST(AlphaMap, EncodingCountsBytesOrStopsAtTheTerminator) {
   const Uchar text[] = {0xCC, 0, 0x41, 0};  // 0xCC is stored as 0xE4
   Uchar out[4] = {9, 9, 9, 9};
@@ -194,20 +99,6 @@ TEST(AlphaMap, EncodingCountsBytesOrStopsAtTheTerminator) {
 // ---------------------------------------------------------------------------
 // Order
 
-/// All texts up to three bytes over letters with and without a second key.
-std::vector<std::string> AllTexts() {
-  const std::string alphabet = "aASs\xDF\x8C\x9C\xC0";
-  std::vector<std::string> texts = {""};
-  for (size_t begin = 0, n = 0; n < 3; ++n) {
-    size_t end = texts.size();
-    for (; begin < end; ++begin)
-      for (char c : alphabet) texts.push_back(texts[begin] + c);
-  }
-  return texts;
-}
-
-int Sign(int n) { return (n > 0) - (n < 0); }
-
 /// The difference of the first differing bytes within n.
 int CompareKeys(const std::string& a, const std::string& b, size_t n) {
   for (size_t i = 0; i < n; ++i) {
@@ -220,7 +111,8 @@ int CompareKeys(const std::string& a, const std::string& b, size_t n) {
 
 template <class Compare>
 void TextsCompareAsTheirKeys(Compare compare, bool foldsCase) {
-  std::vector<std::string> texts = AllTexts(), keys;
+  // Letters with and without a second key.
+  std::vector<std::string> texts = TextsUpTo("aASs\xDF\x8C\x9C\xC0", 3), keys;
   for (const std::string& text : texts) keys.push_back(Keys(text, foldsCase));
   int wrong = 0;
   for (size_t i = 0; i < texts.size(); ++i)
@@ -275,9 +167,9 @@ TEST(AlphaOrder, AbsentAndEmptyTexts) {
 }
 
 TEST(AlphaOrder, Operators) {
-  NxIString a("a"), upper("A"), b("b"), none;
-  EXPECT_TRUE(a < upper && upper < b && a < b && a != upper && b >= upper && a <= a && b > a);
-  EXPECT_TRUE(none < a && none == NxIString());
+  const NxIString b("b"), ascending[] = {NxIString(), NxIString("a"), NxIString("A"), b};
+  for (const NxIString& x : ascending)
+    for (const NxIString& y : ascending) EXPECT_TRUE(OperatorsAgree(x, y, (&x > &y) - (&x < &y)));
   EXPECT_TRUE(NxCaseIString("a") == NxCaseIString("A"));
   NxIString keys("\x5A");  // the key of "b"
   keys._nForm = kAlphaKeys;
@@ -424,6 +316,138 @@ TYPED_TEST(AlphaText, LettersMapInTheDiskCodeSet) {
   EXPECT_EQ(str(Text("a 10 ").SpaceToZero()), "a0100");
   EXPECT_EQ(str(Text("a 10 ").ZeroToSpace()), "a 1  ");
   EXPECT_EQ(Text().ToUpper().SpaceToZero()._pStr, nullptr);
+}
+
+// ---------------------------------------------------------------------------
+// Slots
+
+constexpr char kTypes[] = {20, 21};
+
+TEST(AlphaSlots, SizesOfImages) {
+  NxTypeMgr mgr(5);
+  for (const char id : kTypes) {
+    SCOPED_TRACE(int{id});
+    // Two bytes of the disk code set stand for one as in memory, and the other way round.
+    const std::string image = AlphaImage(0x40, {"a\xDF", "\xDF", ""}), key = AlphaImage(0xC0, {"abc"});
+    const auto size = [&](const std::string& bytes, int form, int format, unsigned long n) {
+      const Block block(bytes.data(), bytes.size());
+      return mgr.DiskLenGet(id, block.Data(), static_cast<unsigned char>(format), n,
+                            static_cast<unsigned char>(form));
+    };
+    EXPECT_EQ(size(image, 1, 1, 3), 3 + 6);
+    EXPECT_EQ(size(image, 1, 0x81, 3), 3 + 4 + 3 + 1);
+    EXPECT_EQ(size(image, 1, 0x81, 1), 3 + 4);
+    EXPECT_EQ(size(image, 1, 0x81, 99), 3 + 4 + 3 + 1) << "fewer texts than asked for";
+    EXPECT_EQ(size(key, 1, 0x81, 1), 3 + 4);
+    EXPECT_EQ(size(AlphaImage(0x40, {"ab"}, 1, 2), 1, 0x81, 2), 3 + 3) << "T ends before the terminator";
+    EXPECT_EQ(size(AlphaImage(0x40, {"ab"}, 2), 2, 1, 1), 3 + 3) << "the form byte orders T";
+    const auto fileSize = [&](const std::string& bytes, int format, unsigned long n) {
+      const Block block(bytes.data(), bytes.size());
+      MemFile file(block.Data(), block.Size());
+      return mgr.DiskLenGetFromMemFile(id, &file, static_cast<unsigned char>(format), n);
+    };
+    EXPECT_EQ(fileSize(image, 1, 3), 9);
+    EXPECT_EQ(fileSize(image, 0x81, 3), 11);
+    EXPECT_EQ(fileSize(image, 0x88, 3), 0);
+    EXPECT_EQ(fileSize("", 1, 3), 0);
+    EXPECT_EQ(fileSize("\x40\x05", 1, 3), 0) << "a cut head";
+    EXPECT_EQ(fileSize(AlphaImage(0x40, {"\xDF"}, 1, 500), 0x81, 9), 3 + 3) << "T runs past the file";
+    const std::vector<NxIString> many(3, NxIString(std::string(30000, 'x').c_str()));
+    EXPECT_EQ(mgr.DiskLenGet(id, const_cast<NxIString*>(many.data()), 1, 3, 8), 3 + 3 * 30001 % 65536);
+  }
+}
+
+// The sizes that the two headers tell of a text in memory and of an image.
+TEST(AlphaSlots, SizesOfTexts) {
+  NxIString text("a\xDE");
+  NxCaseIString caseText("a\xDE");
+  const std::string image = AlphaImage(0x40, {"a\xDF"});
+  EXPECT_EQ(_NxIMapLength(&text, 8, 1) + _NxIMapLength(image.data(), 1, 1), 8);
+  EXPECT_EQ(_NxCaseIMapLength(&caseText, 8, 1) + _NxCaseIMapLength(image.data(), 1, 1), 8);
+  for (const unsigned char format : {0x01, 0x81}) {
+    const int expected = format == 1 ? 3 : 4;  // the sharp s has two keys
+    EXPECT_EQ(_NxISizeMem(&text, 8, format, 1), expected);
+    EXPECT_EQ(_NxCaseISizeMem(&caseText, 8, format, 1), expected);
+    EXPECT_EQ(_NxISizeNoMem(image.data(), 1, format, 1), expected);
+    EXPECT_EQ(_NxCaseISizeNoMem(image.data(), 1, format, 1), expected);
+  }
+}
+
+TEST(AlphaSlots, CaseKeysTurnBackIntoValues) {
+  NxTypeMgr mgr(5);
+  const struct {
+    std::string key;
+    const char* text;
+    int result;
+  } cases[] = {
+      {AlphaImage(0xC0, {Keys("a\xDFz 1", true)}), "ASSZ 1", 3 + 7},
+      {AlphaImage(0xC0, {Keys("\xE5", true)}), "\xD0", 3 + 2},  // stored as 0xC5
+      {AlphaImage(0xC0, {Keys("abc", true)}, 1, 2), "AB", 3 + 2},
+      {AlphaImage(0xC0, {Keys("abc", true)}, 1, 700), "ABC", 3 + 700},
+      {AlphaImage(0xC0, {}), "", 3},
+      {"\xC0\x09", "", 3},
+  };
+  for (const auto& t : cases) {
+    NxCaseIString value("before");
+    const Block source(t.key.data(), t.key.size());
+    EXPECT_EQ(mgr.Translate(21, &value, 8, 0, source.Data(), 0x81, source.Size(), 1), t.result);
+    EXPECT_STREQ(value._pStr ? value._pStr : "", t.text);
+  }
+  NxIString plain;  // this type's keys are loaded as they stand
+  std::string source = AlphaImage(0xC0, {Keys("ab", false)});
+  EXPECT_EQ(mgr.Translate(20, &plain, 8, 0, &source[0], 0x81, source.size(), 1), 6);
+  EXPECT_STREQ(plain._pStr, "NZ");
+  EXPECT_EQ(mgr.Translate(20, &plain, 0x88, 0, &plain, 8, 0, 1), 0) << "no keys in memory";
+}
+
+TEST(AlphaSlots, NothingIsReadBehindTheValueThatDecides) {
+  NxCaseIString values[] = {"a", ""}, others[] = {"b", ""};
+  int error = 77;
+  values[1]._pStr = reinterpret_cast<char*>(1);
+  EXPECT_LT(NxTypeMgr(5).Cmp(21, 16, values, 16, others, 0, 2, 8, error), 0);
+  values[1]._pStr = nullptr;
+}
+
+TEST(AlphaOrder, TextsThatDifferAtTheirLastKey) {
+  std::string a(65535, 'a'), b = a;
+  b.back() = 'b';
+  EXPECT_LT(nxistrcmp(a.c_str(), b.c_str(), 0, kAlphaDisk, kAlphaDisk), 0);
+  EXPECT_LT(nxcaseistrcmp(a.c_str(), b.c_str(), 0, kAlphaDisk, kAlphaDisk), 0);
+}
+
+// ---------------------------------------------------------------------------
+// The disk code set: what is known of its two tables without repeating them
+
+unsigned char To(int c) { return _NxConvertToDiskFormat(static_cast<unsigned char>(c)); }
+unsigned char From(int c) { return _NxConvertFromDiskFormat(static_cast<unsigned char>(c)); }
+
+TEST(DiskCodeSet, AsciiStandsForItself) {
+  for (int c = 0; c < 0x80; ++c) {
+    EXPECT_EQ(To(c), c);
+    EXPECT_EQ(From(c), c);
+  }
+}
+
+TEST(DiskCodeSet, ReadingIsAPermutationAndUndoesAllWritesButTwo) {
+  std::set<unsigned char> read, written, lost;
+  for (int c = 0x80; c < 0x100; ++c) {
+    read.insert(From(c));
+    written.insert(To(c));
+    if (From(To(c)) != c) lost.insert(static_cast<unsigned char>(c));
+  }
+  EXPECT_EQ(read.size(), 128U);
+  EXPECT_EQ(*read.begin(), 0x80);
+  EXPECT_EQ(lost, (std::set<unsigned char>{0xAC, 0xEC}));
+  EXPECT_EQ(written.size(), 126U);
+  EXPECT_EQ(written.count(0x90) + written.count(0x92), 0U);
+}
+
+// The two tables must not be off by the same permutation: single bytes from every row.
+TEST(DiskCodeSet, SingleBytes) {
+  const unsigned char pairs[][2] = {{0x80, 0x80}, {0x8F, 0x97}, {0x90, 0x98}, {0x9F, 0xF7}, {0xA8, 0xB4},
+                                    {0xAC, 0x98}, {0xBE, 0x83}, {0xC0, 0xE2}, {0xCF, 0xFC}, {0xD8, 0xC4},
+                                    {0xDF, 0xD4}, {0xE0, 0xC1}, {0xEC, 0x9A}, {0xF4, 0xB6}, {0xFF, 0x8F}};
+  for (const auto& pair : pairs) EXPECT_EQ(To(pair[0]), pair[1]) << std::hex << +pair[0];
 }
 
 }  // namespace
