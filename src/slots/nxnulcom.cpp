@@ -4,8 +4,8 @@
 #include "nxnultyp.h"
 #include "nxtypcmp.h"
 #include "nxtypevl.h"
-#include "slots/nxterm.h"
 #include "slots/nxnulimage.h"
+#include "slots/nxterm.h"
 
 namespace {
 

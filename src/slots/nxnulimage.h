@@ -91,7 +91,7 @@ NxNullShape NxShapeOf(NxSlot::Load* convert, unsigned char format) {
 
 /// Numbers that one call converts: they gather in a work area, since flags stand between
 /// them on both sides.
-inline constexpr unsigned long kNullBlock = 256;
+inline constexpr unsigned long kNullBlock = 16;
 
 template <class T, class V, class H>
 int NxNullTypeStore(void* dst, const void* src, unsigned char format, unsigned long count, T* = nullptr,
