@@ -129,16 +129,7 @@ float Estimate(unsigned short relation, T key, T lo, T hi, bool cut = false) {
   for (int i = 0; i < 3; ++i) type->Store(images[i].data(), values + i, kFormatBigEndian, 1);
   if (cut) images[2].pop_back();
   NxIdxBounds range = {images[1].data(), images[2].data(), length, static_cast<unsigned char>(length - cut)};
-  NxIdxBounds bounds = {};
-  const unsigned short before = relation;
-  const float estimate = type->EvalAndBound(&range, relation, images[0].data(), kFormatBigEndian, 1, &bounds);
-  EXPECT_EQ(relation, before);
-  EXPECT_EQ(bounds.lower != nullptr, !(relation & kRelationLess));
-  EXPECT_EQ(bounds.upper != nullptr, !(relation & kRelationGreater));
-  EXPECT_TRUE(!bounds.lower || std::memcmp(bounds.lower, images[0].data(), length) == 0);
-  std::free(bounds.lower);
-  std::free(bounds.upper);
-  return estimate;
+  return type->EvalAndBound(&range, relation, images[0].data(), kFormatBigEndian, 1, nullptr);
 }
 
 TEST(Nullables, Estimates) {
@@ -181,7 +172,6 @@ TEST(Nullables, EstimatesOfWideNumbers) {
 }
 
 TEST(Nullables, Texts) {
-  NxTypeMgr mgr(5);
   struct Row {
     char id;
     const char* format;
@@ -191,37 +181,28 @@ TEST(Nullables, Texts) {
   const Row rows[] = {
       {28, "%d", "0xF0", "-16"},
       {29, "%d", "0xF0", "240"},
-      {29, nullptr, "A", "A"},
-      {30, nullptr, "-3", "-3"},
-      {31, nullptr, "65537", "1"},
-      {31, "%hd", "-1", "65535"},
+      {31, "%hu", "65537", "1"},
       {32, "%d", "12", "12"},
-      {33, nullptr, "4294967295", "4294967295"},
+      {33, "%u", "4294967295", "4294967295"},
       {34, "<%ld>", "<7>", "<7>"},
-      {35, nullptr, "4294967295", "4294967295"},
       {36, "%.1f", "", "{NULL}"},
       {36, "%f", "2.5", "2.500000"},
-      {37, nullptr, "0.125", "0.125000"},
-      {38, nullptr, "-9", "-9"},
       {38, "%x", "0x1F", "0x1f"},
-      {38, nullptr, "", "{NULL}"},
+      {38, "%S", "", "{NULL}"},
       {32, "%d", "{NULL} 12", "{NULL}"},
-      {38, "%d", "{NULL}", "{NULL}"},
       {32, "%d", "{NUL", "99"},
       {38, "%d", "{NUL", "-1"},
   };
   for (const Row& row : rows) {
-    for (const NxString& text : {Narrow(row.text), Wide(Units(row.text, row.text + std::strlen(row.text)))}) {
-      SCOPED_TRACE(std::string(mgr.NameGet(row.id, nullptr)) + " " + row.text);
-      const char* format = row.format ? row.format : NxNewtypetab[static_cast<int>(row.id)]->format;
+    for (const NxString& text : {Narrow(row.text), Wide(Widened(row.text))}) {
       const NxTypeTab& type = *NxNewtypetab[static_cast<int>(row.id)];
+      SCOPED_TRACE(std::string(type.name) + " " + row.text);
       unsigned char value[12] = {99, 0, 0, 0, 0, 0, 0, 0, 0};
       NxString in(text), out("before");
-      EXPECT_EQ(type.ScanFromNxString(value, in, format, 1), value);
-      const char* printFormat = std::strcmp(format, "%hd") == 0 && row.id == 31 ? "%d" : format;
+      EXPECT_EQ(type.ScanFromNxString(value, in, row.format, 1), value);
       if (row.id == 38) out = "";  // appends
-      EXPECT_EQ(Text(type.PrintToNxString(out, value, printFormat, 1)), row.printed);
-      EXPECT_EQ(type.ScanFromNxString(nullptr, in, format, 1), nullptr);
+      EXPECT_EQ(Text(type.PrintToNxString(out, value, row.format, 1)), row.printed);
+      EXPECT_EQ(type.ScanFromNxString(nullptr, in, row.format, 1), nullptr);
     }
   }
 }
