@@ -8,13 +8,13 @@
 
 #include "nxapi.h"
 #include "nxslot.h"
+#include "nxtypes.h"  // the null state
 
 NX_API NxSlot::Create NxDateTimeCreate;
 NX_API NxSlot::Delete NxDateTimeDelete;
 NX_API NxSlot::Place NxDateTimeConstructor, NxDateTimeDestructor;
 NX_API NxSlot::Copy NxDateTimeAssignment, NxDateTimeCopy;
 NX_API NxSlot::DefaultValue NxDateTimeDefaultValue;
-NX_API NxSlot::Null NxDateTimeIsNull, NxDateTimeSetNull;
 
 NX_API NxSlot::Store DaTimeStore;
 NX_API NxSlot::Load DaTimeLoad;

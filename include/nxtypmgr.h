@@ -40,7 +40,7 @@ class NX_API NxTypeMgr {
   explicit NxTypeMgr(unsigned long factory);
   /// Chooses the table by database format number: 0 to 3 early, 4 to 10 current,
   /// 11 counts as 3, 12 and above count as 4.
-  void SetFactory(unsigned long factory);
+  void SetFactory(unsigned long number);
 
   // Identification and sizes.
 

@@ -155,7 +155,7 @@ void WriteFields(const FieldOrder& order, const PlainImage& image, NxKeyWriter& 
     const unsigned char* const bytes = image.bytes + field.offset;
     unsigned long long value = 0;
     for (unsigned i = field.width; i-- > 0;) value = value << 8 | bytes[i];
-    const unsigned long long sign = 1ULL << (8 * field.width - 1);
+    const unsigned long long sign = field.width != 0 ? 1ULL << (8 * field.width - 1) : 0;
     switch (field.kind) {
       case Kind::kNullFlag:
         key.Put(value != 1);

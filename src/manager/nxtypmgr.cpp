@@ -20,7 +20,7 @@ constexpr unsigned long kLastFactory = 10;
 
 /// The place in the table that an identifier names. May lie outside every table.
 int TableIndex(char id) {
-  const int number = static_cast<signed char>(id);
+  const int number{static_cast<NxTypeId>(id)};
   return number < kIllegalTypeId ? number : std::min(number - 60, kIllegalTypeIndex);
 }
 
@@ -52,7 +52,8 @@ void NxTypeMgr::SetFactory(unsigned long number) {
 NxTypeTab* NxTypeMgr::Find(char id) const { return FindIn(table, id); }
 
 NxTypeTab& NxTypeMgr::Record(char id) const {
-  if (static_cast<unsigned char>(id) < kOldTypeCount) return *table[static_cast<int>(id)];  // in both tables
+  const auto index = static_cast<unsigned char>(id);
+  if (index < kOldTypeCount) return *table[index];  // in both tables
   return RareRecord(table, id);
 }
 

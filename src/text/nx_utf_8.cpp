@@ -172,8 +172,9 @@ class UnicodeText {
   const unsigned short* Units() const { return units_; }
   unsigned short operator[](unsigned long i) const {
     if (units_) return units_[i];
-    if (bytes_) return toUnicode_ ? toUnicode_[bytes_[i]] : unicode_->MapFrom(bytes_[i], codeSet_);
-    return unicode_->MapFrom(foreign_[i], codeSet_);
+    if (foreign_) return unicode_->MapFrom(foreign_[i], codeSet_);
+    // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): one of the three is set
+    return toUnicode_ ? toUnicode_[bytes_[i]] : unicode_->MapFrom(bytes_[i], codeSet_);
   }
 
  private:
@@ -208,7 +209,10 @@ UnicodeText::UnicodeText(const NxString& s) : codeSet_(StatedCodeSet(s._nCodeSet
   }
   const unsigned short* units = reinterpret_cast<const unsigned short*>(text);
   length_ = UnitLength(units, s._pBuffer ? s._nSize / 2U : 0);
-  (codeSet_ == kCodeSetUnicode ? units_ : foreign_) = units;
+  if (codeSet_ == kCodeSetUnicode)
+    units_ = units;
+  else
+    foreign_ = units;
 }
 
 long Utf8Length(const UnicodeText& text, unsigned long characters) {
