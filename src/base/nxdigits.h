@@ -27,6 +27,14 @@ inline char* NxPutDecimal(char* end, unsigned v) {
   return end;
 }
 
+/// The number of decimal digits of v.
+inline unsigned NxDecimalLength(unsigned v) {
+  constexpr unsigned kPowers[] = {0, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+  // 1233 / 4096 is the logarithm of 2, so that this is the length or one less.
+  const unsigned length = (32U - static_cast<unsigned>(__builtin_clz(v | 1))) * 1233 >> 12;
+  return length + (v >= kPowers[length]);
+}
+
 /// The nine digits of a number below 10^9. Returns the place behind them.
 inline char* NxPutNine(char* place, unsigned v) {
   // v / 10^8 with its fraction, rounded up, of which each pair of digits is multiplied out.

@@ -199,17 +199,17 @@ bool NxReadPlainInteger(const char* format, NxPlainInteger& plain) {
 unsigned long NxPrintPlainInteger(const NxPlainInteger& plain, int value, char* area, unsigned long size) {
   if (plain.beforeLength + kIntegerBytes + plain.afterLength > size) return 0;
   if (plain.isShort) value = plain.isSigned ? static_cast<short>(value) : static_cast<unsigned short>(value);
-  char digits[kIntegerBytes];
-  char* const end = digits + sizeof digits;
   const bool negative = plain.isSigned && value < 0;
   const auto bits = static_cast<unsigned>(value);
-  char* begin = NxPutDecimal(end, negative ? 0 - bits : bits);
-  if (negative) *--begin = '-';
-  const char* const place = area;
-  for (unsigned long i = 0; i < plain.beforeLength; ++i) *area++ = plain.before[i];
-  while (begin < end) *area++ = *begin++;
-  for (unsigned long i = 0; i < plain.afterLength; ++i) *area++ = plain.after[i];
-  return static_cast<unsigned long>(area - place);
+  const unsigned magnitude = negative ? 0 - bits : bits;
+  char* place = area;
+  for (unsigned long i = 0; i < plain.beforeLength; ++i) *place++ = plain.before[i];
+  *place = '-';
+  place += negative;
+  place += NxDecimalLength(magnitude);
+  NxPutDecimal(place, magnitude);
+  for (unsigned long i = 0; i < plain.afterLength; ++i) *place++ = plain.after[i];
+  return static_cast<unsigned long>(place - area);
 }
 
 bool NxScanPlainInteger(const NxPlainInteger& plain, const char* text, bool& found, int& value) {

@@ -1,6 +1,7 @@
 #include "dates/nxdatetext.h"
 
 #include <cstring>
+#include <optional>
 
 #include "base/nxdigits.h"
 #include "text/nxtextio.h"
@@ -45,7 +46,7 @@ class DateTimePrinter {
   }
 
  private:
-  char* Put(char* place, char directive) const {
+  char* Put(char* place, char directive) {
     switch (directive) {
       case 'A':
         return Text(place, nx_weekdays[date_.DayOfTheDate()]);
@@ -83,10 +84,12 @@ class DateTimePrinter {
     }
   }
 
-  /// The hour as clocks show it. Midnight is 12 only beside a mark of the morning.
-  int ClockHour() const {
-    if (time_.hour == 0) return HasMark(format_) ? 12 : 0;
-    return time_.hour > 12 ? time_.hour - 12 : time_.hour;
+  /// The hour as clocks show it. Midnight is 12 only beside a mark of the morning, which
+  /// is looked for once.
+  int ClockHour() {
+    if (time_.hour != 0) return time_.hour > 12 ? time_.hour - 12 : time_.hour;
+    if (!midnight_) midnight_ = HasMark(format_) ? 12 : 0;
+    return *midnight_;
   }
 
   static char* Text(char* place, const char* text) { return Text(place, text, std::strlen(text)); }
@@ -118,6 +121,7 @@ class DateTimePrinter {
   const NxDate& date_;
   const NxTime& time_;
   const char* format_;
+  std::optional<int> midnight_;
 };
 
 // ---------------------------------------------------------------------------

@@ -403,7 +403,7 @@ void* SealScanFromNxString(void* value, NxString& in, const char* /*fmt*/, unsig
 
 NxString& BlobPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long /*n*/) {
   const NxBlob& blob = *static_cast<NxBlob*>(value);
-  if (blob.IsNullValue()) return out += __NullPrintString;
+  if (blob.IsNullValue()) return out = __NullPrintString;
   if (!fmt) return out;
   NxPieceWriter pieces(out);
   for (; *fmt; ++fmt) {

@@ -37,40 +37,37 @@ const Radix* RadixOf(char directive) {
   }
 }
 
-/// The decimal digits of v so that they end at `end`. Returns where they begin.
-char* PutDecimal(char* end, unsigned long long v) {
-  while (v >> 32) {  // nine digits at a time, as far as 64 bits have to be divided
-    constexpr unsigned kNineDigits = 1'000'000'000;
+/// Writes v in decimal. Returns the place behind it.
+char* PutDecimal(char* place, unsigned long long v) {
+  constexpr unsigned kNineDigits = 1'000'000'000;
+  if (v >> 32) {  // nine digits at a time, as far as 64 bits have to be divided
     const unsigned long long rest = v / kNineDigits;
-    end -= 9;
-    NxPutNine(end, static_cast<unsigned>(v) - static_cast<unsigned>(rest) * kNineDigits);
-    v = rest;
+    place = PutDecimal(place, rest);
+    return NxPutNine(place, static_cast<unsigned>(v) - static_cast<unsigned>(rest) * kNineDigits);
   }
-  return NxPutDecimal(end, static_cast<unsigned>(v));
+  const auto low = static_cast<unsigned>(v);
+  place += NxDecimalLength(low);
+  NxPutDecimal(place, low);
+  return place;
 }
 
 /// The same in a base that is a power of 2.
-char* PutBits(char* end, unsigned long long v, const Radix& radix) {
+char* PutBits(char* place, unsigned long long v, const Radix& radix) {
   const unsigned shift = radix.base == 8 ? 3 : 4;
-  do {
-    *--end = radix.digits[v & (radix.base - 1)];
-    v >>= shift;
-  } while (v);
-  return end;
+  unsigned length = 1;
+  for (unsigned long long rest = v >> shift; rest; rest >>= shift) ++length;
+  for (char* p = place + length; p > place; v >>= shift) *--p = radix.digits[v & (radix.base - 1)];
+  return place + length;
 }
 
 void AddInt64(NxPieceWriter& pieces, const NxInt64& value, const Radix& radix) {
   constexpr unsigned long kLongest = 26;  // sign, prefix and 22 octal digits
   const unsigned long long magnitude = static_cast<unsigned long long>(value.Abs().Wide());
-  char text[kLongest];
-  char* const end = text + sizeof text;
-  char* begin = radix.base == 10 ? PutDecimal(end, magnitude) : PutBits(end, magnitude, radix);
-  for (const char* p = radix.prefix + std::strlen(radix.prefix); p > radix.prefix;) *--begin = *--p;
-  // The lowest value is its own magnitude; only its decimal text has a sign.
-  if (value.high < 0 && (radix.base == 10 || magnitude != kLowest)) *--begin = '-';
   char* place = pieces.Room(kLongest);
-  while (begin < end) *place++ = *begin++;
-  pieces.Took(place);
+  // The lowest value is its own magnitude; only its decimal text has a sign.
+  if (value.high < 0 && (radix.base == 10 || magnitude != kLowest)) *place++ = '-';
+  for (const char* p = radix.prefix; *p; ++p) *place++ = *p;
+  pieces.Took(radix.base == 10 ? PutDecimal(place, magnitude) : PutBits(place, magnitude, radix));
 }
 
 /// Reads an NxInt64 from a text, walking format and text together.
