@@ -64,13 +64,13 @@ struct NxStoredString {
   bool early = false;
 
   NxStoredString() = default;
-  /// A buffer too short for a field reads as 0 there.
+  /// A buffer or an image too short for a field reads as 0 there.
   NxStoredString(const void* image, unsigned long bufferLength, unsigned char format)
       : bytes(static_cast<const unsigned char*>(image)), length(bufferLength) {
     if (length < kLengthSize) return;
     n = LengthOf(image, format);
     early = n > 0 && Fits() && EndsEarly(image, n);
-    if (early || length < kHeadSize) return;
+    if (early || length < kHeadSize || Size() < kHeadSize) return;
     codeSet = CodeSetOf(image);
     language = LanguageOf(image);
   }
