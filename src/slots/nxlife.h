@@ -48,8 +48,9 @@ template <class T>
 struct NxPlainValues {
   static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
 
+  /// A null place is skipped.
   static void Construct(void* place, unsigned long n) {
-    if (n == 0) return;
+    if (n == 0 || !place) return;
     const T value = T();
     Fill(place, &value, n);
   }

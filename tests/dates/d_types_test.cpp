@@ -295,6 +295,9 @@ TEST(StandardTimestamp, PartsComeAndGo) {
   EXPECT_EQ(Text(d = t), "2000-1-1");
   EXPECT_EQ(t != d_Timestamp(d_Date(1999, 12, 31), d_Time(23, 0, 0)), 1);
   EXPECT_EQ(t != d_Timestamp(d, d_Time(0, 3, 0)), -2);
+  const d_Date today = d_Date::current();
+  EXPECT_LE(today != d_Timestamp::current(), 0);
+  EXPECT_EQ(d_Time::current().tz_hour, 1);
 }
 
 // ---------------------------------------------------------------------------
