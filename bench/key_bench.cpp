@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "germanlocale.h"
+#include "nxsortkey.h"
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "nxtypes.h"
@@ -170,6 +171,10 @@ int main(int argc, char** argv) {
     unsigned char key[NxINDEX_MAX_KEYLEN];
     return manager.Translate(kStringTypeId, key, 0x81, sizeof key, word.image.data(), 1, word.image.size(),
                              1);
+  });
+  Register("Key/NxSortKey", words, [](Word& word) {
+    unsigned char key[256];
+    return NxSortKey(kStringTypeId, word.image.data(), 1, word.image.size(), 0, key, sizeof key);
   });
   Bytes low = words[0].key, high = words[0].key;
   for (Word& word : words) {

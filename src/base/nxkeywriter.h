@@ -2,6 +2,8 @@
 #ifndef NXKEYWRITER_H
 #define NXKEYWRITER_H
 
+#include <cstring>
+
 class NxKeyWriter {
  public:
   /// `descending` turns the order of the keys round: every byte is complemented.
@@ -11,6 +13,14 @@ class NxKeyWriter {
   void Put(unsigned byte) {
     if (length_ < room_) key_[length_] = static_cast<unsigned char>(byte ^ flip_);
     ++length_;
+  }
+  void PutAll(const unsigned char* bytes, unsigned long n) {
+    if (flip_ == 0 && length_ + n <= room_) {
+      std::memcpy(key_ + length_, bytes, n);
+      length_ += n;
+    } else {
+      while (n-- > 0) Put(*bytes++);
+    }
   }
   /// The low 16 bits, the high byte first.
   void Put16(unsigned value) {

@@ -2,6 +2,7 @@
 
 #include "base/nxgrowlist.h"
 #include "collation/nxlevels.h"
+#include "collation/nxordertable.h"
 #include "nxchar.h"
 #include "nxlang.h"
 #include "nxstring.h"
@@ -235,6 +236,83 @@ void WritePlainBytes(const char* text, NxKeyWriter& key) {
   key.Put(kTextEnd);
 }
 
+/// The key of a short 8-bit text of plain letters and digits of the first selector, which
+/// most words are; false, with nothing written, for another one. It is what TextKey writes.
+class PlainTextKey {
+ public:
+  explicit PlainTextKey(const NxOrderTable& table) : table_(table) {}
+
+  bool Write(const char* text, NxKeyWriter& key) {
+    if (!ReadBaseLetters(text)) return false;
+    WriteAccents();
+    WriteCase();
+    key.PutAll(bytes_, static_cast<unsigned long>(end_ - bytes_));
+    return true;
+  }
+
+ private:
+  static constexpr unsigned kLongest = 100;  // no distance then needs more than its byte
+  static constexpr unsigned kAccent = 31;
+  static constexpr unsigned kCapital = 0x80;
+
+  bool ReadBaseLetters(const char* text) {
+    for (;; ++length_) {
+      const NxOrderTable::Entry& entry = table_.EntryOf(text[length_]);
+      if (entry.key == 0) return true;
+      if ((entry.key & NxOrderTable::kMarks) || entry.selector != kHomeSelector || length_ == kLongest)
+        return false;
+      const unsigned order = entry.order;
+      if (order < kFirstLetterOrder) {
+        const unsigned digit = order - kFirstDigitOrder;
+        if (digit % 10 != 0) return false;
+        *end_++ = static_cast<unsigned char>(kFirstDigit + digit / 5);
+        continue;
+      }
+      if (order >= kFirstHanOrder || (order >> 12 & 3) > kSmallCase) return false;
+      *end_++ = static_cast<unsigned char>(kFirstBase + (order & 0x7F));
+      const unsigned mark = (order >> 7 & kAccent) | ((order >> 12 & 3) == 0 ? kCapital : 0);
+      places_[marked_] = static_cast<unsigned char>(length_);
+      marks_[marked_] = static_cast<unsigned char>(mark);
+      marked_ += mark != 0;
+      all_ |= mark;
+    }
+  }
+  void WriteAccents() {
+    if (!(all_ & kAccent)) return;
+    *end_++ = kAccents;
+    unsigned end = length_;
+    for (unsigned i = marked_; i-- > 0;) {
+      if (!(marks_[i] & kAccent)) continue;
+      *end_++ = static_cast<unsigned char>(0xFF - (end - 1 - places_[i]));
+      *end_++ = marks_[i] & kAccent;
+      end = places_[i];
+    }
+  }
+  void WriteCase() {
+    if (!(all_ & kCapital)) {
+      *end_++ = kEnd;
+      return;
+    }
+    *end_++ = kHighCase;
+    unsigned begin = 0;
+    for (unsigned i = 0; i < marked_; ++i) {
+      if (!(marks_[i] & kCapital)) continue;
+      *end_++ = static_cast<unsigned char>(0xFF - (places_[i] - begin));
+      begin = places_[i] + 1U;
+    }
+    *end_++ = kCaseEnd;
+  }
+
+  const NxOrderTable& table_;
+  unsigned length_ = 0;
+  unsigned marked_ = 0;  // letters with an accent, or capitals
+  unsigned all_ = 0;     // marks of all of them
+  unsigned char places_[kLongest + 1];
+  unsigned char marks_[kLongest + 1];
+  unsigned char bytes_[4 * kLongest + 4];  // a letter, an accent of two bytes, case; three ends
+  unsigned char* end_ = bytes_;
+};
+
 NxStringIterator Open(const NxKeyText& text) {
   return {text.text ? text.text : zeroString, text.codeSet, text.language, text.byteOrder};
 }
@@ -250,6 +328,13 @@ bool NxWriteTextKey(const NxKeyText& text, NxKeyWriter& key) {
     WritePlainBytes(text.text ? text.text : "", key);
     return true;
   }
+  const NxOrderTable* table =
+      text.codeSet < NxOrderTable::kCodeSets ? NxOrderTable::Find(text.codeSet, text.language) : nullptr;
+  if (table && text.text && PlainTextKey(*table).Write(text.text, key)) return true;
+  return NxWriteTextKeyByLevels(text, key);
+}
+
+bool NxWriteTextKeyByLevels(const NxKeyText& text, NxKeyWriter& key) {
   TextKey levels(key);
   if (!levels.Read(Open(text))) return false;
   levels.WriteLesserLevels();

@@ -21,6 +21,10 @@ struct NxKeyText {
 /// Writes the key; false when memory was short.
 bool NxWriteTextKey(const NxKeyText& text, NxKeyWriter& key);
 
+/// The same without the short road for plain words: of a text that is not null and has a code
+/// set.
+bool NxWriteTextKeyByLevels(const NxKeyText& text, NxKeyWriter& key);
+
 /// Writes the base letters that every text begins with that a term selects or is compared
 /// with: those of the term up to its first wildcard. Answers whether there is a wildcard.
 /// All keys with these base letters lie from what is written up to kAfterBaseLetters behind it.

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "collation/nxtextkey.h"
 #include "nxbase.h"
 #include "nxcistr.h"
 #include "nxistr.h"
@@ -124,7 +125,11 @@ TEST_F(Texts, LongRunsKeepTheirDistances) {
 
 TEST_F(Texts, EveryFormHasTheSameKey) {
   for (int round = 0; round < 2000; ++round) {
-    const Case made = Make(Pick(hostile, 300), 1, 4);
+    const Case made = Make(round % 2 ? Pick(hostile, 300) : Pick("aB\xe4\xc9z9", 110), 1, 1 + round % 4);
+    std::string levels(made.key.size(), '\0');
+    NxKeyWriter writer(levels.data(), levels.size());
+    NxWriteTextKeyByLevels({1, made.text._nLanguage, made.text.StrGet(), 1}, writer);
+    ASSERT_EQ(levels, made.key);
     for (unsigned char format : {1, 2}) {
       const std::string image = ImageOf(kStringTypeId, &made.text, format);
       ASSERT_EQ(KeyOf(kStringTypeId, image.data(), format, image.size()), made.key);
