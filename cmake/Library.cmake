@@ -2,21 +2,14 @@
 # sources in DIRECTORY, nx21::EXPORT_NAME to its users, which uses the libraries
 # SIBLING. Its objects are the target NAMEObjects.
 
-# nx_objects(NAME DIRECTORY SOURCE...): an object library of sources in DIRECTORY, compiled
-# as those of nx_library are.
-
-function(nx_objects name directory)
-  add_library(${name} OBJECT ${ARGN})
-  # Exported functions may be inlined: calls inside a library stay inside (see below).
-  target_compile_options(${name} PRIVATE -fno-exceptions -fno-rtti -ffunction-sections -fdata-sections
-    -fno-semantic-interposition)
-  target_include_directories(${name} PRIVATE
-    "${PROJECT_SOURCE_DIR}/include" "${PROJECT_SOURCE_DIR}/sibling" "${CMAKE_CURRENT_SOURCE_DIR}/${directory}")
-endfunction()
-
 function(nx_library name exportName directory)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${directory}/*.cpp")
-  nx_objects(${name}Objects ${directory} ${sources})
+  add_library(${name}Objects OBJECT ${sources})
+  # Exported functions may be inlined: calls inside a library stay inside (see below).
+  target_compile_options(${name}Objects PRIVATE -fno-exceptions -fno-rtti -ffunction-sections -fdata-sections
+    -fno-semantic-interposition)
+  target_include_directories(${name}Objects PRIVATE
+    "${PROJECT_SOURCE_DIR}/include" "${PROJECT_SOURCE_DIR}/sibling" "${CMAKE_CURRENT_SOURCE_DIR}/${directory}")
 
   add_library(${name} SHARED $<TARGET_OBJECTS:${name}Objects>)
   add_library(nx21::${exportName} ALIAS ${name})

@@ -15,6 +15,7 @@
 
 #include "nxapi.h"
 #include "nxchar.h"
+#include "nxlang.h"
 
 class NxString;
 
@@ -34,11 +35,10 @@ NX_API unsigned int GetCompareFromOrder(unsigned short order, unsigned char sele
 
 /// GetCompareFromOrder in place, for loops over texts.
 constexpr unsigned int NxCompareKey(unsigned short order, unsigned char selector) {
-  constexpr unsigned char kPlainOrder = 20;
   const unsigned int value = order;
   if (value == 0) return 0;
   const unsigned int high = static_cast<unsigned int>(selector) << 24;
-  if (selector == kPlainOrder || value < kFirstLetterOrder || value >= kFirstHanOrder)
+  if (selector == kPlainOrderSelector || value < kFirstLetterOrder || value >= kFirstHanOrder)
     return high | value << 8;
   return high | (value & ~(kOrderCaseMask | kOrderAccentMask)) << 8 | (value & kOrderCaseMask) >> 7 |
          (value & kOrderAccentMask) >> 7;

@@ -93,7 +93,7 @@ inline NxTextSpan NxTextOf(const char* text) {
 inline NxTextSpan NxNextText(NxTextSpan& texts) {
   auto* zero =
       texts.HasByte() ? static_cast<const unsigned char*>(std::memchr(texts.at, 0, texts.Size())) : nullptr;
-  NxTextSpan text = {texts.at, zero ? zero : texts.end};
+  const NxTextSpan text = {texts.at, zero ? zero : texts.end};
   texts.at = zero ? zero + 1 : texts.end;
   return text;
 }
@@ -111,7 +111,7 @@ class NxKeyReader {
 
   unsigned char Next() {
     if (pending_) {
-      unsigned char key = pending_;
+      const unsigned char key = pending_;
       pending_ = 0;
       return key;
     }
@@ -119,7 +119,7 @@ class NxKeyReader {
     unsigned char c = *text_.at++;
     if (form_ & kAlphaKeys) return c;
     if (!(form_ & kAlphaDisk)) c = _NxConvertToDiskFormat(c);
-    unsigned char extra = map_.extra[c];
+    const unsigned char extra = map_.extra[c];
     if (accents_) return AccentKey(map_.key[c], extra);
     if (extra >= kFirstSecondKey) pending_ = extra;
     return map_.key[c];
@@ -156,8 +156,8 @@ struct NxCutWriter {
 /// Compares the keys of two texts as nxistrcmp does; neither is read past its end.
 template <class Text>
 int NxCompareAlpha(NxTextSpan a, NxTextSpan b, unsigned short len, unsigned char formA, unsigned char formB) {
-  int firstA = a.HasByte() ? *a.at : 0;
-  int firstB = b.HasByte() ? *b.at : 0;
+  const int firstA = a.HasByte() ? *a.at : 0;
+  const int firstB = b.HasByte() ? *b.at : 0;
   if (firstA == 0 || firstB == 0) return firstA - firstB;
   const bool accents = NxAlphaRules<Text>::kFoldsCase && (formA & kAlphaAccents);
   NxKeyReader readerA(NxAlphaRules<Text>::kMap, a, formA, accents);

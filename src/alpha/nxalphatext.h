@@ -20,7 +20,7 @@ inline unsigned long NxAlphaLength(const char* s) { return s ? std::strlen(s) : 
 /// empty or memory is short.
 inline char* NxJoinTexts(const char* a, unsigned long lengthA, const char* b, unsigned long lengthB,
                          const char* c, unsigned long lengthC) {
-  unsigned long length = lengthA + lengthB + lengthC;
+  const unsigned long length = lengthA + lengthB + lengthC;
   char* text = length ? NxNewArray<char>(length + 1) : nullptr;
   if (!text) return nullptr;
   char* end = std::copy_n(c, lengthC, std::copy_n(b, lengthB, std::copy_n(a, lengthA, text)));
@@ -106,7 +106,7 @@ NxAlphaText<Text>& NxAlphaText<Text>::operator=(const NxAlphaText& s) {
 
 template <class Text>
 Text& NxAlphaText<Text>::operator+=(const Text& s) {
-  unsigned long added = NxAlphaLength(s._pStr);
+  const unsigned long added = NxAlphaLength(s._pStr);
   if (added == 0) return Self();
   char* text = NxJoinTexts(_pStr, NxAlphaLength(_pStr), s._pStr, added, nullptr, 0);
   if (text) Adopt(text);
@@ -128,7 +128,7 @@ unsigned short NxAlphaText<Text>::Len() const {
 
 template <class Text>
 Text& NxAlphaText<Text>::Insert(const Text& s, unsigned short pos) {
-  unsigned long added = NxAlphaLength(s._pStr);
+  const unsigned long added = NxAlphaLength(s._pStr);
   if (added == 0) return Self();
   if (!_pStr) return Self() = s;
   pos = std::min(pos, Len());
@@ -139,9 +139,9 @@ Text& NxAlphaText<Text>::Insert(const Text& s, unsigned short pos) {
 
 template <class Text>
 Text& NxAlphaText<Text>::Replace(const Text& s, unsigned short pos) {
-  unsigned short length = Len();
+  const unsigned short length = Len();
   if (pos > length) return Self();
-  unsigned long n = std::min<unsigned long>(s.Len(), length - pos);
+  const unsigned long n = std::min<unsigned long>(s.Len(), length - pos);
   if (n) std::memmove(_pStr + pos, s._pStr, n);  // s may be this text
   return Self();
 }
@@ -159,7 +159,7 @@ Text& NxAlphaText<Text>::Fill(unsigned short n, char c) {
 
 template <class Text>
 Text& NxAlphaText<Text>::Expand(unsigned short n, char c) {
-  unsigned long length = NxAlphaLength(_pStr);
+  const unsigned long length = NxAlphaLength(_pStr);
   if (n <= length) return Self();
   char* text = NxNewZeroArray<char>(n + 1UL);
   if (!text) return Self();
@@ -170,12 +170,12 @@ Text& NxAlphaText<Text>::Expand(unsigned short n, char c) {
 
 template <class Text>
 Text& NxAlphaText<Text>::Cut(unsigned short pos, unsigned short count) {
-  unsigned short length = Len();
+  const unsigned short length = Len();
   if (pos > length) return Self();
-  unsigned long n = std::min<unsigned long>(count, length - pos);
+  const unsigned long n = std::min<unsigned long>(count, length - pos);
   if (n == 0) return Self();
   const char* tail = _pStr + pos + n;
-  unsigned long tailLength = NxAlphaLength(tail);
+  const unsigned long tailLength = NxAlphaLength(tail);
   char* text = NxJoinTexts(_pStr, pos, tail, tailLength, nullptr, 0);
   if (text || pos + tailLength == 0) Adopt(text);
   return Self();
@@ -183,15 +183,15 @@ Text& NxAlphaText<Text>::Cut(unsigned short pos, unsigned short count) {
 
 template <class Text>
 Text NxAlphaText<Text>::Copy(unsigned short pos, unsigned short count) const {
-  unsigned short length = Len();
+  const unsigned short length = Len();
   if (pos > length) return Text();
   return Text(_pStr + pos, std::min<unsigned short>(count, static_cast<unsigned short>(length - pos)));
 }
 
 template <class Text>
 int NxAlphaText<Text>::SubStringPos(const Text& s) const {
-  int length = Len();
-  int sought = s.Len();
+  const int length = Len();
+  const int sought = s.Len();
   for (int i = 0; i + sought <= length; ++i)
     if (nxstrcmp(_pStr + i, s._pStr, sought) == 0) return i;
   return -1;
@@ -216,7 +216,7 @@ inline unsigned char NxDiskToLower(unsigned char c) {
 /// Maps every byte of a text through the disk code set.
 inline void NxMapInDiskCodeSet(char* text, unsigned char (*map)(unsigned char)) {
   for (; text && *text; ++text) {
-    unsigned char c = _NxConvertToDiskFormat(static_cast<unsigned char>(*text));
+    const unsigned char c = _NxConvertToDiskFormat(static_cast<unsigned char>(*text));
     *text = static_cast<char>(_NxConvertFromDiskFormat(map(c)));
   }
 }

@@ -3,6 +3,7 @@
 #include "collation/nxordertable.h"
 
 #include "ord2str.h"
+#include "text/nxchartext.h"
 
 // ---------------------------------------------------------------------------
 // Tables
@@ -11,11 +12,8 @@ namespace {
 
 const NxCharInfo* RecordOf(unsigned short value, unsigned char codeSet, unsigned char language) {
   const NxCharTable* records = NxLanguageContext::QueryCodeSet(codeSet)->CharTable();
-  const NxCharInfo* info = records ? records->Find(value) : nullptr;
-  if (!info || !info->variants) return info;
-  const NxLanguage* known = NxLanguageContext::QueryLanguage(language);
-  const NxCharInfo* variant = known && known->hasVariants ? info->variants->Find(known->number) : nullptr;
-  return variant ? variant : info;
+  const NxCharInfo* const info = records ? records->Find(value) : nullptr;
+  return info ? NxInLanguage(info, language) : nullptr;
 }
 
 /// Whether a character with an expansion is all digits and letters.

@@ -241,7 +241,7 @@ bool AnyContains(NxTypeConvertData& strings, const NxString& separator) {
 /// The first character that occurs in no string; "," when all occur.
 NxString UnusedSeparator(NxTypeConvertData& strings) {
   for (int code = 1; code < 255; ++code) {
-    NxString separator(static_cast<char>(code));
+    const NxString separator(static_cast<char>(code));
     if (!AnyContains(strings, separator)) return separator;
   }
   return NxString(",");

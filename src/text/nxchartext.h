@@ -1,6 +1,6 @@
 // What characters, iterators and the UTF-8 conversions share: the replacements of the
-// numbers that stand for a default, the null test of a text, the class of letters, and
-// the reading of one character of a text.
+// numbers that stand for a default, the null test of a text, the class of letters, the
+// record of a character in a language, and the reading of one character of a text.
 #ifndef NXCHARTEXT_H
 #define NXCHARTEXT_H
 
@@ -38,6 +38,16 @@ constexpr bool NxIsNullText(unsigned char codeSet, unsigned char language) {
 /// Whether an order value is a letter's, which has the fields of ord2str.h.
 constexpr bool NxIsLetterOrder(unsigned order) {
   return order >= kFirstLetterOrder && order < kFirstHanOrder;
+}
+
+/// The record of a character in a language: its own one where it has records of single
+/// languages and the language is one of these.
+inline const NxCharInfo* NxInLanguage(const NxCharInfo* info, unsigned char number) {
+  if (!info->variants) return info;
+  const NxLanguage* const language = NxLanguageContext::QueryLanguage(number);
+  if (!language || !language->hasVariants) return info;
+  const NxCharInfo* const variant = info->variants->Find(language->number);
+  return variant ? variant : info;
 }
 
 /// The value of the character of a code set at `where`.

@@ -29,15 +29,6 @@ bool HasNext(const NxStringIterator& it) {
   return IsPending(it) || (it._pPos && ReadCharacter(it._pPos, it._nCodeSet, kFormatNative) != 0);
 }
 
-/// The record of a character in its language.
-const NxCharInfo* InLanguage(const NxCharInfo* info, unsigned char number) {
-  if (!info->variants) return info;
-  const NxLanguage* language = NxLanguageContext::QueryLanguage(number);
-  if (!language || !language->hasVariants) return info;
-  const NxCharInfo* variant = info->variants->Find(language->number);
-  return variant ? variant : info;
-}
-
 /// The record of a character by the code set's own table, or null.
 const NxCharInfo* RecordOf(const NxCodeSet* codeSet, unsigned short value) {
   if (const NxCharInfo* const* records = codeSet->FlatRecords()) return records[value];
@@ -91,7 +82,7 @@ unsigned short OrderReader::Next() {
   if (value == 0) return 0;
   const NxCharInfo* info = table_->Find(value);
   if (!info) return TakeUnlisted(value);
-  info = Contract(InLanguage(info, c._nLanguage));
+  info = Contract(NxInLanguage(info, c._nLanguage));
   if (updateCollation_) SelectCollation(it_, info);
   if (info->expansion) it_.SetOverflow(info->expansion, kCodeSetOrderValues);
   ++it_;  // stays as long as the expansion lasts
@@ -295,7 +286,7 @@ unsigned short NxStringIterator::GetNextOrder(unsigned short updateCollation) {
   if (value == 0) return 0;
   const NxCharInfo* info = RecordOf(CodeSetOf(*this), value);
   if (!info) return NextBySteps(*this, updateCollation);
-  info = InLanguage(info, _nLanguage);
+  info = NxInLanguage(info, _nLanguage);
   if (info->followers || info->expansion) return NextBySteps(*this, updateCollation);
   _pPos += NxCharWidth(_nCodeSet);
   if (updateCollation) SelectCollation(*this, info);

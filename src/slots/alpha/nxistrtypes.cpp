@@ -32,7 +32,7 @@ constexpr unsigned long kHeadSize = NxAlphaImage::kHeadSize;
 void PutHead(Bytes image, unsigned long room, unsigned char header, unsigned long total,
              unsigned char format) {
   unsigned char head[kHeadSize] = {header};
-  auto stored = static_cast<unsigned short>(total);
+  const auto stored = static_cast<unsigned short>(total);
   ShortStore(head + 1, &stored, format, 1);
   std::copy_n(head, std::min(room, kHeadSize), image);
 }
@@ -87,7 +87,7 @@ int StoreWithin(Bytes image, unsigned long room, const void* values, unsigned ch
   for (unsigned long i = 0; i < n; ++i) {
     const char* c = TextOf(texts[i]._pStr);
     do {
-      auto byte = static_cast<unsigned char>(*c);
+      const auto byte = static_cast<unsigned char>(*c);
       out.Put(asInMemory ? byte : _NxConvertToDiskFormat(byte));
     } while (*c++);
   }
@@ -130,7 +130,7 @@ int Load(void* values, const void* image, unsigned long n) {
   auto* start = static_cast<const unsigned char*>(image);
   auto* at = start + kHeadSize;
   for (unsigned long i = 0; i < n; ++i) {
-    unsigned long length = std::strlen(reinterpret_cast<const char*>(at));
+    const unsigned long length = std::strlen(reinterpret_cast<const char*>(at));
     SetDecoded(texts[i], {at, at + length});
     at += length + 1;
   }
@@ -220,7 +220,7 @@ int KeyFromValues(Bytes dst, unsigned char dstForm, unsigned long dstLength, con
 
 /// Gives a value the text that a key image still tells.
 int ValueFromKey(NxCaseIString& value, const void* src, unsigned char srcForm, unsigned long srcLength) {
-  NxAlphaImage image(src, srcLength, srcForm);
+  const NxAlphaImage image(src, srcLength, srcForm);
   const unsigned long length = image.texts.Size();
   value = nullptr;
   Bytes work = length ? NxNewZeroArray<unsigned char>(2 * (length + 1)) : nullptr;

@@ -159,8 +159,8 @@ class StringBounds {
 
   /// Translates the first bytes of the key's image to key form.
   void Translate(BoundImage& image, unsigned long sourceBytes) const {
-    auto translate = oldForm_ ? NxStringOldTranslate : NxStringTranslate;
-    unsigned long room = NxINDEX_MAX_KEYLEN + 2;
+    const auto translate = oldForm_ ? NxStringOldTranslate : NxStringTranslate;
+    const unsigned long room = NxINDEX_MAX_KEYLEN + 2;
     int used = translate(image.bytes, code_ | kFormatKey, room, const_cast<unsigned char*>(keyImage_), code_,
                          std::min(sourceBytes, NxStoredString::kLengthSize + keyLength_), 1);
     image.used = static_cast<unsigned long>(used);
@@ -214,7 +214,7 @@ class StringBounds {
 
   /// Writes length and trailer and hands out a copy of the image.
   void Finish(BoundImage& image, void*& bound, unsigned char& boundLength, int line) const {
-    unsigned long size = image.capped ? NxINDEX_MAX_KEYLEN : image.used + TrailerSize();
+    const unsigned long size = image.capped ? NxINDEX_MAX_KEYLEN : image.used + TrailerSize();
     if (!image.capped) image.bytes[image.used] = 0;
     // An early image keeps the key's length, unless it has become longer than that.
     if (!oldForm_ || image.used > keyLength_ + 1UL) {
@@ -253,7 +253,7 @@ class StringBounds {
       upper_.Take(bounds_->upper, bounds_->upperLen, code_, oldForm_);
       scanUpper_ = {&upper_, upper_.CountIn(bounds_->upperLen)};
     } else if (CanBuild() && !Relation(kRelationGreater)) {
-      bool capped = BuildUpper();
+      const bool capped = BuildUpper();
       if (!bounds_->upper) {
         scanUpper_ = {&key_, count};
         return;
@@ -334,13 +334,14 @@ class StringBounds {
       at[kIndexUpper] = Iterator(indexUpperText_);
       taken = SkipCommonPrefix(at, limit);
     }
-    double indexHigh = EvalString(at[kIndexUpper], Rest(indexUpper_.count, taken));
-    double indexLow = EvalString(at[kIndexLower], Rest(indexLower_.count, taken));
-    double low = EvalString(at[kScanLower], Rest(std::min(scanLower_.count, indexLower_.count), taken));
-    double high = EvalString(at[kScanUpper], Rest(std::min(scanUpper_.count, indexUpper_.count), taken));
+    const double indexHigh = EvalString(at[kIndexUpper], Rest(indexUpper_.count, taken));
+    const double indexLow = EvalString(at[kIndexLower], Rest(indexLower_.count, taken));
+    const double low = EvalString(at[kScanLower], Rest(std::min(scanLower_.count, indexLower_.count), taken));
+    const double high =
+        EvalString(at[kScanUpper], Rest(std::min(scanUpper_.count, indexUpper_.count), taken));
 
-    double unit = key_.codeSet == kCodeSetNone ? kByteTextUnit : kOrderTextUnit;
-    double area = indexHigh - indexLow + unit;
+    const double unit = key_.codeSet == kCodeSetNone ? kByteTextUnit : kOrderTextUnit;
+    const double area = indexHigh - indexLow + unit;
     double range = CalcRange(relation_, low, high, indexLow, indexHigh, unit);
     if (range == 0.0) range = CorrectEmptyRange(low, high, indexLow, indexHigh, unit);
     if (wildChar_ == 0 && range < area) {

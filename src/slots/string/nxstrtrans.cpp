@@ -105,14 +105,15 @@ int LoadWithin(NxString* strings, const void* src, unsigned char format, unsigne
     unsigned short characters = 0;
     const unsigned char* text = nullptr;
     if (read + NxStoredString::kEmptySize <= length) {
-      NxStoredString image(bytes + read, length - read, format);
+      const NxStoredString image(bytes + read, length - read, format);
       // A key that was cut counts the terminator that it lacks, so its characters
       // reach exactly to the end of the source.
-      unsigned long size = std::min<unsigned long>(image.n, length - read);
+      const unsigned long size = std::min<unsigned long>(image.n, length - read);
       codeSet = NxStoredString::CodeSetOf(bytes + read);
       language = NxStoredString::LanguageOf(bytes + read);
       text = bytes + read + NxStoredString::kHeadSize;
-      unsigned long textBytes = size > NxStoredString::kEmptyLength ? size - NxStoredString::kEmptyLength : 0;
+      const unsigned long textBytes =
+          size > NxStoredString::kEmptyLength ? size - NxStoredString::kEmptyLength : 0;
       characters = static_cast<unsigned short>(textBytes / NxCharWidth(codeSet));
       read += image.Size();
       count += std::min<unsigned long>(image.Size(), length - (read - image.Size()));
@@ -193,8 +194,8 @@ void PutNarrowed(CutWriter& out, const NxStoredString& image, unsigned char code
                  unsigned char dstFormat) {
   constexpr unsigned short kEmpty = NxStoredString::kEmptyLength;
   constexpr unsigned char kReplacement = 0x7F;
-  unsigned long units = image.TextBytes() / 2;
-  int stated = (std::max(image.n, kEmpty) - kEmpty) / 2;
+  const unsigned long units = image.TextBytes() / 2;
+  const int stated = (std::max(image.n, kEmpty) - kEmpty) / 2;
   out.PutLength(static_cast<unsigned short>(stated + kEmpty), dstFormat);
   out.Put(codeSet);
   out.Put(image.language);
@@ -210,7 +211,7 @@ void PutNarrowed(CutWriter& out, const NxStoredString& image, unsigned char code
 int CopyNarrowed(CutWriter& out, const unsigned char* src, unsigned long length, unsigned long n,
                  unsigned char codeSet, unsigned char srcFormat, unsigned char dstFormat) {
   for (unsigned long pos = 0; n > 0 && pos + NxStoredString::kHeadSize <= length; --n) {
-    NxStoredString image(src + pos, length - pos, srcFormat);
+    const NxStoredString image(src + pos, length - pos, srcFormat);
     if (image.codeSet == kCodeSetUnicode)
       PutNarrowed(out, image, codeSet, srcFormat, dstFormat);
     else
@@ -241,7 +242,7 @@ int CopyStrings(void* dst, unsigned long dstLength, NxString* strings, unsigned 
   if (!images) return 0;
   unsigned long stored = 0;
   for (unsigned long i = 0; i < n; ++i) stored += StringStore(images + stored, strings + i, format, 1);
-  int k = CopyImages(dst, dstLength, format, images, stored, format, codeSet, n);
+  const int k = CopyImages(dst, dstLength, format, images, stored, format, codeSet, n);
   delete[] images;
   return k;
 }
@@ -282,7 +283,7 @@ class KeyBuilder {
   bool HasRoom() const { return written_ + 2 <= room_; }
 
   void Put(unsigned short order) {
-    unsigned short unit = highFirst_ ? __builtin_bswap16(order) : order;
+    const unsigned short unit = highFirst_ ? __builtin_bswap16(order) : order;
     std::memcpy(dst_ + written_, &unit, sizeof unit);
     written_ += 2;
     ended_ = order == 0;
@@ -345,10 +346,10 @@ unsigned long PutImageKey(KeyBuilder& key, const NxStoredString& image, unsigned
                           unsigned char srcFormat, unsigned char dstFormat, unsigned long room) {
   constexpr unsigned long kMostBytes = 4 * 2;  // of an order value's characters: a contraction has up to four
   const unsigned long needed = (room / 2 + 1) * kMostBytes;
-  unsigned long bytes = std::min(image.TextBytes(), needed);
+  const unsigned long bytes = std::min(image.TextBytes(), needed);
   KeySource source{reinterpret_cast<const char*>(image.Text()), nullptr, codeSet, image.language, srcFormat};
   NxClosedCopy<1024> copy;
-  bool terminated =
+  const bool terminated =
       NxCharWidth(codeSet) == 1 && image.HasTerminator() && image.Text()[image.TextBytes()] == 0;
   if (!terminated) source.text = copy.Take(image.Text(), bytes);
   if (!source.text) return 0;
@@ -359,14 +360,15 @@ unsigned long PutImageKey(KeyBuilder& key, const NxStoredString& image, unsigned
 /// The keys of the texts of an early image, which has one head for all of them.
 int PutEarlyKeys(Bytes dst, unsigned long dstLength, unsigned char dstForm, const NxStoredString& image,
                  unsigned long n) {
-  unsigned char format = dstForm & kFormatCodeMask;
+  const unsigned char format = dstForm & kFormatCodeMask;
   auto* text = reinterpret_cast<const char*>(image.Text());
   const char* end = text + image.n;
   unsigned long written = 0;
   for (; n > 0 && text < end; --n, text += std::strlen(text) + 1) {
     KeyBuilder key(dst + written, dstLength - written, format);
-    KeySource source{text, nullptr, CalculateCodeSet(kCodeSetNone, dstForm), kLanguageNone, kFormatNative};
-    unsigned long size = key.Build(source, format);
+    const KeySource source{text, nullptr, CalculateCodeSet(kCodeSetNone, dstForm), kLanguageNone,
+                           kFormatNative};
+    const unsigned long size = key.Build(source, format);
     if (size == 0) break;
     written += size;
   }
@@ -375,15 +377,15 @@ int PutEarlyKeys(Bytes dst, unsigned long dstLength, unsigned char dstForm, cons
 
 int PutImageKeys(Bytes dst, unsigned long dstLength, unsigned char dstForm, const unsigned char* src,
                  unsigned long srcLength, unsigned char srcFormat, unsigned long n) {
-  unsigned char format = dstForm & kFormatCodeMask;
+  const unsigned char format = dstForm & kFormatCodeMask;
   unsigned long written = 0;
   for (unsigned long pos = 0; n > 0 && pos < srcLength; --n) {
-    NxStoredString image(src + pos, srcLength - pos, srcFormat);
+    const NxStoredString image(src + pos, srcLength - pos, srcFormat);
     if (image.early)
       return static_cast<int>(written) + PutEarlyKeys(dst + written, dstLength - written, dstForm, image, n);
     KeyBuilder key(dst + written, dstLength - written, format);
-    unsigned long size = PutImageKey(key, image, CalculateCodeSet(image.codeSet, dstForm), srcFormat, format,
-                                     dstLength - written);
+    const unsigned long size = PutImageKey(key, image, CalculateCodeSet(image.codeSet, dstForm), srcFormat,
+                                           format, dstLength - written);
     if (size == 0) break;
     written += size;
     pos += image.Size();
@@ -393,13 +395,13 @@ int PutImageKeys(Bytes dst, unsigned long dstLength, unsigned char dstForm, cons
 
 int PutStringKeys(Bytes dst, unsigned long dstLength, unsigned char dstForm, const NxString* strings,
                   unsigned long n) {
-  unsigned char format = dstForm & kFormatCodeMask;
+  const unsigned char format = dstForm & kFormatCodeMask;
   unsigned long written = 0;
   for (; n > 0; --n, ++strings) {
     KeyBuilder key(dst + written, dstLength - written, format);
-    KeySource source{strings->StrGet(), nullptr, CalculateCodeSet(strings->_nCodeSet, dstForm),
-                     strings->_nLanguage, kFormatMemory};
-    unsigned long size = key.Build(source, format);
+    const KeySource source{strings->StrGet(), nullptr, CalculateCodeSet(strings->_nCodeSet, dstForm),
+                           strings->_nLanguage, kFormatMemory};
+    const unsigned long size = key.Build(source, format);
     if (size == 0) break;
     written += size;
   }
@@ -410,14 +412,14 @@ int PutStringKeys(Bytes dst, unsigned long dstLength, unsigned char dstForm, con
 
 int NxStringTranslate(void* dst, unsigned char dstForm, unsigned long dstLength, void* src,
                       unsigned char srcForm, unsigned long srcLength, unsigned long n) {
-  unsigned char srcFormat = srcForm & kFormatCodeMask;
-  unsigned char dstFormat = dstForm & kFormatCodeMask;
+  const unsigned char srcFormat = srcForm & kFormatCodeMask;
+  const unsigned char dstFormat = dstForm & kFormatCodeMask;
   auto* strings = static_cast<NxString*>(src);
 
   if (InMemory(dstForm)) {
     if (InMemory(srcForm)) return AssignStrings(dst, src, n);
-    NxStoredString first(src, srcLength, srcFormat);
-    bool loadable = ImagesFit(src, srcFormat, srcLength, n) && !(IsKeyForm(srcForm) && n > 1);
+    const NxStoredString first(src, srcLength, srcFormat);
+    const bool loadable = ImagesFit(src, srcFormat, srcLength, n) && !(IsKeyForm(srcForm) && n > 1);
     if (loadable) return StringLoad(dst, src, srcForm, n);
     return LoadWithin(static_cast<NxString*>(dst), src, srcFormat, srcLength, n);
   }
@@ -429,10 +431,11 @@ int NxStringTranslate(void* dst, unsigned char dstForm, unsigned long dstLength,
   }
   if (n == 0 || dstLength == 0) return 0;
 
-  NxStoredString first = InMemory(srcForm) ? NxStoredString() : NxStoredString(src, srcLength, srcFormat);
-  unsigned char codeSet = InMemory(srcForm) ? strings->_nCodeSet : first.codeSet;
-  unsigned char newCodeSet = CalculateCodeSet(codeSet, dstForm);
-  bool needsKey = IsKeyForm(dstForm) && IsTranslated(newCodeSet);
+  const NxStoredString first =
+      InMemory(srcForm) ? NxStoredString() : NxStoredString(src, srcLength, srcFormat);
+  const unsigned char codeSet = InMemory(srcForm) ? strings->_nCodeSet : first.codeSet;
+  const unsigned char newCodeSet = CalculateCodeSet(codeSet, dstForm);
+  const bool needsKey = IsKeyForm(dstForm) && IsTranslated(newCodeSet);
   if (needsKey && InMemory(srcForm))
     return PutStringKeys(static_cast<Bytes>(dst), dstLength, dstForm, strings, n);
   if (needsKey)
@@ -449,12 +452,12 @@ int NxStringOldTranslate(void* dst, unsigned char dstForm, unsigned long dstLeng
     return LoadWithin(static_cast<NxString*>(dst), src, srcForm & kFormatCodeMask, srcLength, n);
   }
   if (InMemory(srcForm)) {
-    unsigned long bytes = EarlyImageBytes(static_cast<NxString*>(src), n);
+    const unsigned long bytes = EarlyImageBytes(static_cast<NxString*>(src), n);
     return StoreCut(StringOldStore, bytes, dst, dstLength, src, dstForm, n);
   }
 
   auto* from = static_cast<const unsigned char*>(src);
-  NxStoredString image(src, srcLength, srcForm & kFormatCodeMask);
+  const NxStoredString image(src, srcLength, srcForm & kFormatCodeMask);
   unsigned short length = image.n;
   unsigned long copied = srcLength;
   const unsigned char* text = from + std::min(srcLength, kLengthSize);

@@ -59,7 +59,7 @@ class StringOperand {
   bool Holds(unsigned long bytes) const { return !limited_ || left_ >= static_cast<long long>(bytes); }
   unsigned long Left() const { return left_ > 0 ? static_cast<unsigned long>(left_) : 0; }
   void ReadValue();
-  bool IsEarly() const;
+  bool ReadsAsEarly() const;
   void LocateCurrent();
   void LocateEarly(bool last);
   bool IsClosed() const;
@@ -84,7 +84,7 @@ int StringOperand::Read(bool last) {
     return 0;
   }
   if (!earlyEnd_) image_ = NxStoredString(at_, limited_ ? Left() : NxStoredString::kNoEnd, format_);
-  const bool early = earlyEnd_ || IsEarly();
+  const bool early = earlyEnd_ || ReadsAsEarly();
   if (early) {
     LocateEarly(last);
   } else {
@@ -105,9 +105,9 @@ void StringOperand::ReadValue() {
   language = s._nLanguage;
 }
 
-/// A current image never ends in 0. Of an image that the buffer cuts only the type
-/// can tell.
-bool StringOperand::IsEarly() const {
+/// Whether the element at hand is an early image. Its last byte tells (nxstored.h); where
+/// the buffer ends before that byte, the type does. Index keys are always current ones.
+bool StringOperand::ReadsAsEarly() const {
   if (format_ & kFormatKey) return false;
   return image_.Fits() ? image_.early : oldForm_;
 }
