@@ -441,6 +441,20 @@ void Character(const Words& in, const Words& out) {
   EXPECT_EQ(c, TextWord(out[0]).text[0]);
 }
 
+/// named 'c' = the name of a character's order value, and the character that stands for it
+void Named(const Words& in, const Words& out) {
+  const unsigned short order =
+      NxChar(static_cast<unsigned short>(TextWord(in[1]).text[0]), kCodeSetUnicode, 1).GetOrder();
+  NxString name;
+  NxConvertOrderToString(order, kLanguageEnglish, name);
+  EXPECT_EQ(Text(name), Bytes8(TextWord(out[0]).text));
+  unsigned char c = 0x55;
+  NxConvertOrderToChar(order, kLanguageEnglish, c, 1, nullptr);
+  if (out.size() > 1) {
+    EXPECT_EQ(c, TextWord(out[1]).text[0]);
+  }
+}
+
 /// map CODESET CODESET VALUE
 void Map(const Words& in, const Words& out) {
   const auto number = [&](std::size_t i) { return static_cast<unsigned char>(std::stoi(in[i])); };
@@ -553,6 +567,7 @@ const std::map<std::string, void (*)(const Words&, const Words&)> kVerbs = {
     {"map", Map},
     {"match", Match},
     {"name", Name},
+    {"named", Named},
     {"number", Number},
     {"order", OrderChain},
     {"parse", Parse},

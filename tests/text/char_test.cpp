@@ -1,3 +1,4 @@
+// Characters, 16-bit texts and order values.
 #include "nxchar.h"
 
 #include <gtest/gtest.h>
@@ -5,10 +6,10 @@
 #include <cstring>
 #include <string>
 
-#include "nxlang.h"
-#include "nxstring.h"
 #include "nxstritr.h"
 #include "nxwchar.h"
+#include "ord2str.h"
+#include "support/strings.h"
 
 namespace {
 
@@ -116,70 +117,21 @@ TEST(NxCharAssign, DetachedBecomesTheOther) {
   EXPECT_EQ(Value(copy), 'a');
 }
 
-TEST(NxCharMap, GoesToUnicodeAndBack) {
-  for (unsigned char codeSet : {1, 2, 3, 4})
-    for (int byte = 1; byte < 256; ++byte) {
-      const NxChar c(static_cast<char>(byte), codeSet, 7);
-      const NxChar mapped = c.MapTo(kCodeSetUnicode);
-      ASSERT_EQ(Value(mapped.MapTo(codeSet)), byte) << +codeSet;
-      ASSERT_EQ(mapped._nLanguage, 7);
-      ASSERT_EQ(mapped.GetOrder(), c.GetOrder()) << +codeSet << " " << byte;
-    }
-  const NxChar c('x', 2, 1);
-  EXPECT_EQ(c.MapTo(0)._nCodeSet, 2);
-  EXPECT_EQ(c.MapTo(2)._nCodeSet, 2);
-}
-
-TEST(NxCharClass, FollowsTheOrderValue) {
-  const struct {
-    unsigned short value;
-    int space, symbol, digit, alpha, han;
-  } cases[] = {{0, 1, 0, 0, 0, 0},    {' ', 1, 0, 0, 0, 0},   {9, 1, 0, 0, 0, 0},     {'*', 0, 1, 0, 0, 0},
-               {'0', 0, 0, 1, 0, 0},  {'9', 0, 0, 1, 0, 0},   {'a', 0, 0, 0, 1, 0},   {'Z', 0, 0, 0, 1, 0},
-               {0xE9, 0, 0, 0, 1, 0}, {0x153, 0, 0, 0, 1, 0}, {0x9FA5, 0, 0, 0, 0, 1}};
-  for (const auto& test : cases) {
-    const NxChar c(test.value, 253, 1);
-    EXPECT_EQ(c.IsSpace(), test.space) << test.value;
-    EXPECT_EQ(c.IsSymbol(), test.symbol) << test.value;
-    EXPECT_EQ(c.IsDigit(), test.digit) << test.value;
-    EXPECT_EQ(c.IsAlpha(), test.alpha) << test.value;
-    EXPECT_EQ(c.IsHan(), test.han) << test.value;
-  }
-}
-
-TEST(NxCharCase, MapsWithinTheCodeSet) {
-  const struct {
-    unsigned short value;
-    unsigned char codeSet, language;
-    unsigned short upper, lower;
-  } cases[] = {{'a', 1, 1, 'A', 'a'},        {0xE9, 1, 1, 0xC9, 0xE9},  {0xC9, 0, 1, 0xC9, 0xC9},
-               {'q', 0, 1, 'Q', 'q'},        {'1', 1, 1, '1', '1'},     {0xFF, 1, 1, 0xFF, 0xFF},
-               {0xFF, 253, 1, 0x178, 0xFF},  {0xFF, 2, 1, 0x9F, 0xFF},  {0xB1, 4, 1, 0xA1, 0xB1},
-               {'i', 253, 7, 0x130, 'i'},    {'I', 253, 7, 'I', 0x131}, {'i', 1, 7, 'i', 'i'},
-               {0x436, 253, 1, 0x416, 0x436}};
-  for (const auto& test : cases) {
-    const NxChar c(test.value, test.codeSet, test.language);
-    const NxChar upper = c.ToUpper(nullptr), lower = c.ToLower(nullptr);
-    EXPECT_EQ(Value(upper), test.upper) << test.value << " in " << +test.codeSet;
-    EXPECT_EQ(Value(lower), test.lower) << test.value << " in " << +test.codeSet;
-    EXPECT_EQ(upper._nCodeSet, test.codeSet);
-    EXPECT_EQ(lower._nLanguage, test.language);
-  }
-}
-
 TEST(NxCharCompare, ByCollationUnderTheDefaultOptions) {
   const Defaults restored;
-  EXPECT_TRUE(NxChar('a') == NxChar('a'));
-  EXPECT_TRUE(NxChar('\xE9') == static_cast<unsigned short>(0xE9));  // across code sets
-  EXPECT_TRUE(NxChar('a') != 'A');
-  EXPECT_TRUE(NxChar('a') < 'A');
-  EXPECT_TRUE(NxChar('b') > 'A');
-  EXPECT_TRUE(NxChar('a') <= 'a');
-  EXPECT_TRUE(NxChar('b') >= static_cast<unsigned short>('a'));
+  const char letters[] = {'a', 'A', '\xE9', 'z'};
+  for (const char& a : letters)
+    for (const char& b : letters) {
+      const int sign = (&a > &b) - (&a < &b);
+      const auto unit = static_cast<unsigned short>(static_cast<unsigned char>(b));
+      EXPECT_TRUE(OperatorsAgree(NxChar(a), NxChar(b), sign)) << a << b;
+      EXPECT_TRUE(OperatorsAgree(NxChar(a), b, sign)) << a << b;
+      EXPECT_TRUE(OperatorsAgree(NxChar(a), unit, sign)) << a << b << " across code sets";
+    }
   EXPECT_TRUE(NxChar('a') == '*');  // a wildcard
-  NxLanguageContext::SetDefaultCmpOp(0x0010);
+  NxLanguageContext::SetDefaultCmpOp(kWildcardsOff);
   EXPECT_FALSE(NxChar('a') == '*');
-  EXPECT_EQ(NxChar('a').Compare(NxChar('A'), 0x0020), 0);
+  EXPECT_EQ(NxChar('a').Compare(NxChar('A'), kIgnoreCase), 0);
   EXPECT_NE(NxChar('a').Compare(NxChar('A'), 65535), 0);
   NxString text("abc");
   EXPECT_TRUE(NxChar(text, 1) == 'b');  // the rest of its text does not count
@@ -231,6 +183,118 @@ TEST(WideText, Numbers) {
     EXPECT_EQ(NxWStrToL(wide), test.i) << test.text;
     EXPECT_EQ(NxWStrToD(wide), test.d) << test.text;
   }
+}
+
+// ---------------------------------------------------------------------------
+// Order values
+
+constexpr unsigned short Letter(char upper, unsigned caseBits, unsigned accent, unsigned extension = 0) {
+  return static_cast<unsigned short>(0x4000 | caseBits << 12 | accent << 7 | (upper - 'A' + 3) << 2 |
+                                     extension);
+}
+
+unsigned char CharOf(unsigned order, int withAccent = 0, const char** repr = nullptr,
+                     unsigned char language = 1) {
+  unsigned char ch = 0x55;
+  EXPECT_EQ(NxConvertOrderToChar(static_cast<unsigned short>(order), language, ch, withAccent, repr), 0);
+  return ch;
+}
+
+// Every accented byte is found by its own order value, and by the first byte of it when
+// several order alike; its spelling ends in its base letter.
+TEST(OrderName, AccentedLettersOfLatin1) {
+  int found = 0;
+  for (int byte = 0x80; byte <= 0xFF; ++byte) {
+    const unsigned short order = NxChar(static_cast<char>(byte), 1, 1).GetOrder();
+    unsigned short caseBits, accent, letter, extension;
+    if (order < 0x4000 || order >= 0x8000) continue;
+    NxExtractLetterComponentsFromOrdering(order, caseBits, accent, letter, extension);
+    if (accent == 0) continue;
+    const char* repr = "none";
+    EXPECT_LE(CharOf(order, 0, &repr), 0x7F);
+    EXPECT_STREQ(repr, "none");
+    const unsigned char ch = CharOf(order, 1, &repr);
+    EXPECT_LE(ch, byte);
+    EXPECT_EQ(NxChar(static_cast<char>(ch), 1, 1).GetOrder(), order);
+    EXPECT_STRNE(repr, "none");
+    ++found;
+  }
+  EXPECT_GT(found, 40);
+
+  const char* repr = nullptr;
+  EXPECT_EQ(CharOf(NxChar('\xE9', 1, 1).GetOrder(), 1, &repr), 0xE9);
+  EXPECT_STREQ(repr, "\\'e");
+  EXPECT_EQ(CharOf(NxChar('\xD1', 1, 1).GetOrder(), 1, &repr), 0xD1);
+  EXPECT_STREQ(repr, "\\~N");
+  EXPECT_EQ(CharOf(NxChar('\xE5', 1, 1).GetOrder(), 1, &repr), 0xE5);
+  EXPECT_STREQ(repr, "\\aa");
+  repr = "untouched";
+  EXPECT_EQ(CharOf(Letter('B', 1, 13), 1, &repr), 'b');  // no byte orders so
+  EXPECT_STREQ(repr, "untouched");
+}
+
+TEST(OrderParts, OfTheirClassOnly) {
+  unsigned short a = 9, b = 9, c = 9, d = 9;
+  EXPECT_EQ(NxExtractLetterComponentsFromOrdering(Letter('Z', 3, 31, 2), a, b, c, d), 0);
+  EXPECT_EQ(a, 3);
+  EXPECT_EQ(b, 31);
+  EXPECT_EQ(c, 28);
+  EXPECT_EQ(d, 2);
+  EXPECT_EQ(NxExtractLetterComponentsFromOrdering(0x0003, a, b, c, d), 0);  // the letter bit is not checked
+  EXPECT_EQ(d, 3);
+  EXPECT_EQ(NxExtractLetterComponentsFromOrdering(0x8000, a, b, c, d), -2002);
+
+  EXPECT_EQ(NxExtractSymbolFromOrder(79, a), -2002);
+  EXPECT_EQ(NxExtractSymbolFromOrder(80, a), 0);
+  EXPECT_EQ(a, 0);
+  EXPECT_EQ(NxExtractSymbolFromOrder(0x3EFF, a), 0);
+  EXPECT_EQ(a, 16047);
+  EXPECT_EQ(NxExtractSymbolFromOrder(0x3F00, a), -2002);
+
+  EXPECT_EQ(NxExtractDigitFromOrder(0x3EFF, a, b), -2002);
+  EXPECT_EQ(NxExtractDigitFromOrder(0x4000, a, b), -2002);
+  EXPECT_EQ(NxExtractDigitFromOrder(0x3F00 + 31, a, b), 0);
+  EXPECT_EQ(a, 3);
+  EXPECT_EQ(b, 1);
+}
+
+TEST(CompareKey, OrdersLettersByBaseThenCaseThenAccent) {
+  EXPECT_EQ(GetCompareFromOrder(Letter('A', 1, 2, 1), 3), 0x03400D00U | 1 << 5 | 2);
+  EXPECT_EQ(GetCompareFromOrder(Letter('A', 1, 2, 1), 20), 20U << 24 | Letter('A', 1, 2, 1) << 8);
+  EXPECT_EQ(GetCompareFromOrder(0x3F46, 5), 0x053F4600U);
+  EXPECT_EQ(GetCompareFromOrder(0xFFFF, 255), 0xFFFFFF00U);
+  const unsigned short ascending[] = {Letter('A', 0, 0),  Letter('A', 0, 3),  Letter('A', 1, 0),
+                                      Letter('A', 1, 14), Letter('A', 3, 31), Letter('A', 0, 0, 1),
+                                      Letter('B', 0, 0)};
+  for (unsigned i = 0; i + 1 < sizeof ascending / sizeof ascending[0]; ++i)
+    EXPECT_LT(GetCompareFromOrder(ascending[i], 1), GetCompareFromOrder(ascending[i + 1], 1)) << i;
+  for (int selector = 0; selector < 256; ++selector) {
+    EXPECT_EQ(GetCompareFromOrder(0, static_cast<unsigned char>(selector)), 0U);
+    EXPECT_EQ(GetCompareFromOrder(0x4000, static_cast<unsigned char>(selector)) >> 24, unsigned(selector));
+  }
+}
+
+TEST(CharClass, FollowsTheOrderValue) {
+  const struct {
+    unsigned short value;
+    int space, symbol, digit, alpha, han;
+  } cases[] = {{0, 1, 0, 0, 0, 0},   {' ', 1, 0, 0, 0, 0},   {'*', 0, 1, 0, 0, 0},   {'9', 0, 0, 1, 0, 0},
+               {'a', 0, 0, 0, 1, 0}, {0x153, 0, 0, 0, 1, 0}, {0x9FA5, 0, 0, 0, 0, 1}};
+  for (const auto& test : cases) {
+    const NxChar c(test.value, 253, 1);
+    EXPECT_EQ(c.IsSpace() * 16 + c.IsSymbol() * 8 + c.IsDigit() * 4 + c.IsAlpha() * 2 + c.IsHan(),
+              test.space * 16 + test.symbol * 8 + test.digit * 4 + test.alpha * 2 + test.han)
+        << test.value;
+  }
+}
+
+TEST(CharCase, MapsWithinTheCodeSet) {
+  const NxChar c('q', 0, 1), wide(static_cast<unsigned short>(0xFF), 253, 1), narrow('\xFF', 1, 1);
+  EXPECT_EQ(Value(c.ToUpper(nullptr)), 'Q');
+  EXPECT_EQ(c.ToUpper(nullptr)._nCodeSet, 0);
+  EXPECT_EQ(Value(wide.ToUpper(nullptr)), 0x178);
+  EXPECT_EQ(Value(narrow.ToUpper(nullptr)), 0xFF) << "its capital is not in the code set";
+  EXPECT_EQ(Value(NxChar('\xC9', 1, 1).ToLower(nullptr)), 0xE9);
 }
 
 }  // namespace

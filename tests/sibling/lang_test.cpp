@@ -14,7 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "nxstring.h"
+#include "nxchar.h"
+#include "nxoption.h"
 #include "ord2str.h"
 #include "strwild.h"
 
@@ -23,9 +24,6 @@ namespace {
 constexpr unsigned char kByteCodeSets[] = {kCodeSetLatin1, kCodeSetWindows1252, kCodeSetLatin9,
                                            kCodeSetLatin2};
 constexpr unsigned short kNoCharacter = 0x7F;
-constexpr unsigned short kNoWildcards = 0x0010;
-constexpr unsigned short kIgnoreCase = 0x0020;
-constexpr unsigned short kIgnoreAccents = 0x0040;
 constexpr unsigned short kCaseMask = 0x3000;
 
 const NxCodeSet& CodeSet(unsigned char number) { return *NxLanguageContext::QueryCodeSet(number); }
@@ -41,7 +39,7 @@ std::vector<unsigned short> Orders(const NxCharInfo& info) {
 }
 
 int Compare(unsigned char language, const std::u16string& a, const std::u16string& b,
-            unsigned short options = kNoWildcards) {
+            unsigned short options = kWildcardsOff) {
   return NxStrCmp(kCodeSetUnicode, language, reinterpret_cast<const char*>(a.c_str()), kCodeSetUnicode,
                   language, reinterpret_cast<const char*>(b.c_str()), options, -1, 1, nullptr);
 }
@@ -102,7 +100,7 @@ TEST(Records, ByteCodeSetsHaveARecordForEveryByteAndOrderAsUnicodeDoes) {
       const char text[] = {static_cast<char>(byte), 0};
       const unsigned short wide[] = {codeSet.FlatToUnicode()[byte], 0};
       EXPECT_EQ(NxStrCmp(number, kLanguageGerman, text, kCodeSetUnicode, kLanguageGerman,
-                         reinterpret_cast<const char*>(wide), kNoWildcards, -1, 1, nullptr),
+                         reinterpret_cast<const char*>(wide), kWildcardsOff, -1, 1, nullptr),
                 0)
           << int{number} << " " << byte;
     }
@@ -126,63 +124,6 @@ TEST(Records, CaseIsTheOnlyDifferenceBetweenACapitalAndItsSmallLetter) {
   }
 }
 
-TEST(Records, SymbolsAndAccentedLettersOfLatin1AreNamedAsWhatTheyAre) {
-  // Symbols that one character names; the rest have a name of words.
-  for (const unsigned char c : std::string("_-,;:!?\"()[]{}@$*&#%+`^~<=>|")) {
-    unsigned char representative = 0;
-    NxConvertOrderToChar(Unicode(c)->order, kLanguageEnglish, representative, 0, nullptr);
-    EXPECT_EQ(representative, c);
-  }
-  const std::map<unsigned short, const char*> names = {
-      {'\'', "symbol apostrophe"},
-      {'\\', "symbol reverse solidus"},
-      {'/', "symbol solidus"},
-      {'.', "symbol full stop"},
-      {0xA1, "symbol inverted exclamation mark"},
-      {0xA2, "symbol cent sign"},
-      {0xA3, "symbol pound sign"},
-      {0xA4, "symbol currency sign"},
-      {0xA5, "symbol yen sign"},
-      {0xA6, "symbol broken bar"},
-      {0xA7, "symbol section sign"},
-      {0xA8, "symbol diaeresis"},
-      {0xA9, "symbol copyright sign"},
-      {0xAB, "symbol left pointing double angle quotation mark"},
-      {0xAC, "symbol not sign"},
-      {0xAD, "symbol soft hyphen"},
-      {0xAE, "symbol registered sign"},
-      {0xAF, "symbol macron sign"},
-      {0xB0, "symbol degree sign"},
-      {0xB1, "symbol plus minus sign"},
-      {0xB5, "symbol micron sign"},
-      {0xB6, "symbol pilcrow sign"},
-      {0xB7, "symbol middle dot"},
-      {0xB8, "symbol cedilla"},
-      {0xBB, "symbol right pointing double angle quotation mark"},
-      {0xBF, "symbol inverted question mark"},
-      {0xD7, "symbol multiplication sign"},
-      {0xF7, "symbol division sign"},
-      {'7', "digit 7"},
-      {0xB2, "digit 2 with expand"},
-      {0xBE, "digit 3 with expand"},
-      {0xC5, "upper letter A with ring above"},
-      {0x151, "lower letter o with accent double acute"},
-      {0x167, "lower letter t with stroke with extension"},
-      {' ', "space"}};
-  for (const auto& [value, name] : names) {
-    NxString text;
-    NxConvertOrderToString(Unicode(value)->order, kLanguageEnglish, text);
-    EXPECT_STREQ(text.StrGet(), name);
-  }
-  for (unsigned value = 0xC0; value < 0x100; ++value) {
-    if (value == 0xD7 || value == 0xF7) continue;
-    unsigned char representative = 0;
-    NxConvertOrderToChar(Unicode(static_cast<unsigned short>(value))->order, kLanguageEnglish, representative,
-                         1, nullptr);
-    EXPECT_EQ(representative, value);
-  }
-}
-
 TEST(Records, OrderValueTextOrdersByItsUnits) {
   const NxCharTable* table = CodeSet(kCodeSetOrderValues).CharTable();
   ASSERT_NE(table->Find(511), nullptr);
@@ -194,35 +135,6 @@ TEST(Records, OrderValueTextOrdersByItsUnits) {
 
 // ---------------------------------------------------------------------------
 // Languages
-
-struct Place {
-  unsigned char language;
-  const char16_t* before;
-  const char16_t* after;
-};
-
-TEST(Languages, ContractionsCoverAllCasesAndKeepThemApart) {
-  struct Contraction {
-    unsigned char language;
-    std::u16string spellings[4];  // in their order
-    const char16_t* neighbour;    // the letter of the same place, or null
-  };
-  const Contraction contractions[] = {{kLanguageSpanish, {u"ch", u"cH", u"Ch", u"CH"}, nullptr},
-                                      {kLanguageSpanish, {u"ll", u"lL", u"Ll", u"LL"}, nullptr},
-                                      {kLanguageDanish, {u"aa", u"aA", u"Aa", u"AA"}, u"å"}};
-  for (const Contraction& c : contractions) {
-    for (int i = 1; i < 4; ++i) {
-      EXPECT_LT(Compare(c.language, c.spellings[i - 1], c.spellings[i]), 0);
-      EXPECT_EQ(Compare(c.language, c.spellings[i - 1], c.spellings[i], kNoWildcards | kIgnoreCase), 0);
-    }
-    EXPECT_EQ(Compare(c.language, c.spellings[0], u"?", 0), 0) << "one letter, one question mark";
-    if (c.neighbour != nullptr) {
-      EXPECT_NE(Compare(c.language, c.spellings[0], c.neighbour), 0);
-      EXPECT_EQ(Compare(c.language, c.spellings[0], c.neighbour, kNoWildcards | kIgnoreAccents | kIgnoreCase),
-                0);
-    }
-  }
-}
 
 TEST(Languages, VariantsOfOneLanguageDoNotCollide) {
   for (const unsigned char language : {kLanguageSpanish, kLanguageSwedish, kLanguageDanish}) {
@@ -254,7 +166,7 @@ TEST(Languages, SelectorsAreSharedByLanguagesOfOneOrder) {
   }
   EXPECT_EQ(Compare(kLanguageGerman, u"Zoë", u"Zoë"), 0);
   EXPECT_EQ(NxStrCmp(kCodeSetLatin1, kLanguageGerman, "Zo\xEB", kCodeSetLatin1, kLanguageFrench, "Zo\xEB",
-                     kNoWildcards, -1, 1, nullptr),
+                     kWildcardsOff, -1, 1, nullptr),
             0);
 }
 
@@ -289,9 +201,6 @@ TEST(Languages, DefaultsAreSetAndSetUpAnew) {
   EXPECT_EQ(NxLanguageContext::GetDefaultLanguage(), kLanguageEnglish);
   EXPECT_EQ(NxLanguageContext::GetDefaultCmpOp(), 0);
 }
-
-// ---------------------------------------------------------------------------
-// Mapping and case
 
 TEST(Mapping, EveryByteGoesToUnicodeAndBack) {
   for (const unsigned char number : kByteCodeSets) {
