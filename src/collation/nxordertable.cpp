@@ -2,6 +2,7 @@
 
 #include "collation/nxordertable.h"
 
+#include "collation/nxtextkey.h"
 #include "ord2str.h"
 #include "text/nxchartext.h"
 
@@ -49,6 +50,7 @@ const NxOrderTable* NxOrderTable::Find(unsigned char codeSet, unsigned char lang
 
 void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
   entries[0] = {0, 0, 0, false};
+  sortBytes[0] = sortMarks[0] = 0;
   for (unsigned value = 1; value < 256; ++value) {
     const unsigned short text[2] = {static_cast<unsigned short>(value), 0};
     NxStringIterator it(reinterpret_cast<const char*>(text), codeSet, language, kFormatNative);
@@ -68,6 +70,8 @@ void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
     } else {
       entry.key |= kNotPlain;
     }
+    sortBytes[value] = sortMarks[value] = 0;
+    if ((entry.key & kMarks) == 0) NxSortBytesOf(order, selector, sortBytes[value], sortMarks[value]);
   }
 }
 

@@ -47,6 +47,11 @@ class NxOrderTable {
   /// marks is that of their first order value; else null.
   const NxCharInfo* records[256];
 
+  /// What sort keys need of a plain digit or letter of the first selector: its byte (0 for
+  /// other characters), and its accent and capital. See nxtextkey.cpp.
+  unsigned char sortBytes[256];
+  unsigned char sortMarks[256];
+
   static constexpr unsigned kCodeSets = 8;  // 8-bit code sets that tables are kept for, a power of two
 
  private:

@@ -252,51 +252,53 @@ class PlainTextKey {
 
  private:
   static constexpr unsigned kLongest = 100;  // no distance then needs more than its byte
-  static constexpr unsigned kAccent = 31;
-  static constexpr unsigned kCapital = 0x80;
 
   bool ReadBaseLetters(const char* text) {
-    for (;; ++length_) {
-      const NxOrderTable::Entry& entry = table_.EntryOf(text[length_]);
-      if (entry.key == 0) return true;
-      if ((entry.key & NxOrderTable::kMarks) || entry.selector != kHomeSelector || length_ == kLongest)
-        return false;
-      const unsigned order = entry.order;
-      if (order < kFirstLetterOrder) {
-        const unsigned digit = order - kFirstDigitOrder;
-        if (digit % 10 != 0) return false;
-        *end_++ = static_cast<unsigned char>(kFirstDigit + digit / 5);
-        continue;
+    const auto* const characters = reinterpret_cast<const unsigned char*>(text);
+    unsigned length = 0;
+    unsigned marked = 0;
+    unsigned all = 0;
+    for (;; ++length) {
+      const unsigned c = characters[length];
+      const unsigned char byte = table_.sortBytes[c];
+      if (byte == 0) {
+        if (c != 0) return false;
+        break;
       }
-      if (order >= kFirstHanOrder || (order >> 12 & 3) > kSmallCase) return false;
-      *end_++ = static_cast<unsigned char>(kFirstBase + (order & 0x7F));
-      const unsigned mark = (order >> 7 & kAccent) | ((order >> 12 & 3) == 0 ? kCapital : 0);
-      places_[marked_] = static_cast<unsigned char>(length_);
-      marks_[marked_] = static_cast<unsigned char>(mark);
-      marked_ += mark != 0;
-      all_ |= mark;
+      if (length == kLongest) return false;
+      bytes_[length] = byte;
+      const unsigned char mark = table_.sortMarks[c];
+      places_[marked] = static_cast<unsigned char>(length);
+      marks_[marked] = mark;
+      marked += mark != 0;
+      all |= mark;
     }
+    length_ = length;
+    marked_ = marked;
+    all_ = all;
+    end_ = bytes_ + length;
+    return true;
   }
   void WriteAccents() {
-    if (!(all_ & kAccent)) return;
+    if (!(all_ & kSortAccent)) return;
     *end_++ = kAccents;
     unsigned end = length_;
     for (unsigned i = marked_; i-- > 0;) {
-      if (!(marks_[i] & kAccent)) continue;
+      if (!(marks_[i] & kSortAccent)) continue;
       *end_++ = static_cast<unsigned char>(0xFF - (end - 1 - places_[i]));
-      *end_++ = marks_[i] & kAccent;
+      *end_++ = marks_[i] & kSortAccent;
       end = places_[i];
     }
   }
   void WriteCase() {
-    if (!(all_ & kCapital)) {
+    if (!(all_ & kSortCapital)) {
       *end_++ = kEnd;
       return;
     }
     *end_++ = kHighCase;
     unsigned begin = 0;
     for (unsigned i = 0; i < marked_; ++i) {
-      if (!(marks_[i] & kCapital)) continue;
+      if (!(marks_[i] & kSortCapital)) continue;
       *end_++ = static_cast<unsigned char>(0xFF - (places_[i] - begin));
       begin = places_[i] + 1U;
     }
@@ -332,6 +334,19 @@ bool NxWriteTextKey(const NxKeyText& text, NxKeyWriter& key) {
       text.codeSet < NxOrderTable::kCodeSets ? NxOrderTable::Find(text.codeSet, text.language) : nullptr;
   if (table && text.text && PlainTextKey(*table).Write(text.text, key)) return true;
   return NxWriteTextKeyByLevels(text, key);
+}
+
+void NxSortBytesOf(unsigned short order, unsigned char selector, unsigned char& byte, unsigned char& mark) {
+  if (selector != kHomeSelector || order < kFirstDigitOrder || order >= kFirstHanOrder) return;
+  if (order < kFirstLetterOrder) {
+    const unsigned digit = order - kFirstDigitOrder;
+    if (digit % 10 == 0) byte = static_cast<unsigned char>(kFirstDigit + digit / 5);
+    return;
+  }
+  const unsigned letterCase = order >> 12 & 3;
+  if (letterCase > kSmallCase) return;
+  byte = static_cast<unsigned char>(kFirstBase + (order & 0x7F));
+  mark = static_cast<unsigned char>((order >> 7 & kSortAccent) | (letterCase == 0 ? kSortCapital : 0));
 }
 
 bool NxWriteTextKeyByLevels(const NxKeyText& text, NxKeyWriter& key) {

@@ -25,6 +25,12 @@ bool NxWriteTextKey(const NxKeyText& text, NxKeyWriter& key);
 /// set.
 bool NxWriteTextKeyByLevels(const NxKeyText& text, NxKeyWriter& key);
 
+/// The byte that stands for a character of one order value in a key, and what the lesser
+/// levels have of it: the accent, and kSortCapital. Left 0 for what takes more than that.
+void NxSortBytesOf(unsigned short order, unsigned char selector, unsigned char& byte, unsigned char& mark);
+inline constexpr unsigned char kSortAccent = 0x1F;
+inline constexpr unsigned char kSortCapital = 0x80;
+
 /// Writes the base letters that every text begins with that a term selects or is compared
 /// with: those of the term up to its first wildcard. Answers whether there is a wildcard.
 /// All keys with these base letters lie from what is written up to kAfterBaseLetters behind it.
