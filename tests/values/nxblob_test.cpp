@@ -131,6 +131,7 @@ TEST(Blob, TextsAndNumbers) {
   EXPECT_EQ(Content(NxBlob(short{-3})), std::string("-3", 3));
   EXPECT_EQ(NxBlob(-1e308).Length(), 318);
   EXPECT_EQ(static_cast<double>(NxBlob(2.5)), 2.5);
+  EXPECT_EQ(static_cast<double>(NxBlob("2.55", 3)), 2.5);
   EXPECT_EQ(static_cast<int>(NxBlob(42)), 42);
   EXPECT_EQ(static_cast<short>(NxBlob(65537)), 1);
   EXPECT_EQ(static_cast<long>(NxBlob("12345", 3)), 123);  // no zero behind it
@@ -142,6 +143,9 @@ TEST(Blob, TextsAndNumbers) {
   EXPECT_TRUE(b.IsNullValue());
   std::unique_ptr<NxBlobData> data(NxBlob::AllocData(7));
   EXPECT_EQ(data->length, 8);
+  const NxBlobData three("abc", 3), copy(NxBlob("ab")), room(5L);
+  EXPECT_EQ(std::memcmp(three.buffer, copy.buffer, 2), 0);
+  EXPECT_EQ(three.length + copy.length + room.length, 3 + 3 + 5);
 }
 
 unsigned long refused;  // what the memory handler was called with
@@ -205,6 +209,31 @@ std::vector<NxBlob> Blobs(std::initializer_list<Model> contents) {
   return blobs;
 }
 
+TEST(BlobSlots, Life) {
+  for (unsigned long n : {1UL, 3UL}) {
+    auto* values = static_cast<NxBlob*>(NxBlobDefaultValue(n, 0));
+    auto* nulls = static_cast<NxBlob*>(NxBlobDefaultValue(n, 1));
+    Block raw(n * sizeof(NxBlob));
+    auto* placed = reinterpret_cast<NxBlob*>(raw.Data());
+    NxBlobConstructor(placed, n, 0);
+    EXPECT_EQ(*placed, *values);
+    EXPECT_TRUE(NxBlobIsNull(nulls));
+    values->SetTo("abc", 3);
+    NxBlobAssignment(placed, values, n, 1);
+    for (unsigned long i = 0; i < n; ++i) EXPECT_EQ(Content(placed[i]), "abc");
+    NxBlobDestructor(placed, n, 0);
+    NxBlobCopy(placed, nulls, n, 0);
+    EXPECT_EQ(NxBlobTranslate(placed, 8, 0, values, 8, 0, n), static_cast<int>(n * sizeof(NxBlob)));
+    EXPECT_EQ(placed[n - 1], values[n - 1]);
+    EXPECT_EQ(NxBlobSetNull(placed), 0);
+    EXPECT_TRUE(placed->IsNullValue());
+    NxBlobDestructor(placed, n, 0);
+    BlobDelete(values, n);
+    BlobDelete(nulls, n);
+  }
+  NxBlobConstructor(nullptr, 1, 0);
+}
+
 TEST(BlobSlots, ImagesInBothByteOrders) {
   const auto blobs = Blobs({"\7\10\11", std::nullopt, ""});
   EXPECT_TRUE(Image(blobs, 1) == Block("\17\0\0\0\3\0\0\0\7\10\11\xFF\xFF\xFF\xFF\0\0\0", 19));
@@ -215,9 +244,13 @@ TEST(BlobSlots, ImagesInBothByteOrders) {
     EXPECT_EQ(BlobSizeGetFromMemFile(&file, format, 3), 19);
     EXPECT_EQ(BlobSizeGet(image.Data(), format & 7, format, 3), 19);
     auto loaded = Blobs({std::nullopt, "x", std::nullopt});
-    EXPECT_EQ(BlobLoad(loaded.data(), image.Data(), format, 3), 19);
+    EXPECT_EQ(NxBlobTranslate(loaded.data(), 8, 0, image.Data(), format, 0, 3), 19);
+    Block resized(25);
+    EXPECT_EQ(NxBlobTranslate(resized.Data(), 1, 25, image.Data(), format, 19, 3), 19);
+    EXPECT_EQ(resized.Data()[24], 0);
     for (int i = 0; i < 3; ++i) EXPECT_EQ(Content(loaded[i]), Content(blobs[i]));
   }
+  EXPECT_EQ(BlobNullSizeGet(7), 4);
   EXPECT_EQ(BlobSizeGet("\xFF\xFF\xFF\xFF", 1, 1, 1), 4);
 }
 
