@@ -8,6 +8,7 @@
 #include "data/csvfile.h"
 #include "data/failure.h"
 #include "data/progress.h"
+#include "data/utf8.h"
 #include "query/query.h"
 #include "store/index.h"
 #include "store/store.h"
@@ -26,10 +27,31 @@ class Stopwatch {
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
+/// A converter for every column.
+std::vector<Converter> ConvertersOf(const Schema& schema, const std::string& folder = "") {
+  std::vector<Converter> converters;
+  for (const Column& column : schema.Columns()) {
+    TextStyle style = column.style;
+    style.folder = folder;
+    converters.emplace_back(column.type, std::move(style));
+  }
+  return converters;
+}
+
+/// Whether a field without text is a value of the column.
+bool HasEmptyValue(const Column& column) {
+  const Kind kind = FormOf(column.type).kind;
+  return IsText(kind) || kind == Kind::kBlob;
+}
+
 /// Turns the rows of a file into records of a store.
 class Importer {
  public:
-  Importer(Store& store, const std::string& file) : store_(store), schema_(store.GetSchema()), file_(file) {}
+  Importer(Store& store, const std::string& file)
+      : store_(store),
+        schema_(store.GetSchema()),
+        file_(file),
+        converters_(ConvertersOf(schema_, file.substr(0, file.rfind('/') + 1))) {}
 
   /// The first row names the columns, in the order of the schema.
   void TakeHeader(const CsvRow& row) {
@@ -66,13 +88,13 @@ class Importer {
            "the row has " + std::to_string(found) + " fields, the schema " + std::to_string(wanted));
   }
 
-  Field TakeField(const CsvRow& row, unsigned long i) const {
+  Field TakeField(const CsvRow& row, unsigned long i) {
     const CsvField& field = row.fields[i];
     const Column& column = schema_.Columns()[i];
     try {
-      if (!field.isNull) return {ImageOfText(column.type, field.text, column.style), false};
-      if (column.nullable) return {NullImage(column.type), true};
-      if (IsText(column.type)) return {ImageOfText(column.type, "", column.style), false};
+      if (!field.isNull) return {converters_[i].ToImage(field.text), false};
+      if (column.nullable) return {column.nullImage, true};
+      if (HasEmptyValue(column)) return {converters_[i].ToImage(""), false};
       throw Failure("the field is empty and the column not nullable");
     } catch (const Failure& failure) {
       Fail(row, i, "column '" + column.name + "': " + failure.what());
@@ -82,6 +104,7 @@ class Importer {
   Store& store_;
   const Schema& schema_;
   const std::string& file_;
+  std::vector<Converter> converters_;
   std::string record_;
   std::vector<Field> fields_;
 };
@@ -107,20 +130,32 @@ EmptyLine EmptyLineOf(const Schema& schema) {
   return oneNullable ? EmptyLine::kNullRow : EmptyLine::kNoRow;
 }
 
-std::string CsvOf(const Schema& schema, const std::vector<Field>& fields) {
-  std::string line;
-  for (unsigned long i = 0; i < fields.size(); ++i) {
-    const Column& column = schema.Columns()[i];
-    if (i) line += ',';
-    if (fields[i].isNull) continue;
-    // The null state of a type is written like a null of the column.
-    TextOfValue value = TextOfImage(column.type, fields[i].image);
-    line +=
-        CsvText(value.text, value.isNull || (value.text.empty() && !column.nullable && fields.size() > 1));
+/// Writes records as lines of CSV.
+class CsvWriter {
+ public:
+  explicit CsvWriter(const Schema& schema) : schema_(schema), converters_(ConvertersOf(schema)) {}
+
+  const std::string& LineOf(const std::vector<Field>& fields) {
+    line_.clear();
+    for (unsigned long i = 0; i < fields.size(); ++i) {
+      if (i) line_ += ',';
+      if (!fields[i].isNull) AddField(i, fields[i], fields.size() == 1);
+    }
+    return line_ += '\n';
   }
-  line += '\n';
-  return line;
-}
+
+ private:
+  void AddField(unsigned long i, const Field& field, bool alone) {
+    const Column& column = schema_.Columns()[i];
+    const TextOfValue value = converters_[i].ToText(field.image);
+    // The null state of a type is written like a null of the column.
+    line_ += CsvText(value.text, value.isNull || (value.text.empty() && !column.nullable && !alone));
+  }
+
+  const Schema& schema_;
+  std::vector<Converter> converters_;
+  std::string line_;
+};
 
 void PrintHeader(const Schema& schema) {
   std::string line;
@@ -128,7 +163,8 @@ void PrintHeader(const Schema& schema) {
   std::printf("%s\n", line.c_str());
 }
 
-void PrintBound(const char* name, const Image& bound, char type) {
+void PrintBound(const char* name, const Image& bound, const Column& column) {
+  const char type = column.type;
   if (bound.empty()) {
     std::printf("--   %s open\n", name);
     return;
@@ -144,7 +180,7 @@ void PrintBound(const char* name, const Image& bound, char type) {
       text += order >= kFirstHanOrder ? "\xE2\x80\xA6" : Utf8OfString(NxString(static_cast<char>(ch)));
     }
   } else if (!IsText(type)) {
-    text = TextOfImage(type, bound).text;
+    text = Converter(type, column.style).ToText(bound).text;
   }
   std::printf("--   %s %s  %s\n", name, text.c_str(), Hex(bound).c_str());
 }
@@ -159,8 +195,8 @@ void Explain(const Store& store, const QueryReport& report, double seconds) {
                 access.fraction, access.fraction * static_cast<double>(store.Count()),
                 used == report.used.end() ? ", not used" : "");
     if (!access.index.hash) {
-      PrintBound("from", access.lower, column.type);
-      PrintBound("to  ", access.upper, column.type);
+      PrintBound("from", access.lower, column);
+      PrintBound("to  ", access.upper, column);
       if (access.plainToo) std::printf("--   and all texts in plain order\n");
     }
     if (used != report.used.end()) std::printf("--   %lu entries read\n", used->entriesRead);
@@ -202,10 +238,11 @@ void Export(const std::string& storeFile, bool header) {
   auto store = Store::Open(storeFile, Store::Mode::kRead);
   if (header) PrintHeader(store->GetSchema());
   std::vector<Field> fields;
+  CsvWriter writer(store->GetSchema());
   store->ForEach([&](unsigned int number, std::string_view record) {
     try {
       Record::Split(store->GetSchema(), record, fields);
-      std::string line = CsvOf(store->GetSchema(), fields);
+      const std::string& line = writer.LineOf(fields);
       std::fwrite(line.data(), 1, line.size(), stdout);
     } catch (const Failure& failure) {
       throw Failure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
@@ -217,11 +254,12 @@ void Check(const std::string& storeFile) {
   auto store = Store::Open(storeFile, Store::Mode::kRead);
   Progress progress("checking", store->Count());
   std::vector<Field> fields;
+  std::vector<Converter> converters = ConvertersOf(store->GetSchema());
   store->ForEach([&](unsigned int number, std::string_view record) {
     try {
       Record::Split(store->GetSchema(), record, fields);
       for (unsigned long i = 0; i < fields.size(); ++i)
-        if (!fields[i].isNull) TextOfImage(store->GetSchema().Columns()[i].type, fields[i].image);
+        if (!fields[i].isNull) converters[i].ToText(fields[i].image);
     } catch (const Failure& failure) {
       throw Failure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
     }
@@ -257,13 +295,14 @@ void Query(const std::string& storeFile, const std::string& condition, const Que
   auto store = Store::Open(storeFile, Store::Mode::kRead);
   Condition parsed = Condition::Parse(condition, store->GetSchema());
   Stopwatch watch;
+  CsvWriter writer(store->GetSchema());
   std::string output;
   unsigned long printed = 0;
   QueryReport report =
       RunQuery(*store, parsed, options.scan, [&](unsigned int, const std::vector<Field>& fields) {
         if (options.count || (options.limit && printed >= options.limit)) return;
         ++printed;
-        output += CsvOf(store->GetSchema(), fields);
+        output += writer.LineOf(fields);
       });
   double seconds = watch.Seconds();
   if (options.explain) Explain(*store, report, seconds);

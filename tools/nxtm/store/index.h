@@ -13,11 +13,8 @@
 
 namespace nxtm {
 
-/// Whether values of the type are texts, which order by collation data.
-bool IsText(char type);
-
 /// The key of an attribute's image in an ordered index.
-Image OrderedKey(char type, const Image& image);
+Image OrderedKey(char type, std::string_view image, unsigned char format = kFormatNative);
 /// Whether a text's key is cut short because it would be too long.
 bool IsCut(const Image& key);
 /// Whether a key stands for the whole of its text. One that does not (it is cut, or the
@@ -25,10 +22,10 @@ bool IsCut(const Image& key);
 /// their texts do only where a base letter differs. Their records are listed apart.
 bool IsWhole(char type, const Image& key);
 /// The key of an attribute's image in a hash index.
-unsigned int HashKey(char type, const Image& image);
+unsigned int HashKey(char type, std::string_view image);
 
 /// One attribute of a record, without taking the others further apart than needed.
-Field FieldOf(const Schema& schema, std::string_view record, unsigned long attribute);
+FieldView FieldOf(const Schema& schema, std::string_view record, unsigned long attribute);
 
 /// Refuses an index whose texts were ordered under other collation data, naming the
 /// command that rebuilds it.

@@ -23,7 +23,7 @@ namespace {
 constexpr unsigned long kMapSize = 512UL << 20;  // what a 32-bit process maps with ease
 constexpr unsigned long kBlock = 256;            // records under one checksum
 constexpr unsigned int kMaxTables = 1024;
-const char kKind[] = "nxtm store 1";
+const char kKind[] = "nxtm store 2";
 
 // ---------------------------------------------------------------------------
 // Damage
