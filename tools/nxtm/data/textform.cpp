@@ -49,9 +49,9 @@ std::optional<std::from_chars_result> ReadWhole(const std::string& text, T& numb
 long long ReadInteger(const std::string& text, long long low, long long high) {
   long long number = 0;
   const auto read = ReadWhole(text, number);
-  if (!read) throw Failure("'" + text + "' is not a whole number");
+  if (!read) throw Failure(Shown(text) + " is not a whole number");
   if (read->ec == std::errc::result_out_of_range || number < low || number > high)
-    throw Failure("'" + text + "' is outside " + std::to_string(low) + " to " + std::to_string(high));
+    throw Failure(Shown(text) + " is outside " + std::to_string(low) + " to " + std::to_string(high));
   return number;
 }
 
@@ -69,8 +69,8 @@ template <class T>
 void ParseReal(void* value, const std::string& text, const TextStyle&, Pattern) {
   T number = 0;
   const auto read = ReadWhole(text, number);
-  if (!read || !std::isfinite(number)) throw Failure("'" + text + "' is not a number");
-  if (read->ec == std::errc::result_out_of_range) throw Failure("'" + text + "' is out of range");
+  if (!read || !std::isfinite(number)) throw Failure(Shown(text) + " is not a number");
+  if (read->ec == std::errc::result_out_of_range) throw Failure(Shown(text) + " is out of range");
   As<T>(value) = number;
 }
 /// The shortest text that reads back as the same number.
@@ -110,7 +110,7 @@ std::string PrintSeal(const void* value) {
 }
 
 void ParseBoolean(void* value, const std::string& text, const TextStyle&, Pattern) {
-  if (text != "true" && text != "false") throw Failure("'" + text + "' is neither true nor false");
+  if (text != "true" && text != "false") throw Failure(Shown(text) + " is neither true nor false");
   As<NxBoolean>(value) = text == "true" ? 1L : 0L;
 }
 std::string PrintBoolean(const void* value) { return As<NxBoolean>(value) == 0L ? "false" : "true"; }
@@ -198,14 +198,14 @@ void ParseDate(void* value, const std::string& text, const TextStyle&, Pattern p
   Fields fields(text);
   const bool read = ReadDate(fields, date, pattern) && fields.AtEnd();
   const bool any = text.find('*') != std::string::npos;
-  if (!read || !(any || date.IsDate())) throw Failure("'" + text + "' is not a date (year-month-day)");
+  if (!read || !(any || date.IsDate())) throw Failure(Shown(text) + " is not a date (year-month-day)");
 }
 std::string PrintDate(const void* value) { return TextOfDate(As<NxDate>(value)); }
 
 void ParseTime(void* value, const std::string& text, const TextStyle&, Pattern) {
   Fields fields(text);
   if (!ReadTime(fields, As<NxTime>(value)) || !fields.AtEnd())
-    throw Failure("'" + text + "' is not a time of day (hour:minute:second)");
+    throw Failure(Shown(text) + " is not a time of day (hour:minute:second)");
 }
 std::string PrintTime(const void* value) {
   const auto& time = As<NxTime>(value);

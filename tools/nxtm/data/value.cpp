@@ -156,10 +156,10 @@ Image Converter::ToImage(const std::string& text, unsigned char format, Pattern 
     throw Failure("the type has no place for a character of the text");
   if (style_.format.empty() || pattern != Pattern::kNone) return image;
   const TextOfValue back = ToText(image, format);
-  if (back.isNull) throw Failure("'" + text + "' stands for null");
+  if (back.isNull) throw Failure(Shown(text) + " stands for null");
   if (back.text != text)
-    throw Failure("'" + text + "' is no " + form_.type + " under '" + style_.format + "': it reads as '" +
-                  back.text + "'");
+    throw Failure(Shown(text) + " is no " + form_.type + " under '" + style_.format + "': it reads as " +
+                  Shown(back.text));
   return image;
 }
 
@@ -222,8 +222,8 @@ Image FromHex(const std::string& text) {
     if (text[i] == ' ') continue;
     int digit = std::isxdigit(static_cast<unsigned char>(text[i]))
                     ? std::stoi(text.substr(i, 1), nullptr, 16)
-                    : throw Failure("character " + std::to_string(i + 1) + " of '" + text +
-                                    "' is not a hexadecimal digit");
+                    : throw Failure("character " + std::to_string(i + 1) + " of " + Shown(text) +
+                                    " is not a hexadecimal digit");
     if (high < 0) {
       high = digit;
     } else {
@@ -231,7 +231,7 @@ Image FromHex(const std::string& text) {
       high = -1;
     }
   }
-  if (high >= 0) throw Failure("'" + text + "' has an odd number of hexadecimal digits");
+  if (high >= 0) throw Failure(Shown(text) + " has an odd number of hexadecimal digits");
   return bytes;
 }
 
