@@ -21,15 +21,19 @@ struct Arguments {
   bool hash = false, header = false;
 };
 
+void AddTextOptions(CLI::App* command, LookOptions& look) {
+  command->add_option("--language", look.language, "language of texts, by name or number")
+      ->capture_default_str();
+  command->add_option("--codeset", look.codeSet, "code set of texts (0: Latin-1 where it does, else Unicode)")
+      ->capture_default_str();
+}
+
 void AddImageOptions(CLI::App* command, LookOptions& look) {
   command
       ->add_option("--format", look.format,
                    "format byte of the images (1: this machine's order, 2: the other)")
       ->capture_default_str();
-  command->add_option("--language", look.language, "language of texts, by name or number")
-      ->capture_default_str();
-  command->add_option("--codeset", look.codeSet, "code set of texts (0: Latin-1 where it does, else Unicode)")
-      ->capture_default_str();
+  AddTextOptions(command, look);
 }
 
 void AddCompareOptions(CLI::App* command, LookOptions& look) {
@@ -87,6 +91,20 @@ void AddLookingCommands(CLI::App& app, Arguments& a) {
   AddCompareOptions(bounds, a.look);
   bounds->callback([&] { ShowBounds(a.type, a.relation, a.text, a.low, a.high, a.look); });
 
+  auto* print = app.add_subcommand("print", "the text of a value under a format");
+  print->add_option("TYPE", a.type)->required();
+  print->add_option("VALUE", a.text)->required();
+  print->add_option("--format", a.look.textFormat, "directives of the type; default: its own format");
+  AddTextOptions(print, a.look);
+  print->callback([&] { ShowPrinted(a.type, a.text, a.look); });
+
+  auto* scan = app.add_subcommand("scan", "the value that a text has under a format");
+  scan->add_option("TYPE", a.type)->required();
+  scan->add_option("TEXT", a.text)->required();
+  scan->add_option("--format", a.look.textFormat, "directives of the type; default: its own format");
+  AddTextOptions(scan, a.look);
+  scan->callback([&] { ShowScanned(a.type, a.text, a.look); });
+
   auto* order = app.add_subcommand("order", "collation order values of a text");
   order->add_option("TEXT", a.text)->required();
   AddImageOptions(order, a.look);
@@ -96,7 +114,8 @@ void AddLookingCommands(CLI::App& app, Arguments& a) {
 void AddWorkingCommands(CLI::App& app, Arguments& a) {
   auto* importing = app.add_subcommand("import", "add the rows of a CSV file to a store, all or none");
   importing
-      ->add_option("SCHEMA", a.schema, "a line per column: name type [nullable] [language=L] [codeset=C]")
+      ->add_option("SCHEMA", a.schema,
+                   "a line per column: name type [nullable] [format=F] [language=L] [codeset=C]")
       ->required();
   importing->add_option("DATA", a.data, "CSV in UTF-8; a field that is empty and not quoted is null")
       ->required();

@@ -3,6 +3,7 @@
 #ifndef NXTM_COMMANDS_H
 #define NXTM_COMMANDS_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,8 @@ namespace nxtm {
 
 /// How the looking commands read and write.
 struct LookOptions {
-  unsigned int format = 1;  // format byte of the images
+  unsigned int format = 1;                // format byte of the images
+  std::optional<std::string> textFormat;  // of the library's print and scan functions
   std::string language = "1";
   std::string codeSet = "0";  // of texts; 0 chooses
   bool ignoreCase = false, ignoreAccents = false, skipSpaces = false, skipSymbols = false;
@@ -30,6 +32,10 @@ void ShowKey(const std::string& type, const std::string& text, const LookOptions
 void ShowBounds(const std::string& type, const std::string& relation, const std::string& text,
                 const std::string& low, const std::string& high, const LookOptions& options);
 void ShowOrder(const std::string& text, const LookOptions& options);
+/// The library's text of a value under a format, and the value that it reads from a text;
+/// without a format under the type's own.
+void ShowPrinted(const std::string& type, const std::string& value, const LookOptions& options);
+void ShowScanned(const std::string& type, const std::string& text, const LookOptions& options);
 
 // Working on stores.
 

@@ -169,4 +169,16 @@ void ShowOrder(const std::string& text, const LookOptions& options) {
                 OrderName(order, it._nCollation).c_str());
 }
 
+void ShowPrinted(const std::string& type, const std::string& value, const LookOptions& options) {
+  const Look look(type, options);
+  const char* format = options.textFormat ? options.textFormat->c_str() : nullptr;
+  std::printf("%s\n", PrintedText(look.type, value, look.style, format).c_str());
+}
+
+void ShowScanned(const std::string& type, const std::string& text, const LookOptions& options) {
+  const Look look(type, options);
+  const char* format = options.textFormat ? options.textFormat->c_str() : nullptr;
+  std::printf("%s\n", ScannedText(look.type, text, look.style, format).c_str());
+}
+
 }  // namespace nxtm

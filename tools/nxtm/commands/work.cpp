@@ -7,6 +7,7 @@
 #include "commands/commands.h"
 #include "data/csvfile.h"
 #include "data/failure.h"
+#include "data/file.h"
 #include "data/progress.h"
 #include "data/utf8.h"
 #include "query/query.h"
@@ -51,7 +52,7 @@ class Importer {
       : store_(store),
         schema_(store.GetSchema()),
         file_(file),
-        converters_(ConvertersOf(schema_, file.substr(0, file.rfind('/') + 1))) {}
+        converters_(ConvertersOf(schema_, FolderOf(file))) {}
 
   /// The first row names the columns, in the order of the schema.
   void TakeHeader(const CsvRow& row) {

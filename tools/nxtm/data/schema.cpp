@@ -3,10 +3,9 @@
 #include "data/schema.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <memory>
 
 #include "data/failure.h"
+#include "data/file.h"
 
 namespace nxtm {
 
@@ -186,16 +185,6 @@ void Record::Split(const Schema& schema, std::string_view bytes, std::vector<Fie
 void Record::Append(std::string& bytes, const Column& column, const Field& field) {
   if (column.HasNullByte()) bytes += field.isNull ? '\1' : '\0';
   bytes += field.isNull ? column.nullImage : field.image;
-}
-
-std::string ReadFile(const std::string& path) {
-  std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
-  std::string text;
-  char piece[65536];
-  unsigned long n = 0;
-  while (file && (n = std::fread(piece, 1, sizeof piece, file.get())) > 0) text.append(piece, n);
-  if (!file || std::ferror(file.get())) throw Failure(path + ": cannot be read");
-  return text;
 }
 
 }  // namespace nxtm

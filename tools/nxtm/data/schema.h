@@ -72,9 +72,6 @@ class Record {
   static void Append(std::string& bytes, const Column& column, const Field& field);
 };
 
-/// The whole of a file; a Failure when it cannot be read.
-std::string ReadFile(const std::string& path);
-
 }  // namespace nxtm
 
 #endif

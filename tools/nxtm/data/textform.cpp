@@ -212,6 +212,100 @@ std::string PrintTime(const void* value) {
   return TextOfTime(time.hour, time.minute, time.second);
 }
 
+void ParseDateTime(void* value, const std::string& text, const TextStyle&, Pattern) {
+  auto& point = As<NxDateTime>(value);
+  Fields fields(text);
+  if (!ReadDate(fields, point.date, Pattern::kNone) || !fields.Next('T') || !ReadTime(fields, point.time) ||
+      !fields.AtEnd() || !point.IsDaTime())
+    throw Failure(Shown(text) + " is not a point in time (year-month-dayThour:minute:second)");
+}
+std::string PrintDateTime(const void* value) {
+  const auto& point = As<NxDateTime>(value);
+  return TextOfDate(point.date) + "T" + PrintTime(&point.time);
+}
+
+/// Whether the calendar of the standard dates has a date.
+bool Exists(const d_Date& date) {
+  d_Date same = date;
+  same.setAbsDate(date.getAbsDate());
+  return same.year == date.year && same.month == date.month && same.day == date.day;
+}
+
+void ParseStandardDate(void* value, const std::string& text, const TextStyle&, Pattern pattern) {
+  auto& date = As<d_Date>(value);
+  Fields fields(text);
+  const bool read = ReadDate(fields, date, pattern) && fields.AtEnd();
+  const bool any = text.find('*') != std::string::npos;
+  if (!read || !(any || Exists(date))) throw Failure(Shown(text) + " is not a date (year-month-day)");
+}
+std::string PrintStandardDate(const void* value) { return TextOfDate(As<d_Date>(value)); }
+
+/// hour:minute:second, then hundredths behind a point and a time zone where they are not 0;
+/// false for what is none.
+bool ReadZonedTime(Fields& fields, d_Time& time) {
+  NxTime local(0L);
+  if (!ReadTime(fields, local)) return false;
+  int hundredths = 0, zoneHour = 0, zoneMinute = 0;
+  if (fields.Next('.')) {
+    const int tenths = fields.Number(1, 9), rest = fields.Number(1, 9);
+    if (tenths < 0 || rest < 0) return false;
+    hundredths = 10 * tenths + rest;
+  }
+  const bool west = fields.Next('-');
+  if (west || fields.Next('+')) {
+    zoneHour = fields.Number(2, 23);
+    if (zoneHour < 0 || !fields.Next(':')) return false;
+    zoneMinute = fields.Number(2, 59);
+    if (zoneMinute < 0) return false;
+  }
+  time.tz_hour = static_cast<signed char>(west ? -zoneHour : zoneHour);
+  time.tz_minute = static_cast<signed char>(west ? -zoneMinute : zoneMinute);
+  time.hour = static_cast<signed char>(local.hour + time.tz_hour);
+  time.minute = static_cast<signed char>(local.minute + time.tz_minute);
+  time.second = local.second;
+  time.hundredths = static_cast<signed char>(hundredths);
+  return true;
+}
+
+std::string TextOfZonedTime(const d_Time& time) {
+  std::string text = TextOfTime(time.LocalHour(), time.LocalMinute(), time.second);
+  char part[32];
+  if (time.hundredths != 0) {
+    std::snprintf(part, sizeof part, ".%02d", time.hundredths);
+    text += part;
+  }
+  if (time.tz_hour != 0 || time.tz_minute != 0) {
+    const char sign = time.tz_hour < 0 || time.tz_minute < 0 ? '-' : '+';
+    std::snprintf(part, sizeof part, "%c%02d:%02d", sign, std::abs(time.tz_hour), std::abs(time.tz_minute));
+    text += part;
+  }
+  return text;
+}
+
+void ParseZonedTime(void* value, const std::string& text, const TextStyle&, Pattern) {
+  Fields fields(text);
+  if (!ReadZonedTime(fields, As<d_Time>(value)) || !fields.AtEnd())
+    throw Failure(Shown(text) + " is not a time (hour:minute:second.25+hour:minute)");
+}
+std::string PrintZonedTime(const void* value) { return TextOfZonedTime(As<d_Time>(value)); }
+
+void ParseTimestamp(void* value, const std::string& text, const TextStyle&, Pattern) {
+  auto& point = As<d_Timestamp>(value);
+  Fields fields(text);
+  if (!ReadDate(fields, point.date, Pattern::kNone) || !fields.Next('T') || !Exists(point.date) ||
+      !ReadZonedTime(fields, point.time) || !fields.AtEnd())
+    throw Failure(Shown(text) + " is not a point in time (year-month-dayThour:minute:second.25+hour:minute)");
+}
+std::string PrintTimestamp(const void* value) {
+  const auto& point = As<d_Timestamp>(value);
+  return TextOfDate(point.date) + "T" + TextOfZonedTime(point.time);
+}
+
+void ParseInterval(void* value, const std::string& text, const TextStyle& style, Pattern pattern) {
+  ParseReal<float>(&As<d_Interval>(value).value, text, style, pattern);
+}
+std::string PrintInterval(const void* value) { return PrintReal<float>(&As<d_Interval>(value).value); }
+
 // ---------------------------------------------------------------------------
 // Texts
 
@@ -234,8 +328,8 @@ std::string PrintAlphabetic(const void* value) {
 // ---------------------------------------------------------------------------
 // The table
 
-const char kDateDirectives[] = "AaBbdemYy";
-const char kTimeDirectives[] = "HIMSPp";
+#define NXTM_DATE_DIRECTIVES "AaBbdemYy"
+#define NXTM_TIME_DIRECTIVES "HIMSPp"
 
 template <class T>
 constexpr TextForm Integer(const char* type, const char* nullable) {
@@ -244,6 +338,10 @@ constexpr TextForm Integer(const char* type, const char* nullable) {
 template <class T>
 constexpr TextForm Real(const char* type, const char* nullable) {
   return {type, nullable, Kind::kReal, nullptr, nullptr, ParseReal<T>, PrintReal<T>};
+}
+
+constexpr TextForm Identifier(const char* type, const char* directives, const char* format) {
+  return {type, nullptr, Kind::kPlain, directives, format, nullptr, nullptr};
 }
 
 const TextForm kForms[] = {
@@ -262,8 +360,18 @@ const TextForm kForms[] = {
     {"NxInt64", "NxNull_NxInt64", Kind::kPlain, "SdioxX", nullptr, ParseInt64, PrintInt64},
     {"NxSeal", nullptr, Kind::kPlain, "", nullptr, ParseSeal, PrintSeal},
     {"NxBoolean", nullptr, Kind::kPlain, "", nullptr, ParseBoolean, PrintBoolean},
-    {"NxDate", nullptr, Kind::kDate, kDateDirectives, nullptr, ParseDate, PrintDate},
-    {"NxTime", nullptr, Kind::kPlain, kTimeDirectives, nullptr, ParseTime, PrintTime},
+    {"NxDate", nullptr, Kind::kDate, NXTM_DATE_DIRECTIVES, nullptr, ParseDate, PrintDate},
+    {"NxTime", nullptr, Kind::kPlain, NXTM_TIME_DIRECTIVES, nullptr, ParseTime, PrintTime},
+    {"NxDateTime", nullptr, Kind::kPlain, NXTM_DATE_DIRECTIVES NXTM_TIME_DIRECTIVES, nullptr, ParseDateTime,
+     PrintDateTime},
+    {"d_Date", nullptr, Kind::kDate, NXTM_DATE_DIRECTIVES, nullptr, ParseStandardDate, PrintStandardDate},
+    {"d_Time", nullptr, Kind::kPlain, NXTM_TIME_DIRECTIVES, nullptr, ParseZonedTime, PrintZonedTime},
+    {"d_Timestamp", nullptr, Kind::kPlain, NXTM_DATE_DIRECTIVES NXTM_TIME_DIRECTIVES, nullptr, ParseTimestamp,
+     PrintTimestamp},
+    {"d_Interval", nullptr, Kind::kReal, "deHIMS", nullptr, ParseInterval, PrintInterval},
+    Identifier("NxObjId", "HLBhl", "(%H-%L#%B)"),
+    Identifier("NxClassId", "CVh", "(%Cv%V)"),
+    Identifier("NxRef", "DHLBChl", "(%D:%H-%L#%B, %C)"),
     {"NxString", nullptr, Kind::kText, "", nullptr, ParseString, PrintString},
     {"NxIString", nullptr, Kind::kAlphabetic, "", nullptr, ParseAlphabetic<NxIString>,
      PrintAlphabetic<NxIString>},
