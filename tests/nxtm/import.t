@@ -143,7 +143,7 @@ Bad rows are named by line and column, and change nothing.
   nxtm: /dev/null:1:1: the row with the names of the columns is missing
   [2]
   $ nxtm import s . store
-  nxtm: .: cannot be read
+  nxtm: .: Is a directory
   [2]
   $ cmp store before
   $ ls fresh
@@ -181,10 +181,10 @@ Schemas that are none.
   nxtm: bad:1:1: the schema names no column
   [2]
   $ nxtm import missing good new
-  nxtm: missing: cannot be read
+  nxtm: missing: No such file or directory
   [2]
   $ nxtm import s missing new
-  nxtm: missing: cannot be read
+  nxtm: missing: No such file or directory
   [2]
 
 Stores that are none.

@@ -14,7 +14,8 @@ using namespace nxtm;
 
 /// What the command line gives; one field serves every command that has it.
 struct Arguments {
-  std::string type, text, other, relation, low, high, hex, schema, data, store, attribute, condition;
+  std::string type, text, other, relation, low, high, hex, schema, data, store, attribute, condition,
+      blobFolder;
   std::vector<std::string> texts;
   LookOptions look;
   QueryOptions query;
@@ -126,7 +127,8 @@ void AddWorkingCommands(CLI::App& app, Arguments& a) {
   auto* exporting = app.add_subcommand("export", "print the records of a store as CSV");
   exporting->add_option("STORE", a.store)->required();
   exporting->add_flag("--header", a.header, "print the names of the columns first");
-  exporting->callback([&] { Export(a.store, a.header); });
+  exporting->add_option("--blobs", a.blobFolder, "write blobs to new files of a folder, and their names");
+  exporting->callback([&] { Export(a.store, a.header, a.blobFolder); });
 
   auto* check = app.add_subcommand("check", "walk every record and every index entry, both ways");
   check->add_option("STORE", a.store)->required();

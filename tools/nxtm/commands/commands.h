@@ -41,7 +41,8 @@ void ShowScanned(const std::string& type, const std::string& text, const LookOpt
 
 void Import(const std::string& schemaFile, const std::string& dataFile, const std::string& storeFile,
             bool header);
-void Export(const std::string& storeFile, bool header);
+/// Blobs go to new files of a folder where one is named.
+void Export(const std::string& storeFile, bool header, const std::string& blobFolder = "");
 void Check(const std::string& storeFile);
 void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash);
 void Reindex(const std::string& storeFile);

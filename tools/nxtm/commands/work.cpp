@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
 
 #include "commands/commands.h"
 #include "data/csvfile.h"
@@ -72,7 +73,11 @@ class Importer {
       fields_.push_back(TakeField(row, i));
       Record::Append(record_, schema_.Columns()[i], fields_.back());
     }
-    AddToIndexes(store_, store_.Append(record_), fields_);
+    try {
+      AddToIndexes(store_, store_.Append(record_), fields_);
+    } catch (const Failure& failure) {
+      Fail(row, 0, "a record of " + std::to_string(record_.size()) + " bytes: " + failure.what());
+    }
   }
 
  private:
@@ -134,10 +139,13 @@ EmptyLine EmptyLineOf(const Schema& schema) {
 /// Writes records as lines of CSV.
 class CsvWriter {
  public:
-  explicit CsvWriter(const Schema& schema) : schema_(schema), converters_(ConvertersOf(schema)) {}
+  /// Blobs go to files of a folder where one is given, else into the lines.
+  explicit CsvWriter(const Schema& schema, const std::string& blobFolder = "")
+      : schema_(schema), converters_(ConvertersOf(schema)), blobFolder_(blobFolder) {}
 
   const std::string& LineOf(const std::vector<Field>& fields) {
     line_.clear();
+    ++lines_;
     for (unsigned long i = 0; i < fields.size(); ++i) {
       if (i) line_ += ',';
       if (!fields[i].isNull) AddField(i, fields[i], fields.size() == 1);
@@ -148,6 +156,12 @@ class CsvWriter {
  private:
   void AddField(unsigned long i, const Field& field, bool alone) {
     const Column& column = schema_.Columns()[i];
+    if (!blobFolder_.empty() && FormOf(column.type).kind == Kind::kBlob) {
+      const std::string path = blobFolder_ + "/" + column.name + "." + std::to_string(lines_);
+      WriteNewFile(path, BytesOfBlob(field.image));
+      line_ += CsvText("@" + path, false);
+      return;
+    }
     const TextOfValue value = converters_[i].ToText(field.image);
     // The null state of a type is written like a null of the column.
     line_ += CsvText(value.text, value.isNull || (value.text.empty() && !column.nullable && !alone));
@@ -155,6 +169,8 @@ class CsvWriter {
 
   const Schema& schema_;
   std::vector<Converter> converters_;
+  std::string blobFolder_;
+  unsigned long lines_ = 0;
   std::string line_;
 };
 
@@ -235,11 +251,12 @@ void Import(const std::string& schemaFile, const std::string& dataFile, const st
               static_cast<double>(store->FileSize()) / 1e6);
 }
 
-void Export(const std::string& storeFile, bool header) {
+void Export(const std::string& storeFile, bool header, const std::string& blobFolder) {
   auto store = Store::Open(storeFile, Store::Mode::kRead);
+  if (!blobFolder.empty()) std::filesystem::create_directories(blobFolder);
   if (header) PrintHeader(store->GetSchema());
   std::vector<Field> fields;
-  CsvWriter writer(store->GetSchema());
+  CsvWriter writer(store->GetSchema(), blobFolder);
   store->ForEach([&](unsigned int number, std::string_view record) {
     try {
       Record::Split(store->GetSchema(), record, fields);
@@ -277,7 +294,10 @@ void Check(const std::string& storeFile) {
 void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash) {
   Stopwatch watch;
   auto store = Store::Open(storeFile, Store::Mode::kWrite);
-  BuildIndex(*store, IndexInfo{store->GetSchema().Find(attribute), hash, 0});
+  const unsigned long place = store->GetSchema().Find(attribute);
+  if (!hash && FormOf(store->GetSchema().Columns()[place].type).kind == Kind::kBlob)
+    throw Failure("blobs have no ordered index; --hash makes one for exact matches");
+  BuildIndex(*store, IndexInfo{place, hash, 0});
   store->Commit();
   std::printf("%s index of %s made in %.2f s, store %.2f MB\n", hash ? "hash" : "ordered", attribute.c_str(),
               watch.Seconds(), static_cast<double>(store->FileSize()) / 1e6);

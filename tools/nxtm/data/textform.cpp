@@ -15,6 +15,7 @@
 #include <type_traits>
 
 #include "data/failure.h"
+#include "data/file.h"
 
 #include "data/utf8.h"
 #include "data/value.h"
@@ -326,6 +327,29 @@ std::string PrintAlphabetic(const void* value) {
 }
 
 // ---------------------------------------------------------------------------
+// Blobs
+
+/// Hexadecimal digits, or the path of a file that has the bytes behind a "@".
+void ParseBlob(void* value, const std::string& text, const TextStyle& style, Pattern) {
+  std::string bytes;
+  if (text.rfind('@', 0) == 0) {
+    const std::string path = text.substr(1);
+    bytes = ReadFile(path.rfind('/', 0) == 0 ? path : style.folder + path, kLargestBlob);
+  } else {
+    bytes = FromHex(text);
+  }
+  if (bytes.size() > kLargestBlob)
+    throw Failure("the blob has " + std::to_string(bytes.size()) + " bytes; at most " +
+                  std::to_string(kLargestBlob) + " can be kept");
+  As<NxBlob>(value).SetTo(bytes.data(), static_cast<long>(bytes.size()));
+}
+std::string PrintBlob(const void* value) {
+  const auto& blob = As<NxBlob>(value);
+  const void* bytes = blob.Seek(0, blob.Length());
+  return bytes ? Hex({static_cast<const char*>(bytes), static_cast<unsigned long>(blob.Length())}, "") : "";
+}
+
+// ---------------------------------------------------------------------------
 // The table
 
 #define NXTM_DATE_DIRECTIVES "AaBbdemYy"
@@ -377,14 +401,17 @@ const TextForm kForms[] = {
      PrintAlphabetic<NxIString>},
     {"NxCaseIString", nullptr, Kind::kAlphabetic, "", nullptr, ParseAlphabetic<NxCaseIString>,
      PrintAlphabetic<NxCaseIString>},
+    {"NxBlob", nullptr, Kind::kBlob, "", nullptr, ParseBlob, PrintBlob},
 };
 
 /// The forms by type identifier.
 std::array<const TextForm*, kTypeCount> FormsByType() {
   std::array<const TextForm*, kTypeCount> forms{};
   for (const TextForm& form : kForms) {
-    forms[static_cast<unsigned char>(FindType(form.type))] = &form;
-    if (form.nullable) forms[static_cast<unsigned char>(FindType(form.nullable))] = &form;
+    for (const char* name : {form.type, form.nullable}) {
+      const auto id = static_cast<unsigned char>(name ? FindType(name) : kIllegalTypeIndex);
+      if (NxNewtypetab[id]->Create != NxIllegalCreate) forms[id] = &form;
+    }
   }
   return forms;
 }

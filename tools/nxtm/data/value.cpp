@@ -93,7 +93,7 @@ char NullableTypeOf(char type) {
   const char* nullable = FormOf(type).nullable;
   if (!nullable || Manager().SupportsNullValue(type)) return type;
   const char id = FindType(nullable);
-  return NxNewtypetab[static_cast<unsigned char>(id)]->Create == NxIllegalCreate ? type : id;
+  return IsUsable(id) ? id : type;
 }
 
 bool IsText(char type) { return IsUsable(type) && IsText(FormOf(type).kind); }
@@ -204,11 +204,14 @@ std::string ScannedText(char type, const std::string& text, const TextStyle& sty
   return value.isNull ? PrintUnder(type, box.Get(), format) : value.text;
 }
 
-std::string Hex(std::string_view bytes) {
+std::string_view BytesOfBlob(std::string_view image) { return image.substr(SizeHead(Kind::kBlob)); }
+
+std::string Hex(std::string_view bytes, const char* between) {
   static const char kDigits[] = "0123456789ABCDEF";
   std::string text;
+  text.reserve(bytes.size() * (2 + std::strlen(between)));
   for (unsigned char byte : bytes) {
-    if (!text.empty()) text += ' ';
+    if (!text.empty()) text += between;
     text += kDigits[byte >> 4];
     text += kDigits[byte & 15];
   }
@@ -216,20 +219,19 @@ std::string Hex(std::string_view bytes) {
 }
 
 Image FromHex(const std::string& text) {
+  const std::string digits = "0123456789ABCDEFabcdef";
   Image bytes;
+  bytes.reserve(text.size() / 2);
   int high = -1;
   for (unsigned long i = 0; i < text.size(); ++i) {
     if (text[i] == ' ') continue;
-    int digit = std::isxdigit(static_cast<unsigned char>(text[i]))
-                    ? std::stoi(text.substr(i, 1), nullptr, 16)
-                    : throw Failure("character " + std::to_string(i + 1) + " of " + Shown(text) +
-                                    " is not a hexadecimal digit");
-    if (high < 0) {
-      high = digit;
-    } else {
-      bytes += static_cast<char>(high << 4 | digit);
-      high = -1;
-    }
+    const unsigned long found = digits.find(text[i]);
+    if (found == std::string::npos)
+      throw Failure("character " + std::to_string(i + 1) + " of " + Shown(text) +
+                    " is not a hexadecimal digit");
+    const int digit = static_cast<int>(found < 16 ? found : found - 6);
+    if (high >= 0) bytes += static_cast<char>(high << 4 | digit);
+    high = high < 0 ? digit : -1;
   }
   if (high >= 0) throw Failure(Shown(text) + " has an odd number of hexadecimal digits");
   return bytes;

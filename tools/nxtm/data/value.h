@@ -84,7 +84,12 @@ unsigned long ImageSize(char type, std::string_view data, unsigned char format =
 std::string PrintedText(char type, const std::string& value, const TextStyle& style, const char* format);
 std::string ScannedText(char type, const std::string& text, const TextStyle& style, const char* format);
 
-std::string Hex(std::string_view bytes);
+/// Bytes of the largest blob: a value is several times in memory while it is stored.
+constexpr unsigned long kLargestBlob = 128UL << 20;
+/// The bytes of a blob's image, which is whole.
+std::string_view BytesOfBlob(std::string_view image);
+
+std::string Hex(std::string_view bytes, const char* between = " ");
 /// The bytes of a text of hexadecimal digits; blanks between them do not count.
 Image FromHex(const std::string& text);
 
