@@ -68,13 +68,12 @@ class Importer {
   void TakeRow(const CsvRow& row) {
     CheckWidth(row);
     record_.clear();
-    fields_.clear();
-    for (unsigned long i = 0; i < row.fields.size(); ++i) {
-      fields_.push_back(TakeField(row, i));
-      Record::Append(record_, schema_.Columns()[i], fields_.back());
-    }
+    for (unsigned long i = 0; i < row.fields.size(); ++i) TakeField(row, i);
     try {
-      AddToIndexes(store_, store_.Append(record_), fields_);
+      const unsigned int number = store_.Append(record_);
+      if (store_.Indexes().empty()) return;
+      Record::Split(schema_, record_, fields_);
+      AddToIndexes(store_, number, fields_);
     } catch (const Failure& failure) {
       Fail(row, 0, "a record of " + std::to_string(record_.size()) + " bytes: " + failure.what());
     }
@@ -94,14 +93,17 @@ class Importer {
            "the row has " + std::to_string(found) + " fields, the schema " + std::to_string(wanted));
   }
 
-  Field TakeField(const CsvRow& row, unsigned long i) {
+  /// Adds a field to the record.
+  void TakeField(const CsvRow& row, unsigned long i) {
     const CsvField& field = row.fields[i];
     const Column& column = schema_.Columns()[i];
     try {
-      if (!field.isNull) return {converters_[i].ToImage(field.text), false};
-      if (column.nullable) return {column.nullImage, true};
-      if (HasEmptyValue(column)) return {converters_[i].ToImage(""), false};
-      throw Failure("the field is empty and the column not nullable");
+      if (!field.isNull || (!column.nullable && HasEmptyValue(column)))
+        Record::Append(record_, column, converters_[i].ToImage(field.text));
+      else if (column.nullable)
+        Record::AppendNull(record_, column);
+      else
+        throw Failure("the field is empty and the column not nullable");
     } catch (const Failure& failure) {
       Fail(row, i, "column '" + column.name + "': " + failure.what());
     }

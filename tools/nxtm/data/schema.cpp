@@ -153,8 +153,8 @@ unsigned long Schema::Find(const std::string& name) const {
   throw Failure("there is no attribute '" + name + "' (" + names + ")");
 }
 
-FieldView Record::Take(const Column& column, std::string_view& bytes) {
-  FieldView field;
+Field Record::Take(const Column& column, std::string_view& bytes) {
+  Field field;
   if (column.HasNullByte()) {
     if (bytes.empty() || static_cast<unsigned char>(bytes[0]) > 1)
       throw Failure("attribute '" + column.name + "' is damaged");
@@ -171,20 +171,19 @@ FieldView Record::Take(const Column& column, std::string_view& bytes) {
 }
 
 void Record::Split(const Schema& schema, std::string_view bytes, std::vector<Field>& fields) {
-  fields.resize(schema.Columns().size());
-  auto field = fields.begin();
-  for (const Column& column : schema.Columns()) {
-    const FieldView view = Take(column, bytes);
-    field->image.assign(view.image);
-    field->isNull = view.isNull;
-    ++field;
-  }
+  fields.clear();
+  for (const Column& column : schema.Columns()) fields.push_back(Take(column, bytes));
   if (!bytes.empty()) throw Failure("there are bytes behind the last attribute");
 }
 
-void Record::Append(std::string& bytes, const Column& column, const Field& field) {
-  if (column.HasNullByte()) bytes += field.isNull ? '\1' : '\0';
-  bytes += field.isNull ? column.nullImage : field.image;
+void Record::Append(std::string& bytes, const Column& column, std::string_view image) {
+  if (column.HasNullByte()) bytes += '\0';
+  bytes += image;
+}
+
+void Record::AppendNull(std::string& bytes, const Column& column) {
+  if (column.HasNullByte()) bytes += '\1';
+  bytes += column.nullImage;
 }
 
 }  // namespace nxtm

@@ -47,14 +47,8 @@ class Schema {
   std::vector<Column> columns_;
 };
 
-/// One attribute of a record: its stored image, or null.
+/// One attribute where it lies in a record. A null one may have an image, too.
 struct Field {
-  Image image;
-  bool isNull = false;
-};
-
-/// The same where it lies in a record; a null attribute may have an image, too.
-struct FieldView {
   std::string_view image;
   bool isNull = false;
 };
@@ -64,12 +58,12 @@ class Record {
  public:
   /// Takes the attribute of a column off the front of a record's bytes. Throws a Failure
   /// that names the attribute whose image is damaged.
-  static FieldView Take(const Column& column, std::string_view& bytes);
-  /// Takes a record apart; `fields` may be those of another one, whose memory serves
-  /// again. Throws a Failure as Take does.
+  static Field Take(const Column& column, std::string_view& bytes);
+  /// Takes a record apart; `fields` may be those of another one. Throws a Failure as Take does.
   static void Split(const Schema& schema, std::string_view bytes, std::vector<Field>& fields);
   /// Appends an attribute to a record under construction.
-  static void Append(std::string& bytes, const Column& column, const Field& field);
+  static void Append(std::string& bytes, const Column& column, std::string_view image);
+  static void AppendNull(std::string& bytes, const Column& column);
 };
 
 }  // namespace nxtm

@@ -163,7 +163,7 @@ Image Converter::ToImage(const std::string& text, unsigned char format, Pattern 
   return image;
 }
 
-TextOfValue Converter::ToText(const Image& image, unsigned char format) {
+TextOfValue Converter::ToText(std::string_view image, unsigned char format) {
   const unsigned long size = ImageSize(type_, image, format);
   if (size == 0 || size != image.size())
     throw Failure("not the image of one " + std::string(Manager().NameGet(type_, nullptr)) + " value");

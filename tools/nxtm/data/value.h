@@ -59,7 +59,7 @@ class Converter {
   Image ToImage(const std::string& text, unsigned char format = kFormatNative,
                 Pattern pattern = Pattern::kNone);
   /// The text of an image, which must be whole.
-  TextOfValue ToText(const Image& image, unsigned char format = kFormatNative);
+  TextOfValue ToText(std::string_view image, unsigned char format = kFormatNative);
 
  private:
   void Parse(const std::string& text, Pattern pattern);

@@ -57,7 +57,7 @@ class Entries {
 
  private:
   void Take(std::string_view record, unsigned int number) {
-    const FieldView field = FieldOf(store_.GetSchema(), record, index_.attribute);
+    const Field field = FieldOf(store_.GetSchema(), record, index_.attribute);
     if (field.isNull) return;
     char type = store_.GetSchema().Columns()[index_.attribute].type;
     Image key = TableKey(index_, type, field.image);
@@ -119,7 +119,7 @@ unsigned int HashKey(char type, std::string_view image) {
       Manager().Hash(type, image.size(), const_cast<char*>(image.data()), 1, kFormatNative, error));
 }
 
-FieldView FieldOf(const Schema& schema, std::string_view record, unsigned long attribute) {
+Field FieldOf(const Schema& schema, std::string_view record, unsigned long attribute) {
   for (unsigned long i = 0; i < attribute; ++i) Record::Take(schema.Columns()[i], record);
   return Record::Take(schema.Columns()[attribute], record);
 }

@@ -25,7 +25,7 @@ bool IsWhole(char type, const Image& key);
 unsigned int HashKey(char type, std::string_view image);
 
 /// One attribute of a record, without taking the others further apart than needed.
-FieldView FieldOf(const Schema& schema, std::string_view record, unsigned long attribute);
+Field FieldOf(const Schema& schema, std::string_view record, unsigned long attribute);
 
 /// Refuses an index whose texts were ordered under other collation data, naming the
 /// command that rebuilds it.

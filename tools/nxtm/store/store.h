@@ -69,7 +69,7 @@ class Store {
   /// a block's checksum is wrong.
   void ForEach(const std::function<void(unsigned int, std::string_view)>& onRecord);
 
-  std::vector<IndexInfo> Indexes() const { return indexes_; }
+  const std::vector<IndexInfo>& Indexes() const { return indexes_; }
   /// The index of an attribute, or null.
   const IndexInfo* FindIndex(unsigned long attribute, bool hash) const;
   void AddIndex(const IndexInfo& index);
