@@ -1,10 +1,11 @@
-Every date, time and blob is stored, loaded, compared, hashed, keyed and bounded.
+Every date, time, reference and blob is stored, loaded, compared, hashed, keyed and bounded.
 
   $ for value in 'NxDateTime 2004-03-15T13:45:07' 'd_Date 2004-03-15' 'd_Time 13:45:07.25+02:00' \
-  >   'd_Timestamp 1999-12-31T00:00:00-05:30' 'd_Interval 93784.5' 'NxBlob 070809'; do
-  >   set -- $value
-  >   for format in 1 2; do nxtm load $1 "$(nxtm store $1 $2 --format $format | tee /dev/stderr)" --format $format; done
-  >   nxtm compare $1 $2 $2; nxtm hash $1 $2; nxtm key $1 $2
+  >   'd_Timestamp 1999-12-31T00:00:00-05:30' 'd_Interval 93784.5' 'NxBlob 070809' \
+  >   'NxObjId (1-42#7)' 'NxClassId (12v2)' 'NxRef (3:1-42#7,_12)'; do
+  >   set -- ${value%% *} "$(tr _ ' ' <<<"${value#* }")"
+  >   for format in 1 2; do nxtm load $1 "$(nxtm store $1 "$2" --format $format | tee /dev/stderr)" --format $format; done
+  >   nxtm compare $1 "$2" "$2"; nxtm hash $1 "$2"; nxtm key $1 "$2"; nxtm bounds $1 '<=' "$2"
   > done 2>&1
   D4 07 03 0F 0D 2D 07
   2004-03-15T13:45:07
@@ -13,6 +14,8 @@ Every date, time and blob is stored, loaded, compared, hashed, keyed and bounded
   0  2004-03-15T13:45:07 = 2004-03-15T13:45:07
   25AF0968
   D4 07 03 0F 0D 2D 07  (2004-03-15T13:45:07)
+  lower     open
+  upper     D4 07 03 0F 0D 2D 07  (2004-03-15T13:45:07)
   D4 07 03 0F
   2004-03-15
   07 D4 03 0F
@@ -20,6 +23,8 @@ Every date, time and blob is stored, loaded, compared, hashed, keyed and bounded
   0  2004-03-15 = 2004-03-15
   1ACDDF63
   D4 07 03 0F  (2004-03-15)
+  lower     open
+  upper     D4 07 03 0F  (2004-03-15)
   02 00 0F 2D 07 19
   13:45:07.25+02:00
   02 00 0F 2D 07 19
@@ -27,6 +32,8 @@ Every date, time and blob is stored, loaded, compared, hashed, keyed and bounded
   0  13:45:07.25+02:00 = 13:45:07.25+02:00
   F9AA43B5
   02 00 0F 2D 07 19  (13:45:07.25+02:00)
+  lower     open
+  upper     02 00 0F 2D 07 19  (13:45:07.25+02:00)
   CF 07 0C 1F FB E2 FB E2 00 00
   1999-12-31T00:00:00-05:30
   07 CF 0C 1F FB E2 FB E2 00 00
@@ -34,6 +41,8 @@ Every date, time and blob is stored, loaded, compared, hashed, keyed and bounded
   0  1999-12-31T00:00:00-05:30 = 1999-12-31T00:00:00-05:30
   DBA88533
   CF 07 0C 1F FB E2 FB E2 00 00  (1999-12-31T00:00:00-05:30)
+  lower     open
+  upper     CF 07 0C 1F FB E2 FB E2 00 00  (1999-12-31T00:00:00-05:30)
   40 2C B7 47
   93784.5
   47 B7 2C 40
@@ -41,6 +50,8 @@ Every date, time and blob is stored, loaded, compared, hashed, keyed and bounded
   0  93784.5 = 93784.5
   D1F95740
   40 2C B7 47  (93784.5)
+  lower     open
+  upper     40 2C B7 47  (93784.5)
   07 00 00 00 03 00 00 00 07 08 09
   070809
   00 00 00 07 00 00 00 03 07 08 09
@@ -48,6 +59,35 @@ Every date, time and blob is stored, loaded, compared, hashed, keyed and bounded
   0  070809 = 070809
   CC6C24FB
   07 00 00 00 03 00 00 00 07 08 09  (070809)
+  lower     open
+  upper     open
+  07 00 00 00 2A 00 00 00 01 00
+  (1-42#7)
+  00 00 00 07 00 00 00 2A 00 01
+  (1-42#7)
+  0  (1-42#7) = (1-42#7)
+  0C4F2C4F
+  07 00 00 00 2A 00 00 00 01 00  ((1-42#7))
+  lower     open
+  upper     07 00 00 00 2A 00 00 00 01 00  ((1-42#7))
+  0C 00 02 00
+  (12v2)
+  00 0C 00 02
+  (12v2)
+  0  (12v2) = (12v2)
+  98D849F6
+  0C 00 02 00  ((12v2))
+  lower     open
+  upper     open
+  07 00 00 00 2A 00 00 00 01 00 03 00 0C 00
+  (3:1-42#7, 12)
+  00 00 00 07 00 00 00 2A 00 01 00 03 00 0C
+  (3:1-42#7, 12)
+  0  (3:1-42#7, 12) = (3:1-42#7, 12)
+  46FC4108
+  07 00 00 00 2A 00 00 00 01 00 03 00 0C 00  ((3:1-42#7, 12))
+  lower     open
+  upper     07 00 00 00 2A 00 00 00 01 00 03 00 0C 00  ((3:1-42#7, 12))
 
 The library's texts, and what it reads.
 
@@ -151,6 +191,30 @@ Formats that do not fit.
   [2]
   $ schema 'a NxDate format="%d'
   nxtm: s:1:10: the quote does not end
+  [2]
+
+References in their own form or another.
+
+  $ printf 'a NxRef nullable\nb NxObjId format=%%H.%%L.%%B\nc NxClassId\n' >s
+  $ printf '"(3:0-42#7, 12)",1.2.3,(12v2)\n,0.1.0,(0v0)\n' >d
+  $ nxtm import s d refs >log
+  $ nxtm export refs | cmp - d
+  $ nxtm query refs 'b = 1.2.0'
+  "(3:0-42#7, 12)",1.2.3,(12v2)
+  $ nxtm query refs 'a is null'
+  ,0.1.0,(0v0)
+  $ try() { echo "$1" >d; nxtm import s d refs; }
+  $ try '"(a:b-c#d, e)",1.2.3,(12v2)'
+  nxtm: d:1:1: column 'a': '(a:b-c#d, e)' stands for null
+  [2]
+  $ try '"(3:0-42#7, 70000)",1.2.3,(12v2)'
+  nxtm: d:1:1: column 'a': '(3:0-42#7, 70000)' is no NxRef under '(%D:%H-%L#%B, %C)': it reads as '(3:0-42#7, 4464)'
+  [2]
+  $ try '"(3:0-42#7, 12)",1.2,(12v2)'
+  nxtm: d:1:18: column 'b': '1.2' is no NxObjId under '%H.%L.%B': it reads as '1.2.0'
+  [2]
+  $ try '"(3:0-42#7, 12)",1.2.3,(65535v65535)'
+  nxtm: d:1:24: column 'c': '(65535v65535)' stands for null
   [2]
 
 Blobs come from files beside the table, and go to files.
