@@ -76,7 +76,7 @@ void Measure(const std::filesystem::path& folder) {
     std::ofstream(schema) << kColumns[i].schema;
     in[i] = BestSeconds([&] {
       std::filesystem::remove(store);
-      nxtm::Import(schema, data, store, false);
+      nxtm::Import(schema, data, store);
     });
     out[i] = BestSeconds([&] { nxtm::Export(store, false); });
   }

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "store/lock.h"
+
 namespace nxtm {
 
 /// How the looking commands read and write.
@@ -39,13 +41,20 @@ void ShowScanned(const std::string& type, const std::string& text, const LookOpt
 
 // Working on stores.
 
+struct ImportOptions {
+  bool header = false;  // the first row names the columns
+  Wait wait = Wait::kForever;
+};
 void Import(const std::string& schemaFile, const std::string& dataFile, const std::string& storeFile,
-            bool header);
+            const ImportOptions& options = {});
 /// Blobs go to new files of a folder where one is named.
 void Export(const std::string& storeFile, bool header, const std::string& blobFolder = "");
 void Check(const std::string& storeFile);
-void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash);
-void Reindex(const std::string& storeFile);
+void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash,
+               Wait wait = Wait::kForever);
+void Reindex(const std::string& storeFile, Wait wait);
+void DropIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait);
+void Compact(const std::string& storeFile, Wait wait);
 
 struct QueryOptions {
   bool explain = false;     // tell estimates, bounds and what was read

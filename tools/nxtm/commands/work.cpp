@@ -117,18 +117,23 @@ class Importer {
   std::vector<Field> fields_;
 };
 
-std::unique_ptr<Store> OpenForImport(const std::string& schemaFile, const std::string& storeFile) {
+/// A damaged store would only be damaged further.
+void RequireSound(Store& store) {
+  store.ForEach([](unsigned int, std::string_view) {});
+  for (const IndexInfo& index : store.Indexes()) {
+    if (!index.IsMade()) continue;
+    RequireCurrent(store, index);
+    WalkIndex(store, index);
+  }
+}
+
+std::unique_ptr<Store> OpenForImport(const std::string& schemaFile, const std::string& storeFile, Wait wait) {
   Schema schema = Schema::Read(schemaFile);
-  if (!Store::Exists(storeFile)) return Store::Create(storeFile, schema);
-  auto store = Store::Open(storeFile, Store::Mode::kWrite);
+  auto store = Store::OpenOrCreate(storeFile, schema, wait);
+  if (store->IsNew()) return store;
   if (store->GetSchema().Text() != schema.Text())
     throw Failure(storeFile + ": has another schema than " + schemaFile + ":\n" + store->GetSchema().Text());
-  // A damaged store would only be damaged further.
-  store->ForEach([](unsigned int, std::string_view) {});
-  for (const IndexInfo& index : store->Indexes()) {
-    RequireCurrent(*store, index);
-    WalkIndex(*store, index);
-  }
+  RequireSound(*store);
   return store;
 }
 
@@ -228,14 +233,14 @@ void Explain(const Store& store, const QueryReport& report, double seconds) {
 }  // namespace
 
 void Import(const std::string& schemaFile, const std::string& dataFile, const std::string& storeFile,
-            bool header) {
+            const ImportOptions& options) {
   Stopwatch watch;
-  auto store = OpenForImport(schemaFile, storeFile);
+  auto store = OpenForImport(schemaFile, storeFile, options.wait);
   std::string data = ReadFile(dataFile);
   unsigned long before = store->Count();
   Importer importer(*store, dataFile);
   Progress progress("importing", data.size());
-  bool headerNext = header;
+  bool headerNext = options.header;
   ReadCsv(data, dataFile, EmptyLineOf(store->GetSchema()), [&](const CsvRow& row) {
     if (headerNext)
       importer.TakeHeader(row);
@@ -287,15 +292,17 @@ void Check(const std::string& storeFile) {
   });
   std::printf("%lu records: sound\n", store->Count());
   for (const IndexInfo& index : store->Indexes()) {
-    unsigned long entries = CheckIndex(*store, index);
-    std::printf("%s index of %s, %lu entries: sound\n", index.hash ? "hash" : "ordered",
-                store->GetSchema().Columns()[index.attribute].name.c_str(), entries);
+    const std::string found = index.IsMade()
+                                  ? ", " + std::to_string(CheckIndex(*store, index)) + " entries: sound"
+                                  : ": emptied, to be made anew by nxtm reindex";
+    std::printf("%s index of %s%s\n", index.hash ? "hash" : "ordered",
+                store->GetSchema().Columns()[index.attribute].name.c_str(), found.c_str());
   }
 }
 
-void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash) {
+void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait) {
   Stopwatch watch;
-  auto store = Store::Open(storeFile, Store::Mode::kWrite);
+  auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
   const unsigned long place = store->GetSchema().Find(attribute);
   if (!hash && FormOf(store->GetSchema().Columns()[place].type).kind == Kind::kBlob)
     throw Failure("blobs have no ordered index; --hash makes one for exact matches");
@@ -305,13 +312,31 @@ void MakeIndex(const std::string& storeFile, const std::string& attribute, bool 
               watch.Seconds(), static_cast<double>(store->FileSize()) / 1e6);
 }
 
-void Reindex(const std::string& storeFile) {
+void Reindex(const std::string& storeFile, Wait wait) {
   Stopwatch watch;
-  auto store = Store::Open(storeFile, Store::Mode::kWrite);
-  for (const IndexInfo& index : store->Indexes()) BuildIndex(*store, index);
-  unsigned long made = store->Indexes().size();
+  auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
+  RebuildIndexes(*store);
+  const unsigned long made = store->Indexes().size();
   store->Commit();
   std::printf("%lu indexes rebuilt in %.2f s\n", made, watch.Seconds());
+}
+
+void DropIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait) {
+  auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
+  const unsigned long place = store->GetSchema().Find(attribute);
+  if (!store->DropIndex({place, hash, 0}))
+    throw Failure(storeFile + ": there is no " + (hash ? "hash" : "ordered") + " index of " + attribute);
+  store->Commit();
+  std::printf("%s index of %s dropped\n", hash ? "hash" : "ordered", attribute.c_str());
+}
+
+void Compact(const std::string& storeFile, Wait wait) {
+  auto store = Store::Open(storeFile, Store::Mode::kAlone, wait);
+  const unsigned long long before = store->FileSize();
+  RequireSound(*store);
+  store->Compact();
+  std::printf("%.2f MB, %.2f MB before\n", static_cast<double>(store->FileSize()) / 1e6,
+              static_cast<double>(before) / 1e6);
 }
 
 void Query(const std::string& storeFile, const std::string& condition, const QueryOptions& options) {

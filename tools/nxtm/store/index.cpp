@@ -160,10 +160,23 @@ void BuildIndex(Store& store, const IndexInfo& index) {
   store.AddIndex({index.attribute, index.hash, NxCollationVersion()});
 }
 
+void RebuildIndexes(Store& store) {
+  const std::vector<IndexInfo> indexes = store.Indexes();
+  for (IndexInfo index : indexes) {
+    WalkIndex(store, index);
+    store.IndexTable(index, true);
+    if (HasApart(store, index)) store.ApartTable(index, true);
+    index.collation = kEmptied;
+    store.AddIndex(index);
+  }
+  store.Checkpoint();  // the pages of the old ones serve the new ones
+  for (const IndexInfo& index : indexes) BuildIndex(store, index);
+}
+
 void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& fields) {
   for (const IndexInfo& index : store.Indexes()) {
     const Field& field = fields[index.attribute];
-    if (field.isNull) continue;
+    if (field.isNull || !index.IsMade()) continue;
     char type = store.GetSchema().Columns()[index.attribute].type;
     Image key = TableKey(index, type, field.image);
     if (index.hash || IsWhole(type, key))

@@ -36,6 +36,8 @@ void RequireCurrent(const Store& store, const IndexInfo& index);
 void WalkIndex(Store& store, const IndexInfo& index);
 /// Fills an index anew from the records.
 void BuildIndex(Store& store, const IndexInfo& index);
+/// Drops every index, and makes it anew.
+void RebuildIndexes(Store& store);
 /// Adds a record that was appended to every index of the store.
 void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& fields);
 /// Compares an index with the records, both ways. Throws a Failure at the first
