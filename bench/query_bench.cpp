@@ -67,7 +67,7 @@ void MeasureImport(const Directory& directory) {
   Write(directory.File("words.schema"), "word NxString language=german\n");
   const std::string store = directory.File("words");
   const auto start = std::chrono::steady_clock::now();
-  nxtm::Import(directory.File("words.schema"), kList, store, false);
+  nxtm::Import(directory.File("words.schema"), kList, store);
   const double seconds = Seconds(start);
   const double size = static_cast<double>(std::filesystem::file_size(store));
   std::printf("  import in %.2f s (at most 2), store %.2f times the text (at most 3)\n", seconds,
@@ -172,7 +172,7 @@ void MeasureEstimates(const Directory& directory, const std::vector<std::string>
   Write(directory.File("schema"), "word NxString language=german\nnumber long\nreal double\nday NxDate\n");
   Write(directory.File("rows"), rows);
   const std::string file = directory.File("estimates");
-  nxtm::Import(directory.File("schema"), directory.File("rows"), file, false);
+  nxtm::Import(directory.File("schema"), directory.File("rows"), file);
   for (const char* name : {"word", "number", "real", "day"}) nxtm::MakeIndex(file, name, false);
 
   const auto store = Store::Open(file, Store::Mode::kRead);

@@ -1,8 +1,13 @@
 // nxtm: the workbench of the type manager. Looks at types, images and keys, and keeps
 // a small object store in which the library does all that it does for an engine.
 
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 #include "commands/commands.h"
 #include "data/failure.h"
@@ -14,22 +19,30 @@ using namespace nxtm;
 
 /// What the command line gives; one field serves every command that has it.
 struct Arguments {
-  std::string type, text, other, relation, low, high, hex, schema, data, store, attribute, condition;
+  std::string type, text, other, relation, low, high, hex, schema, data, store, attribute, condition,
+      blobFolder;
   std::vector<std::string> texts;
   LookOptions look;
   QueryOptions query;
-  bool hash = false, header = false;
+  ImportOptions import;
+  bool hash = false, header = false, noWait = false;
+
+  Wait WaitOrNot() const { return noWait ? Wait::kNever : Wait::kForever; }
 };
+
+void AddTextOptions(CLI::App* command, LookOptions& look) {
+  command->add_option("--language", look.language, "language of texts, by name or number")
+      ->capture_default_str();
+  command->add_option("--codeset", look.codeSet, "code set of texts (0: Latin-1 where it does, else Unicode)")
+      ->capture_default_str();
+}
 
 void AddImageOptions(CLI::App* command, LookOptions& look) {
   command
       ->add_option("--format", look.format,
                    "format byte of the images (1: this machine's order, 2: the other)")
       ->capture_default_str();
-  command->add_option("--language", look.language, "language of texts, by name or number")
-      ->capture_default_str();
-  command->add_option("--codeset", look.codeSet, "code set of texts (0: Latin-1 where it does, else Unicode)")
-      ->capture_default_str();
+  AddTextOptions(command, look);
 }
 
 void AddCompareOptions(CLI::App* command, LookOptions& look) {
@@ -87,27 +100,51 @@ void AddLookingCommands(CLI::App& app, Arguments& a) {
   AddCompareOptions(bounds, a.look);
   bounds->callback([&] { ShowBounds(a.type, a.relation, a.text, a.low, a.high, a.look); });
 
+  auto* print = app.add_subcommand("print", "the text of a value under a format");
+  print->add_option("TYPE", a.type)->required();
+  print->add_option("VALUE", a.text)->required();
+  print->add_option("--format", a.look.textFormat, "directives of the type; default: its own format");
+  AddTextOptions(print, a.look);
+  print->callback([&] { ShowPrinted(a.type, a.text, a.look); });
+
+  auto* scan = app.add_subcommand("scan", "the value that a text has under a format");
+  scan->add_option("TYPE", a.type)->required();
+  scan->add_option("TEXT", a.text)->required();
+  scan->add_option("--format", a.look.textFormat, "directives of the type; default: its own format");
+  AddTextOptions(scan, a.look);
+  scan->callback([&] { ShowScanned(a.type, a.text, a.look); });
+
   auto* order = app.add_subcommand("order", "collation order values of a text");
   order->add_option("TEXT", a.text)->required();
   AddImageOptions(order, a.look);
   order->callback([&] { ShowOrder(a.text, a.look); });
 }
 
+void AddWritingOption(CLI::App* command, Arguments& a) {
+  command->add_flag("--no-wait", a.noWait, "fail when another process is using the store");
+}
+
 void AddWorkingCommands(CLI::App& app, Arguments& a) {
   auto* importing = app.add_subcommand("import", "add the rows of a CSV file to a store, all or none");
   importing
-      ->add_option("SCHEMA", a.schema, "a line per column: name type [nullable] [language=L] [codeset=C]")
+      ->add_option("SCHEMA", a.schema,
+                   "a line per column: name type [nullable] [format=F] [language=L] [codeset=C]")
       ->required();
   importing->add_option("DATA", a.data, "CSV in UTF-8; a field that is empty and not quoted is null")
       ->required();
   importing->add_option("STORE", a.store)->required();
-  importing->add_flag("--header", a.header, "the first row names the columns");
-  importing->callback([&] { Import(a.schema, a.data, a.store, a.header); });
+  importing->add_flag("--header", a.import.header, "the first row names the columns");
+  AddWritingOption(importing, a);
+  importing->callback([&] {
+    a.import.wait = a.WaitOrNot();
+    Import(a.schema, a.data, a.store, a.import);
+  });
 
   auto* exporting = app.add_subcommand("export", "print the records of a store as CSV");
   exporting->add_option("STORE", a.store)->required();
   exporting->add_flag("--header", a.header, "print the names of the columns first");
-  exporting->callback([&] { Export(a.store, a.header); });
+  exporting->add_option("--blobs", a.blobFolder, "write blobs to new files of a folder, and their names");
+  exporting->callback([&] { Export(a.store, a.header, a.blobFolder); });
 
   auto* check = app.add_subcommand("check", "walk every record and every index entry, both ways");
   check->add_option("STORE", a.store)->required();
@@ -117,11 +154,25 @@ void AddWorkingCommands(CLI::App& app, Arguments& a) {
   index->add_option("STORE", a.store)->required();
   index->add_option("ATTRIBUTE", a.attribute)->required();
   index->add_flag("--hash", a.hash, "by hash, for exact matches, in place of ordered");
-  index->callback([&] { MakeIndex(a.store, a.attribute, a.hash); });
+  AddWritingOption(index, a);
+  index->callback([&] { MakeIndex(a.store, a.attribute, a.hash, a.WaitOrNot()); });
 
   auto* reindex = app.add_subcommand("reindex", "rebuild every index of a store");
   reindex->add_option("STORE", a.store)->required();
-  reindex->callback([&] { Reindex(a.store); });
+  AddWritingOption(reindex, a);
+  reindex->callback([&] { Reindex(a.store, a.WaitOrNot()); });
+
+  auto* drop = app.add_subcommand("drop", "remove an index of an attribute");
+  drop->add_option("STORE", a.store)->required();
+  drop->add_option("ATTRIBUTE", a.attribute)->required();
+  drop->add_flag("--hash", a.hash, "the one by hash, in place of the ordered one");
+  AddWritingOption(drop, a);
+  drop->callback([&] { DropIndex(a.store, a.attribute, a.hash, a.WaitOrNot()); });
+
+  auto* compact = app.add_subcommand("compact", "give the free pages of a store back");
+  compact->add_option("STORE", a.store)->required();
+  AddWritingOption(compact, a);
+  compact->callback([&] { Compact(a.store, a.WaitOrNot()); });
 
   auto* query = app.add_subcommand("query", "print the records that a condition selects");
   query->add_option("STORE", a.store)->required();
@@ -132,11 +183,25 @@ void AddWorkingCommands(CLI::App& app, Arguments& a) {
   query->add_flag("--count", a.query.count, "print the number of records only");
   query->add_option("--limit", a.query.limit, "print at most so many records");
   query->callback([&] { Query(a.store, a.condition, a.query); });
-}  // namespace
+}
+
+/// Whether the command that was given changes a store.
+bool WritesToStore(const CLI::App& app) {
+  const std::vector<CLI::App*> given = app.get_subcommands();
+  return !given.empty() && given[0]->get_option_no_throw("--no-wait") != nullptr;
+}
+
+/// The library goes on without a configuration that cannot be read, and says nothing.
+void WarnOfMissingConfiguration() {
+  const char* file = std::getenv("NX21_CONFIG");
+  if (file && access(file, R_OK) != 0)
+    std::fprintf(stderr, "nxtm: warning: NX21_CONFIG names %s: %s\n", file, std::strerror(errno));
+}
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  WarnOfMissingConfiguration();
   ___NxTypemgrContext(1);
   Arguments arguments;
   CLI::App app("Workbench of the type manager");
@@ -154,8 +219,10 @@ int main(int argc, char** argv) {
     status = 2;
   }
   if ((std::fflush(stdout) != 0 || std::ferror(stdout)) && status == 0) {
-    std::fprintf(stderr, "nxtm: the output cannot be written\n");
-    status = 2;
+    // What is written to a store is there, whatever becomes of the line that says so.
+    const bool kept = WritesToStore(app);
+    std::fprintf(stderr, "nxtm: the output cannot be written%s\n", kept ? "; the store is" : "");
+    status = kept ? 0 : 2;
   }
   ___NxTypemgrContext(0);
   return status;

@@ -3,14 +3,18 @@
 #ifndef NXTM_COMMANDS_H
 #define NXTM_COMMANDS_H
 
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "store/lock.h"
 
 namespace nxtm {
 
 /// How the looking commands read and write.
 struct LookOptions {
-  unsigned int format = 1;  // format byte of the images
+  unsigned int format = 1;                // format byte of the images
+  std::optional<std::string> textFormat;  // of the library's print and scan functions
   std::string language = "1";
   std::string codeSet = "0";  // of texts; 0 chooses
   bool ignoreCase = false, ignoreAccents = false, skipSpaces = false, skipSymbols = false;
@@ -30,15 +34,27 @@ void ShowKey(const std::string& type, const std::string& text, const LookOptions
 void ShowBounds(const std::string& type, const std::string& relation, const std::string& text,
                 const std::string& low, const std::string& high, const LookOptions& options);
 void ShowOrder(const std::string& text, const LookOptions& options);
+/// The library's text of a value under a format, and the value that it reads from a text;
+/// without a format under the type's own.
+void ShowPrinted(const std::string& type, const std::string& value, const LookOptions& options);
+void ShowScanned(const std::string& type, const std::string& text, const LookOptions& options);
 
 // Working on stores.
 
+struct ImportOptions {
+  bool header = false;  // the first row names the columns
+  Wait wait = Wait::kForever;
+};
 void Import(const std::string& schemaFile, const std::string& dataFile, const std::string& storeFile,
-            bool header);
-void Export(const std::string& storeFile, bool header);
+            const ImportOptions& options = {});
+/// Blobs go to new files of a folder where one is named.
+void Export(const std::string& storeFile, bool header, const std::string& blobFolder = "");
 void Check(const std::string& storeFile);
-void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash);
-void Reindex(const std::string& storeFile);
+void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash,
+               Wait wait = Wait::kForever);
+void Reindex(const std::string& storeFile, Wait wait);
+void DropIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait);
+void Compact(const std::string& storeFile, Wait wait);
 
 struct QueryOptions {
   bool explain = false;     // tell estimates, bounds and what was read

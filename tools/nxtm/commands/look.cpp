@@ -5,8 +5,10 @@
 
 #include "commands/commands.h"
 #include "data/failure.h"
+#include "data/utf8.h"
 #include "data/value.h"
 #include "nxlang.h"
+#include "query/query.h"
 #include "store/index.h"
 
 namespace nxtm {
@@ -17,26 +19,17 @@ namespace {
 struct Look {
   Look(const std::string& typeName, const LookOptions& options)
       : type(FindType(typeName)),
-        style{FindCodeSet(options.codeSet), FindLanguage(options.language)},
+        style{FindCodeSet(options.codeSet), FindLanguage(options.language), "", ""},
         format(static_cast<unsigned char>(options.format)) {
     if (options.format > 255) throw Failure("a format byte is at most 255");
-    if ((options.format & kFormatCodeMask) == kFormatMemory)
-      throw Failure("format code 8 is the form in memory, not an image");
-    if (!IsUsable(type)) throw Failure("values of type " + typeName + " cannot be written as text yet");
+    if (options.format & kFormatMemory)
+      throw Failure("format bytes with bit 3 are forms in memory, not of images");
   }
 
   Image ImageOf(const std::string& text) const {
-    return ImageOfText(type, text, style, format, Pattern::kFields);
+    return Converter(type, style).ToImage(text, format, Pattern::kFields);
   }
-  Image KeyOf(const std::string& text) const {
-    Image image = ImageOf(text);
-    if (!IsText(type)) return image;
-    Image key(NxINDEX_MAX_KEYLEN, '\0');
-    int size = Manager().Translate(type, key.data(), format | kFormatKey, key.size(), image.data(), format,
-                                   image.size(), 1);
-    key.resize(static_cast<unsigned>(size));
-    return key;
-  }
+  Image KeyOf(const std::string& text) const { return OrderedKey(type, ImageOf(text), format); }
 
   char type;
   TextStyle style;
@@ -83,18 +76,15 @@ std::string DescribeKey(char type, const Image& key, unsigned char format) {
                         key.size(), 1);
     text += "  (" + OrderNames(s) + ")";
   } else if (!IsText(type)) {
-    text += "  (" + TextOfImage(type, key, format).text + ")";
+    text += "  (" + Converter(type).ToText(key, format).text + ")";
   }
   return text;
 }
 
 unsigned short ParseRelation(const std::string& sign) {
-  static const struct {
-    const char* sign;
-    unsigned short relation;
-  } kRelations[] = {{"=", 1}, {"<", 2}, {"<=", 3}, {">", 4}, {">=", 5}, {"!=", 6}, {"<>", 6}};
-  for (const auto& r : kRelations)
-    if (sign == r.sign) return r.relation;
+  unsigned long length = 0;
+  const unsigned short relation = RelationAt(sign, length);
+  if (relation != 0 && length == sign.size()) return relation;
   throw Failure("'" + sign + "' is no relation (=, !=, <, <=, >, >=)");
 }
 
@@ -116,7 +106,7 @@ void ShowStored(const std::string& type, const std::vector<std::string>& texts, 
 
 void ShowLoaded(const std::string& type, const std::string& hex, const LookOptions& options) {
   Look look(type, options);
-  TextOfValue value = TextOfImage(look.type, FromHex(hex), look.format);
+  const TextOfValue value = Converter(look.type).ToText(FromHex(hex), look.format);
   std::printf("%s\n", value.isNull ? "{NULL}" : value.text.c_str());
 }
 
@@ -171,12 +161,24 @@ void ShowBounds(const std::string& type, const std::string& relation, const std:
 
 void ShowOrder(const std::string& text, const LookOptions& options) {
   Look look("NxString", options);
-  NxString s = StringOfUtf8(text, look.style);
+  NxString s = StringOfUtf8(text, look.style.codeSet, look.style.language);
   NxStringIterator it(s);
   while (unsigned short order = it.GetNextOrder(1))
     std::printf("%04X  key %08lX  %s\n", order,
                 static_cast<unsigned long>(GetCompareFromOrder(order, it._nCollation)),
                 OrderName(order, it._nCollation).c_str());
+}
+
+void ShowPrinted(const std::string& type, const std::string& value, const LookOptions& options) {
+  const Look look(type, options);
+  const char* format = options.textFormat ? options.textFormat->c_str() : nullptr;
+  std::printf("%s\n", PrintedText(look.type, value, look.style, format).c_str());
+}
+
+void ShowScanned(const std::string& type, const std::string& text, const LookOptions& options) {
+  const Look look(type, options);
+  const char* format = options.textFormat ? options.textFormat->c_str() : nullptr;
+  std::printf("%s\n", ScannedText(look.type, text, look.style, format).c_str());
 }
 
 }  // namespace nxtm

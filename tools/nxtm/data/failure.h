@@ -19,6 +19,23 @@ inline Failure FailureAt(const std::string& file, unsigned long line, unsigned l
   return Failure(file + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " + reason);
 }
 
+/// A text as a message quotes it: on one line, and no longer than a line.
+inline std::string Shown(const std::string& text) {
+  constexpr unsigned long kLongest = 60;
+  static const char kDigits[] = "0123456789ABCDEF";
+  std::string shown = "'";
+  for (unsigned long i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const bool beginsCharacter = (byte & 0xC0) != 0x80;
+    if (i >= kLongest && beginsCharacter) return shown + "...'";
+    if (byte < ' ')
+      shown += {'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]};
+    else
+      shown += text[i];
+  }
+  return shown + "'";
+}
+
 }  // namespace nxtm
 
 #endif

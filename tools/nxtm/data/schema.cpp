@@ -3,10 +3,9 @@
 #include "data/schema.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <memory>
 
 #include "data/failure.h"
+#include "data/file.h"
 
 namespace nxtm {
 
@@ -15,17 +14,37 @@ namespace {
 struct Word {
   std::string text;
   unsigned long column;  // from 1
+  bool closed = true;    // false when its quote does not end
 };
 
+/// The words of a line up to a comment. Quotes around a part of a word are taken off.
 std::vector<Word> SplitWords(const std::string& line) {
+  const std::string blanks = " \t\r";
   std::vector<Word> words;
-  for (unsigned long i = 0; i < line.size() && line[i] != '#';) {
-    unsigned long start = line.find_first_not_of(" \t\r", i);
-    if (start == std::string::npos || line[start] == '#') break;
-    i = std::min(line.find_first_of(" \t\r#", start), line.size());
-    words.push_back({line.substr(start, i - start), start + 1});
+  bool inWord = false, quoted = false;
+  for (unsigned long i = 0; i < line.size() && (quoted || line[i] != '#'); ++i) {
+    const char c = line[i];
+    if (!quoted && blanks.find(c) != std::string::npos) {
+      inWord = false;
+      continue;
+    }
+    if (!inWord) words.push_back({"", i + 1});
+    inWord = true;
+    const bool doubled = quoted && c == '"' && line.compare(i, 2, "\"\"") == 0;
+    if (c == '"' && !doubled)
+      quoted = !quoted;
+    else
+      words.back().text += c;
+    if (doubled) ++i;
   }
+  if (quoted) words.back().closed = false;
   return words;
+}
+
+std::string Quoted(const std::string& text) {
+  std::string quoted = "\"";
+  for (char c : text) quoted += c == '"' ? std::string(2, c) : std::string(1, c);
+  return quoted + '"';
 }
 
 bool IsName(const std::string& text) {
@@ -34,17 +53,52 @@ bool IsName(const std::string& text) {
          std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isalnum(c) || c == '_'; });
 }
 
-void ApplyOption(Column& column, const std::string& word) {
-  bool isText = column.type == kStringTypeId;
-  if (word == "nullable")
+/// What follows `prefix` in a word; null when the word begins otherwise.
+const char* ValueOf(const Word& word, const std::string& prefix) {
+  return word.text.rfind(prefix, 0) == 0 ? word.text.c_str() + prefix.size() : nullptr;
+}
+
+void ApplyOption(Column& column, const Word& word) {
+  const bool isText = column.type == kStringTypeId;
+  const char* value = nullptr;
+  if (word.text == "nullable")
     column.nullable = true;
-  else if (isText && word.rfind("language=", 0) == 0)
-    column.style.language = FindLanguage(word.substr(9));
-  else if (isText && word.rfind("codeset=", 0) == 0)
-    column.style.codeSet = FindCodeSet(word.substr(8));
+  else if (isText && (value = ValueOf(word, "language=")))
+    column.style.language = FindLanguage(value);
+  else if (isText && (value = ValueOf(word, "codeset=")))
+    column.style.codeSet = FindCodeSet(value);
+  else if (!isText && (value = ValueOf(word, "format=")) && *value)
+    Converter(column.type, column.style = {0, 1, value, ""});
   else
-    throw Failure("'" + word + "' is no option of a column of type " +
+    throw Failure("'" + word.text + "' is no option of a column of type " +
                   Manager().NameGet(column.type, nullptr));
+}
+
+/// A column whose type and options are known gets the form that it is stored in.
+void ChooseStoredForm(Column& column) {
+  if (FindType(FormOf(column.type).type) != column.type)
+    column.nullable = true;  // a nullable type by its own name
+  if (!column.nullable) return;
+  column.type = NullableTypeOf(column.type);
+  if (Manager().SupportsNullValue(column.type)) column.nullImage = NullImage(column.type);
+}
+
+Column ParseColumn(const std::vector<Word>& words, Word& place) {
+  Column column;
+  place = words[0];
+  column.name = words[0].text;
+  if (!IsName(column.name)) throw Failure("'" + column.name + "' is not a name");
+  if (words.size() < 2) throw Failure("column '" + column.name + "' has no type");
+  place = words[1];
+  column.type = FindType(words[1].text);
+  FormOf(column.type);  // a type without one has no columns
+  for (unsigned long i = 2; i < words.size(); ++i) {
+    place = words[i];
+    if (!words[i].closed) throw Failure("the quote does not end");
+    ApplyOption(column, words[i]);
+  }
+  ChooseStoredForm(column);
+  return column;
 }
 
 }  // namespace
@@ -53,27 +107,18 @@ Schema Schema::Parse(const std::string& text, const std::string& file) {
   Schema schema;
   unsigned long number = 0;
   for (unsigned long at = 0; at < text.size();) {
-    unsigned long end = std::min(text.find('\n', at), text.size());
-    std::vector<Word> words = SplitWords(text.substr(at, end - at));
+    const unsigned long end = std::min(text.find('\n', at), text.size());
+    const std::vector<Word> words = SplitWords(text.substr(at, end - at));
     at = end + 1;
     ++number;
     if (words.empty()) continue;
-    Word place = words[0];
+    Word place;
     try {
-      Column column;
-      column.name = words[0].text;
-      if (!IsName(column.name)) throw Failure("'" + column.name + "' is not a name");
+      Column column = ParseColumn(words, place);
+      place = words[0];
       for (const Column& other : schema.columns_)
         if (other.name == column.name) throw Failure("column '" + column.name + "' is there already");
-      if (words.size() < 2) throw Failure("column '" + column.name + "' has no type");
-      place = words[1];
-      column.type = FindType(words[1].text);
-      if (!IsUsable(column.type)) throw Failure("values of type " + words[1].text + " cannot be stored yet");
-      for (unsigned long i = 2; i < words.size(); ++i) {
-        place = words[i];
-        ApplyOption(column, words[i].text);
-      }
-      schema.columns_.push_back(column);
+      schema.columns_.push_back(std::move(column));
     } catch (const Failure& failure) {
       throw FailureAt(file, number, place.column, failure.what());
     }
@@ -87,12 +132,13 @@ Schema Schema::Read(const std::string& file) { return Parse(ReadFile(file), file
 std::string Schema::Text() const {
   std::string text;
   for (const Column& column : columns_) {
-    text += column.name + " " + Manager().NameGet(column.type, nullptr);
+    text += column.name + " " + FormOf(column.type).type;
     if (column.nullable) text += " nullable";
     if (column.type == kStringTypeId) {
       text += " language=" + std::to_string(column.style.language);
       if (column.style.codeSet) text += " codeset=" + std::to_string(column.style.codeSet);
     }
+    if (!column.style.format.empty()) text += " format=" + Quoted(column.style.format);
     text += "\n";
   }
   return text;
@@ -107,47 +153,37 @@ unsigned long Schema::Find(const std::string& name) const {
   throw Failure("there is no attribute '" + name + "' (" + names + ")");
 }
 
-void Record::Split(const Schema& schema, std::string_view bytes, std::vector<Field>& fields) {
-  fields.resize(schema.Columns().size());
-  auto field = fields.begin();
-  for (const Column& column : schema.Columns()) {
-    bool nullByte = column.HasNullByte();
-    field->isNull = false;
-    field->image.clear();
-    if (nullByte) {
-      if (bytes.empty() || static_cast<unsigned char>(bytes[0]) > 1)
-        throw Failure("attribute '" + column.name + "' is damaged");
-      field->isNull = bytes[0] == 1;
-      bytes.remove_prefix(1);
-    }
-    if (!field->isNull) {
-      unsigned long size = ImageSize(column.type, bytes);
-      if (size == 0) throw Failure("attribute '" + column.name + "' is damaged");
-      field->image.assign(bytes.data(), size);
-      bytes.remove_prefix(size);
-      if (column.nullable && !nullByte) field->isNull = field->image == NullImage(column.type);
-    }
-    ++field;
+Field Record::Take(const Column& column, std::string_view& bytes) {
+  Field field;
+  if (column.HasNullByte()) {
+    if (bytes.empty() || static_cast<unsigned char>(bytes[0]) > 1)
+      throw Failure("attribute '" + column.name + "' is damaged");
+    field.isNull = bytes[0] == 1;
+    bytes.remove_prefix(1);
+    if (field.isNull) return field;
   }
+  const unsigned long size = ImageSize(column.type, bytes);
+  if (size == 0) throw Failure("attribute '" + column.name + "' is damaged");
+  field.image = bytes.substr(0, size);
+  field.isNull = column.nullable && field.image == column.nullImage;
+  bytes.remove_prefix(size);
+  return field;
+}
+
+void Record::Split(const Schema& schema, std::string_view bytes, std::vector<Field>& fields) {
+  fields.clear();
+  for (const Column& column : schema.Columns()) fields.push_back(Take(column, bytes));
   if (!bytes.empty()) throw Failure("there are bytes behind the last attribute");
 }
 
-void Record::Append(std::string& bytes, const Column& column, const Field& field) {
-  if (column.HasNullByte()) bytes += field.isNull ? '\1' : '\0';
-  if (!field.isNull)
-    bytes += field.image;
-  else if (!column.HasNullByte())
-    bytes += NullImage(column.type);
+void Record::Append(std::string& bytes, const Column& column, std::string_view image) {
+  if (column.HasNullByte()) bytes += '\0';
+  bytes += image;
 }
 
-std::string ReadFile(const std::string& path) {
-  std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
-  std::string text;
-  char piece[65536];
-  unsigned long n = 0;
-  while (file && (n = std::fread(piece, 1, sizeof piece, file.get())) > 0) text.append(piece, n);
-  if (!file || std::ferror(file.get())) throw Failure(path + ": cannot be read");
-  return text;
+void Record::AppendNull(std::string& bytes, const Column& column) {
+  if (column.HasNullByte()) bytes += '\1';
+  bytes += column.nullImage;
 }
 
 }  // namespace nxtm

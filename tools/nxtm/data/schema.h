@@ -3,11 +3,13 @@
 ///   # the cities
 ///   name        NxString  language=german
 ///   population  long      nullable
+///   founded     NxDate    format="%d.%m.%Y"
 ///   codes       NxString  nullable codeset=253
 ///
-/// A column's name is letters, digits and "_". A nullable column of a type without
-/// a null state is stored with a byte before its image: 1 for null (no image
-/// follows), 0 otherwise.
+/// A column's name is letters, digits and "_". A quoted word may hold blanks; a quote in
+/// it is doubled. A nullable column of a scalar is stored as the scalar's nullable type;
+/// of another type without a null state, with a byte before its image: 1 for null (no
+/// image follows), 0 otherwise.
 #ifndef NXTM_SCHEMA_H
 #define NXTM_SCHEMA_H
 
@@ -20,12 +22,13 @@ namespace nxtm {
 
 struct Column {
   std::string name;
-  char type = 0;
+  char type = 0;  // of its images: of a nullable scalar the nullable type
   bool nullable = false;
   TextStyle style;
+  Image nullImage;  // of the null state of a nullable column's type; empty where it has none
 
   /// Whether a byte before the image tells null.
-  bool HasNullByte() const { return nullable && !Manager().SupportsNullValue(type); }
+  bool HasNullByte() const { return nullable && nullImage.empty(); }
 };
 
 class Schema {
@@ -44,24 +47,24 @@ class Schema {
   std::vector<Column> columns_;
 };
 
-/// One attribute of a record: its stored image, or null.
+/// One attribute where it lies in a record. A null one may have an image, too.
 struct Field {
-  Image image;
+  std::string_view image;
   bool isNull = false;
 };
 
 /// A record is the images of its attributes one after another.
 class Record {
  public:
-  /// Takes a record apart; `fields` may be those of another one, whose memory serves
-  /// again. Throws a Failure that names the attribute whose image is damaged.
+  /// Takes the attribute of a column off the front of a record's bytes. Throws a Failure
+  /// that names the attribute whose image is damaged.
+  static Field Take(const Column& column, std::string_view& bytes);
+  /// Takes a record apart; `fields` may be those of another one. Throws a Failure as Take does.
   static void Split(const Schema& schema, std::string_view bytes, std::vector<Field>& fields);
   /// Appends an attribute to a record under construction.
-  static void Append(std::string& bytes, const Column& column, const Field& field);
+  static void Append(std::string& bytes, const Column& column, std::string_view image);
+  static void AppendNull(std::string& bytes, const Column& column);
 };
-
-/// The whole of a file; a Failure when it cannot be read.
-std::string ReadFile(const std::string& path);
 
 }  // namespace nxtm
 

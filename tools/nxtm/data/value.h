@@ -2,9 +2,11 @@
 #ifndef NXTM_VALUE_H
 #define NXTM_VALUE_H
 
+#include <memory>
 #include <string>
 #include <string_view>
 
+#include "data/textform.h"
 #include "nx21rtms.h"
 
 namespace nxtm {
@@ -17,50 +19,77 @@ NxTypeMgr& Manager();
 
 /// The identifier of a type by its name; a Failure names the types when there is none.
 char FindType(const std::string& name);
-/// Whether the type's values can be stored and written as text here.
-bool IsUsable(char type);
-
-/// How texts of a string type are encoded.
-struct TextStyle {
-  unsigned char codeSet = 0;  // 0: Latin-1 where the text allows it, else Unicode
-  unsigned char language = 1;
-};
-
-/// Longest text that has a stored image, in bytes of its code set.
-constexpr unsigned long kMaxTextBytes = 65531;
-
-/// What the text of a value may hold besides values.
-enum class Pattern {
-  kNone,   // a value
-  kFields  // dates may have "*" in place of a field: any year, month or day
-};
-
-/// The stored image, under format code 1 or 2, of a value written as text:
-///
-///   integers          decimal, within the type's range
-///   float, double     decimal, with exponent; finite
-///   strings           UTF-8
-///   NxDate, NxTime    2004-03-15, 13:45:07
-///   NxBoolean         true, false
-///
-/// Throws a Failure that says what is wrong with the text.
-Image ImageOfText(char type, const std::string& text, const TextStyle& style, unsigned char format = 1,
-                  Pattern pattern = Pattern::kNone);
-/// The image of the type's null value; the type must have a null state.
-Image NullImage(char type, unsigned char format = 1);
+/// The type that holds a type's values and null, or the type itself where there is none.
+char NullableTypeOf(char type);
+/// Whether values of the type are texts, which order by letters.
+bool IsText(char type);
 
 /// A value taken out of its image.
 struct TextOfValue {
   std::string text;  // UTF-8
   bool isNull = false;
 };
-/// The text of an image. A string image must be whole.
-TextOfValue TextOfImage(char type, const Image& image, unsigned char format = 1);
+
+/// A value in memory, made and released by the type manager.
+class Box {
+ public:
+  explicit Box(char type) : type_(type), value_(Manager().DefaultValue(type, 1, 0)) {}
+  Box(const Box&) = delete;
+  Box& operator=(const Box&) = delete;
+  ~Box() { Manager().Delete(type_, value_, 1); }
+
+  void* Get() const { return value_; }
+  Image Store(unsigned char format) const;
+
+ private:
+  char type_;
+  void* value_;
+};
+
+/// Turns the texts of one type and style into stored images and back. It keeps the memory
+/// that this takes, so one serves a whole column. The stored images are those of format
+/// code 1 or 2.
+class Converter {
+ public:
+  /// A Failure when the type has no text form or the style's format does not fit it.
+  explicit Converter(char type, TextStyle style = {});
+
+  /// The image of a text; a Failure says what is wrong with it. Under a format the text
+  /// must be what the value prints.
+  Image ToImage(const std::string& text, unsigned char format = kFormatNative,
+                Pattern pattern = Pattern::kNone);
+  /// The text of an image, which must be whole.
+  TextOfValue ToText(std::string_view image, unsigned char format = kFormatNative);
+
+ private:
+  void Parse(const std::string& text, Pattern pattern);
+  std::string Print() const;
+  void RequireFit();
+
+  char type_;
+  const TextForm& form_;
+  TextStyle style_;
+  std::unique_ptr<Box> box_;
+  signed char* nullFlag_;  // of a nullable type's value, else null
+};
+
+/// The image of the type's null value; the type must have a null state.
+Image NullImage(char type, unsigned char format = kFormatNative);
 
 /// Bytes of the image at the start of data, or 0 when none fits in it.
-unsigned long ImageSize(char type, std::string_view data, unsigned char format = 1);
+unsigned long ImageSize(char type, std::string_view data, unsigned char format = kFormatNative);
 
-std::string Hex(std::string_view bytes);
+/// The text that the library prints of a value, and the value, written in its own form,
+/// that the library reads from a text; without a format under the type's own.
+std::string PrintedText(char type, const std::string& value, const TextStyle& style, const char* format);
+std::string ScannedText(char type, const std::string& text, const TextStyle& style, const char* format);
+
+/// Bytes of the largest blob: a value is several times in memory while it is stored.
+constexpr unsigned long kLargestBlob = 128UL << 20;
+/// The bytes of a blob's image, which is whole.
+std::string_view BytesOfBlob(std::string_view image);
+
+std::string Hex(std::string_view bytes, const char* between = " ");
 /// The bytes of a text of hexadecimal digits; blanks between them do not count.
 Image FromHex(const std::string& text);
 
@@ -68,11 +97,6 @@ Image FromHex(const std::string& text);
 unsigned char FindLanguage(const std::string& name);
 /// The number of a code set that texts may have.
 unsigned char FindCodeSet(const std::string& number);
-
-/// Converts UTF-8; a Failure tells the position of a broken sequence, or that the text
-/// is too long for its code set.
-NxString StringOfUtf8(const std::string& text, const TextStyle& style);
-std::string Utf8OfString(const NxString& s);
 
 }  // namespace nxtm
 

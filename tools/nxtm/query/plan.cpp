@@ -78,20 +78,15 @@ Term Widened(const Term& term) {
 /// one another in texts that compare equal; a key without any has only itself.
 bool HashFinds(const Term& term, char type) {
   if (term.relation != kRelationEqual) return false;
-  if (type == 3 || type == 4) return false;  // double, float: -0 equals 0 and hashes differently
-  if (!IsText(type)) return true;
+  const Kind kind = FormOf(type).kind;
+  if (kind == Kind::kReal) return false;
+  if (kind == Kind::kDate) return term.options & kWildcardsOff;
+  if (!IsText(kind)) return true;
   if (type != kStringTypeId || (term.options & ~kWildcardsOff)) return false;
   NxString s = LoadString(term.key);
   for (NxStringIterator it(s); !it.IsEOS();)
     if (it.GetNextOrder(1) < kFirstDigitOrder) return false;
   return true;
-}
-
-bool HasWildFields(const Term& term, char type) {
-  if (std::strcmp(Manager().NameGet(type, nullptr), "NxDate") != 0) return false;
-  NxDate date(0L);
-  DateLoad(&date, term.key.data(), kFormatNative, 1);
-  return date.year == -1 || date.month == -1 || date.day == -1;
 }
 
 Image TakeBound(void* bound, unsigned char length) {
@@ -128,7 +123,7 @@ class Planner {
     if (term.relation == 0) return {};
     char type = store_.GetSchema().Columns()[term.attribute].type;
     const IndexInfo* hash = store_.FindIndex(term.attribute, true);
-    if (hash && HashFinds(term, type) && !HasWildFields(term, type)) {
+    if (hash && HashFinds(term, type)) {
       RequireCurrent(store_, *hash);
       Access access;
       access.term = &term;
@@ -138,7 +133,8 @@ class Planner {
       return {access};
     }
     const IndexInfo* ordered = store_.FindIndex(term.attribute, false);
-    if (!ordered || (IsText(type) && IsCut(OrderedKey(type, term.key)))) return {};
+    // Of any year there may be dates outside of the bounds that the type gives.
+    if (!ordered || term.anyYear || (IsText(type) && IsCut(OrderedKey(type, term.key)))) return {};
     RequireCurrent(store_, *ordered);
     Access access = BoundTerm(store_, term, *ordered);
     report_.considered.push_back(access);

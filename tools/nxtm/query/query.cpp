@@ -135,31 +135,25 @@ class Parser {
       while (AcceptSign(','));
     }
     try {
-      Pattern pattern = term.options & kWildcardsOff ? Pattern::kNone : Pattern::kFields;
-      term.key = ImageOfText(column.type, value, column.style, kFormatNative, pattern);
+      const Pattern pattern = term.options & kWildcardsOff ? Pattern::kNone : Pattern::kFields;
+      term.key = Converter(column.type, column.style).ToImage(value, kFormatNative, pattern);
+      if (FormOf(column.type).kind == Kind::kDate) {
+        // Without a "*" a field of -1 is a year like any other.
+        if (pattern == Pattern::kNone || value.find('*') == std::string::npos) term.options |= kWildcardsOff;
+        term.anyYear = !(term.options & kWildcardsOff) && value[0] == '*';
+      }
     } catch (const Failure& failure) {
       Fail(valueAt, failure.what());
     }
   }
 
   unsigned short ReadRelation() {
-    static const struct {
-      const char* sign;
-      unsigned short relation;
-    } kRelations[] = {{"!=", kRelationLess | kRelationGreater},
-                      {"<>", kRelationLess | kRelationGreater},
-                      {"<=", kRelationLess | kRelationEqual},
-                      {">=", kRelationGreater | kRelationEqual},
-                      {"=", kRelationEqual},
-                      {"<", kRelationLess},
-                      {">", kRelationGreater}};
     SkipBlanks();
-    for (const auto& r : kRelations) {
-      if (text_.compare(at_, std::strlen(r.sign), r.sign) != 0) continue;
-      at_ += std::strlen(r.sign);
-      return r.relation;
-    }
-    Expected("=, !=, <, <=, >, >= or 'is'");
+    unsigned long length = 0;
+    const unsigned short relation = RelationAt(std::string_view(text_).substr(at_), length);
+    if (relation == 0) Expected("=, !=, <, <=, >, >= or 'is'");
+    at_ += length;
+    return relation;
   }
 
   unsigned short ReadIgnored() {
@@ -222,6 +216,25 @@ bool TermMatches(const Term& term, char type, const Field& field) {
 }
 
 }  // namespace
+
+unsigned short RelationAt(std::string_view text, unsigned long& length) {
+  static const struct {
+    std::string_view sign;
+    unsigned short relation;
+  } kRelations[] = {{"!=", kRelationLess | kRelationGreater},
+                    {"<>", kRelationLess | kRelationGreater},
+                    {"<=", kRelationLess | kRelationEqual},
+                    {">=", kRelationGreater | kRelationEqual},
+                    {"=", kRelationEqual},
+                    {"<", kRelationLess},
+                    {">", kRelationGreater}};
+  for (const auto& r : kRelations) {
+    if (text.substr(0, r.sign.size()) != r.sign) continue;
+    length = r.sign.size();
+    return r.relation;
+  }
+  return 0;
+}
 
 Condition Condition::Parse(const std::string& text, const Schema& schema) {
   return Parser(text, schema).Whole();

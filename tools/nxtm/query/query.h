@@ -14,12 +14,16 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "store/index.h"
 #include "store/store.h"
 
 namespace nxtm {
+
+/// The relation whose sign begins a text, and the length of the sign; 0 for none.
+unsigned short RelationAt(std::string_view text, unsigned long& length);
 
 /// One comparison of an attribute.
 struct Term {
@@ -28,6 +32,7 @@ struct Term {
   unsigned short options = 0;
   Image key;              // the value compared with, as a stored image
   bool wantNull = false;  // of a test of null: whether null matches
+  bool anyYear = false;   // of a date: "*" stands for the year
   std::string text;       // as it was written
 };
 

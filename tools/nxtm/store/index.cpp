@@ -23,7 +23,7 @@ bool HasApart(const Store& store, const IndexInfo& index) {
 }
 
 /// The key of an image as the index's table holds it.
-Image TableKey(const IndexInfo& index, char type, const Image& image) {
+Image TableKey(const IndexInfo& index, char type, std::string_view image) {
   if (!index.hash) return OrderedKey(type, image);
   unsigned int hash = HashKey(type, image);
   return Image(reinterpret_cast<const char*>(&hash), sizeof hash);
@@ -57,7 +57,7 @@ class Entries {
 
  private:
   void Take(std::string_view record, unsigned int number) {
-    Field field = FieldOf(store_.GetSchema(), record, index_.attribute);
+    const Field field = FieldOf(store_.GetSchema(), record, index_.attribute);
     if (field.isNull) return;
     char type = store_.GetSchema().Columns()[index_.attribute].type;
     Image key = TableKey(index_, type, field.image);
@@ -96,16 +96,11 @@ void CheckApart(Store& store, const IndexInfo& index, const std::vector<unsigned
 
 }  // namespace
 
-bool IsText(char type) {
-  const char* name = Manager().NameGet(type, nullptr);
-  return std::strstr(name, "String") != nullptr;
-}
-
-Image OrderedKey(char type, const Image& image) {
-  if (!IsText(type)) return image;
+Image OrderedKey(char type, std::string_view image, unsigned char format) {
+  if (!IsText(type)) return Image(image);
   Image key(NxINDEX_MAX_KEYLEN, '\0');
-  int size = Manager().Translate(type, key.data(), kFormatKey | kFormatNative, key.size(),
-                                 const_cast<char*>(image.data()), kFormatNative, image.size(), 1);
+  const int size = Manager().Translate(type, key.data(), format | kFormatKey, key.size(),
+                                       const_cast<char*>(image.data()), format, image.size(), 1);
   key.resize(static_cast<unsigned>(size));
   return key;
 }
@@ -118,29 +113,15 @@ bool IsWhole(char type, const Image& key) {
   return !IsCut(key) && (type != kStringTypeId || !(static_cast<unsigned char>(key[3]) & kStopsEarly));
 }
 
-unsigned int HashKey(char type, const Image& image) {
+unsigned int HashKey(char type, std::string_view image) {
   int error = 0;
   return static_cast<unsigned int>(
       Manager().Hash(type, image.size(), const_cast<char*>(image.data()), 1, kFormatNative, error));
 }
 
 Field FieldOf(const Schema& schema, std::string_view record, unsigned long attribute) {
-  for (unsigned long i = 0;; ++i) {
-    const Column& column = schema.Columns()[i];
-    bool isNull = false;
-    if (column.HasNullByte() && !record.empty()) {
-      isNull = record[0] == 1;
-      record.remove_prefix(1);
-    }
-    unsigned long size = isNull ? 0 : ImageSize(column.type, record);
-    if (!isNull && size == 0) throw Failure("attribute '" + column.name + "' is damaged");
-    if (i == attribute) {
-      Field field{Image(record.substr(0, size)), isNull};
-      if (column.nullable && !column.HasNullByte()) field.isNull = field.image == NullImage(column.type);
-      return field;
-    }
-    record.remove_prefix(size);
-  }
+  for (unsigned long i = 0; i < attribute; ++i) Record::Take(schema.Columns()[i], record);
+  return Record::Take(schema.Columns()[attribute], record);
 }
 
 void RequireCurrent(const Store& store, const IndexInfo& index) {
@@ -179,10 +160,23 @@ void BuildIndex(Store& store, const IndexInfo& index) {
   store.AddIndex({index.attribute, index.hash, NxCollationVersion()});
 }
 
+void RebuildIndexes(Store& store) {
+  const std::vector<IndexInfo> indexes = store.Indexes();
+  for (IndexInfo index : indexes) {
+    WalkIndex(store, index);
+    store.IndexTable(index, true);
+    if (HasApart(store, index)) store.ApartTable(index, true);
+    index.collation = kEmptied;
+    store.AddIndex(index);
+  }
+  store.Checkpoint();  // the pages of the old ones serve the new ones
+  for (const IndexInfo& index : indexes) BuildIndex(store, index);
+}
+
 void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& fields) {
   for (const IndexInfo& index : store.Indexes()) {
     const Field& field = fields[index.attribute];
-    if (field.isNull) continue;
+    if (field.isNull || !index.IsMade()) continue;
     char type = store.GetSchema().Columns()[index.attribute].type;
     Image key = TableKey(index, type, field.image);
     if (index.hash || IsWhole(type, key))

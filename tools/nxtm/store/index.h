@@ -13,11 +13,8 @@
 
 namespace nxtm {
 
-/// Whether values of the type are texts, which order by collation data.
-bool IsText(char type);
-
 /// The key of an attribute's image in an ordered index.
-Image OrderedKey(char type, const Image& image);
+Image OrderedKey(char type, std::string_view image, unsigned char format = kFormatNative);
 /// Whether a text's key is cut short because it would be too long.
 bool IsCut(const Image& key);
 /// Whether a key stands for the whole of its text. One that does not (it is cut, or the
@@ -25,7 +22,7 @@ bool IsCut(const Image& key);
 /// their texts do only where a base letter differs. Their records are listed apart.
 bool IsWhole(char type, const Image& key);
 /// The key of an attribute's image in a hash index.
-unsigned int HashKey(char type, const Image& image);
+unsigned int HashKey(char type, std::string_view image);
 
 /// One attribute of a record, without taking the others further apart than needed.
 Field FieldOf(const Schema& schema, std::string_view record, unsigned long attribute);
@@ -39,6 +36,8 @@ void RequireCurrent(const Store& store, const IndexInfo& index);
 void WalkIndex(Store& store, const IndexInfo& index);
 /// Fills an index anew from the records.
 void BuildIndex(Store& store, const IndexInfo& index);
+/// Drops every index, and makes it anew.
+void RebuildIndexes(Store& store);
 /// Adds a record that was appended to every index of the store.
 void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& fields);
 /// Compares an index with the records, both ways. Throws a Failure at the first

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -20,10 +21,13 @@ namespace nxtm {
 
 namespace {
 
-constexpr unsigned long kMapSize = 512UL << 20;  // what a 32-bit process maps with ease
-constexpr unsigned long kBlock = 256;            // records under one checksum
-constexpr unsigned int kMaxTables = 1024;
-const char kKind[] = "nxtm store 1";
+// A store is mapped whole. The address space of a process gives about 2 GiB in one piece,
+// or less where much of it is taken.
+constexpr unsigned long kMapSizes[] = {2047UL << 20, 1536UL << 20, 1024UL << 20, 512UL << 20};
+constexpr unsigned long kBlock = 256;  // records under one checksum
+constexpr unsigned int kMaxTables = 4096;
+constexpr unsigned long kMaxIndexes = 2000;  // of two tables each at most
+const char kKind[] = "nxtm store 2";
 
 // ---------------------------------------------------------------------------
 // Damage
@@ -79,12 +83,26 @@ constexpr auto ComparisonTable(std::index_sequence<kTypes...>) {
 }
 constexpr auto kComparisons = ComparisonTable(std::make_index_sequence<kTypeCount>());
 
+const char kLockSuffix[] = "-lock";  // of the file beside a store that LMDB keeps its locks in
+
+/// Refuses a path at which there is no store, with the reason.
+void RequireStoreFile(const std::string& path) {
+  struct stat status {};
+  if (lstat(path.c_str(), &status) != 0)
+    throw Failure(path + ": " + (errno == ENOENT ? "there is no such store" : std::strerror(errno)));
+  if (stat(path.c_str(), &status) != 0)
+    throw Failure(path + ": a link that cannot be followed: " + std::strerror(errno));
+  if (!S_ISREG(status.st_mode) || status.st_size == 0) throw Failure(path + ": not a store");
+}
+
 unsigned long ToNumber(const std::string& text) { return std::strtoul(text.c_str(), nullptr, 10); }
 
 }  // namespace
 
 void CheckMdb(int code, const std::string& what) {
-  if (code == MDB_MAP_FULL) throw Failure(what + ": the store would grow beyond its 512 MiB");
+  if (code == MDB_MAP_FULL)
+    throw Failure(what + ": the store would grow beyond what this process can map (about 2 GiB)");
+  if (code == EIO) throw Failure(what + ": cannot be read or written; is there space left on the device?");
   if (code != 0) throw Failure(what + ": " + mdb_strerror(code));
 }
 
@@ -97,55 +115,86 @@ bool Cursor::Get(MDB_val& key, MDB_val& data, MDB_cursor_op op) {
   return true;
 }
 
-bool Store::Exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
-
-Store::Store(const std::string& path, const std::string& file, Mode mode)
-    : path_(path), file_(file), mode_(mode) {
-  try {
-    CheckMdb(mdb_env_create(&env_), path);
-    CheckMdb(mdb_env_set_mapsize(env_, kMapSize), path);
-    CheckMdb(mdb_env_set_maxdbs(env_, kMaxTables), path);
-    unsigned int flags = MDB_NOSUBDIR | MDB_NOLOCK | (mode == Mode::kRead ? MDB_RDONLY : 0);
-    int code = mdb_env_open(env_, file.c_str(), flags, 0644);
-    if (code == MDB_INVALID || code == MDB_VERSION_MISMATCH) throw Failure(path + ": not a store");
-    CheckMdb(code, path);
-    RequireWholeFile();
-    CheckMdb(mdb_txn_begin(env_, nullptr, mode == Mode::kRead ? MDB_RDONLY : 0, &txn_), path);
-  } catch (...) {
+void Store::OpenEnvironment(unsigned int flags) {
+  int code = ENOMEM;
+  for (unsigned long size : kMapSizes) {
     mdb_env_close(env_);
-    throw;
+    env_ = nullptr;
+    CheckMdb(mdb_env_create(&env_), path_);
+    CheckMdb(mdb_env_set_mapsize(env_, size), path_);
+    CheckMdb(mdb_env_set_maxdbs(env_, kMaxTables), path_);
+    code = mdb_env_open(env_, file_.c_str(), MDB_NOSUBDIR | flags, 0666);
+    largest_ = size;
+    if (code != ENOMEM) break;
   }
+  // Who may not write here reads without being known to those who write.
+  if (code == EACCES && mode_ == Mode::kRead && !(flags & MDB_NOLOCK))
+    return OpenEnvironment(flags | MDB_NOLOCK);
+  if (code == MDB_INVALID || code == MDB_VERSION_MISMATCH) throw Failure(path_ + ": not a store");
+  CheckMdb(code, path_);
+}
+
+void Store::Begin() {
+  CheckMdb(mdb_txn_begin(env_, nullptr, mode_ == Mode::kRead ? MDB_RDONLY : 0, &txn_), path_);
 }
 
 Store::~Store() {
   if (txn_) mdb_txn_abort(txn_);
   mdb_env_close(env_);
-  if (file_ != path_) unlink(file_.c_str());
+  // A lock file whose store was never made is of no use to others.
+  if (IsNew()) unlink((path_ + kLockSuffix).c_str());
 }
 
-std::unique_ptr<Store> Store::Create(const std::string& path, const Schema& schema) {
-  const std::string file = path + ".new";
-  unlink(file.c_str());  // of an import that was killed
-  std::unique_ptr<Store> store(new Store(path, file, Mode::kWrite));
-  store->schema_ = schema;
-  store->meta_ = store->Table("meta", MDB_CREATE);
-  store->records_ = store->Table("records", MDB_CREATE | MDB_INTEGERKEY);
-  store->sums_ = store->Table("sums", MDB_CREATE | MDB_INTEGERKEY);
-  store->blockSum_ = kEmptySum;
-  store->SetMeta("kind", kKind);
-  store->SetMeta("collation", std::to_string(NxCollationVersion()));
-  store->SetMeta("schema", schema.Text());
+void Store::LockForWriting(Wait wait) {
+  writing_ = std::make_unique<FileLock>(path_ + kLockSuffix, FileLock::Kind::kExclusive, wait, path_, true);
+}
+
+std::unique_ptr<Store> Store::Open(const std::string& path, Mode mode, Wait wait) {
+  RequireStoreFile(path);
+  std::unique_ptr<Store> store(new Store(path, mode));
+  if (mode != Mode::kRead) store->LockForWriting(wait);
+  store->OpenExisting(wait);
   return store;
 }
 
-std::unique_ptr<Store> Store::Open(const std::string& path, Mode mode) {
+std::unique_ptr<Store> Store::OpenOrCreate(const std::string& path, const Schema& schema, Wait wait) {
+  std::unique_ptr<Store> store(new Store(path, Mode::kWrite));
+  store->LockForWriting(wait);
   struct stat status {};
-  if (stat(path.c_str(), &status) != 0) throw Failure(path + ": there is no such store");
-  if (!S_ISREG(status.st_mode) || status.st_size == 0) throw Failure(path + ": not a store");
-  ExpectDamage(path);
-  std::unique_ptr<Store> store(new Store(path, path, mode));
-  store->ReadMeta();
+  if (lstat(path.c_str(), &status) != 0 && errno == ENOENT) {
+    store->MakeNew(schema);
+  } else {
+    RequireStoreFile(path);
+    store->OpenExisting(wait);
+  }
   return store;
+}
+
+void Store::OpenExisting(Wait wait) {
+  const FileLock::Kind kind = mode_ == Mode::kAlone ? FileLock::Kind::kExclusive : FileLock::Kind::kShared;
+  using_ = std::make_unique<FileLock>(path_, kind, wait, path_);
+  ExpectDamage(path_);
+  OpenEnvironment(mode_ == Mode::kRead ? MDB_RDONLY : 0);
+  int dead;
+  mdb_reader_check(env_, &dead);  // pages that a killed process was reading can be used again
+  RequireWholeFile();
+  Begin();
+  ReadMeta();
+}
+
+void Store::MakeNew(const Schema& schema) {
+  unfinished_ = std::make_unique<NewFile>(path_);
+  file_ = unfinished_->Name();
+  OpenEnvironment(MDB_NOLOCK);  // nobody else knows of it
+  Begin();
+  schema_ = schema;
+  meta_ = Table("meta", MDB_CREATE);
+  records_ = Table("records", MDB_CREATE | MDB_INTEGERKEY);
+  sums_ = Table("sums", MDB_CREATE | MDB_INTEGERKEY);
+  blockSum_ = kEmptySum;
+  SetMeta("kind", kKind);
+  SetMeta("collation", std::to_string(NxCollationVersion()));
+  SetMeta("schema", schema.Text());
 }
 
 /// LMDB maps the file without asking whether all of its pages are there.
@@ -155,7 +204,7 @@ void Store::RequireWholeFile() {
   CheckMdb(mdb_env_info(env_, &info), path_);
   CheckMdb(mdb_env_stat(env_, &pages), path_);
   if (FileSize() / pages.ms_psize < info.me_last_pgno + 1) throw Failure(path_ + ": the store is truncated");
-  largest_ = mode_ == Mode::kRead ? FileSize() : kMapSize;
+  if (mode_ == Mode::kRead) largest_ = FileSize();
 }
 
 void Store::RequireFits(const MDB_val& value) const {
@@ -228,25 +277,49 @@ unsigned int Store::Append(const std::string& record) {
   MDB_val key = ValOf(number), data = Val(record);
   CheckMdb(mdb_put(txn_, records_, &key, &data, MDB_APPEND), path_);
   blockSum_ = AddToSum(blockSum_, record);
-  if (++count_ % kBlock == 0) FinishBlock();
+  if (++count_ % kBlock == 0) {
+    NoteBlockSum();
+    blockSum_ = kEmptySum;
+  }
   return number;
 }
 
-void Store::FinishBlock() {
+/// Notes the sum of the block that the last record is in, as far as it goes.
+void Store::NoteBlockSum() {
   auto block = static_cast<unsigned int>((count_ - 1) / kBlock);
   MDB_val key = ValOf(block), data = ValOf(blockSum_);
   CheckMdb(mdb_put(txn_, sums_, &key, &data, 0), path_);
-  blockSum_ = kEmptySum;
 }
 
-void Store::Commit() {
-  if (count_ % kBlock != 0) FinishBlock();
+void Store::WriteTransaction() {
+  if (count_ % kBlock != 0) NoteBlockSum();
   SetMeta("count", std::to_string(count_));
   MDB_txn* txn = std::exchange(txn_, nullptr);
   CheckMdb(mdb_txn_commit(txn), path_);
-  if (file_ != path_ && std::rename(file_.c_str(), path_.c_str()) != 0)
-    throw Failure(path_ + ": cannot be written");
+}
+
+void Store::Checkpoint() {
+  WriteTransaction();
+  Begin();
+}
+
+void Store::Commit() {
+  WriteTransaction();
+  if (unfinished_) unfinished_->TakeName(false);
   file_ = path_;
+}
+
+void Store::Compact() {
+  NewFile copy(path_);
+  mdb_txn_abort(std::exchange(txn_, nullptr));
+  const int descriptor = open(copy.Name().c_str(), O_WRONLY | O_CLOEXEC);
+  const int code = mdb_env_copyfd2(env_, descriptor, MDB_CP_COMPACT);
+  const bool kept = fsync(descriptor) == 0;
+  close(descriptor);
+  CheckMdb(code, path_);
+  if (!kept) throw Failure(path_ + ": " + std::strerror(errno));
+  mdb_env_close(std::exchange(env_, nullptr));
+  copy.TakeName(true);
 }
 
 std::string_view Store::Get(unsigned int number) {
@@ -291,7 +364,7 @@ std::string Store::IndexName(const IndexInfo& index) const {
 
 const IndexInfo* Store::FindIndex(unsigned long attribute, bool hash) const {
   for (const IndexInfo& index : indexes_)
-    if (index.attribute == attribute && index.hash == hash) return &index;
+    if (index.attribute == attribute && index.hash == hash && index.IsMade()) return &index;
   return nullptr;
 }
 
@@ -302,7 +375,26 @@ void Store::AddIndex(const IndexInfo& index) {
     known = index;
     return;
   }
+  if (indexes_.size() == kMaxIndexes)
+    throw Failure(path_ + ": a store has at most " + std::to_string(kMaxIndexes) + " indexes");
   indexes_.push_back(index);
+}
+
+bool Store::DropIndex(const IndexInfo& index) {
+  const auto known = std::find_if(indexes_.begin(), indexes_.end(), [&](const IndexInfo& other) {
+    return other.attribute == index.attribute && other.hash == index.hash;
+  });
+  if (known == indexes_.end()) return false;
+  indexes_.erase(known);
+  CheckMdb(mdb_drop(txn_, IndexTable(index, false), 1), path_);
+  const std::string apart = "a:" + schema_.Columns()[index.attribute].name;
+  MDB_dbi table;
+  if (!index.hash && mdb_dbi_open(txn_, apart.c_str(), MDB_INTEGERKEY, &table) == 0)
+    CheckMdb(mdb_drop(txn_, table, 1), path_);
+  const std::string name = IndexName(index);
+  MDB_val key = Val(name);
+  CheckMdb(mdb_del(txn_, meta_, &key, nullptr), path_);
+  return true;
 }
 
 MDB_dbi Store::IndexTable(const IndexInfo& index, bool fresh) {

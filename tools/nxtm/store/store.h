@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "data/schema.h"
+#include "store/lock.h"
 
 namespace nxtm {
 
@@ -33,26 +34,42 @@ MDB_val ValOf(T& number) {
   return {sizeof number, &number};
 }
 
+/// In place of a collation version: the index was emptied to be made anew.
+constexpr unsigned long kEmptied = 0;
+
 /// An index as the store describes it.
 struct IndexInfo {
   unsigned long attribute = 0;  // its place in the schema
   bool hash = false;
   unsigned long collation = 0;  // the version of the collation data that it was made with
+
+  /// False while it is being made anew, and after that was broken off.
+  bool IsMade() const { return collation != kEmptied; }
 };
 
 /// A store in one transaction, which ends with Commit or, without it, as if nothing
 /// had been written. Damage that LMDB cannot survive ends the process with a message
 /// and exit status 2; all other damage is a Failure.
+///
+/// Several processes may use a store at once. A reader sees the store to its end as it was
+/// when it began; of those that write one does, and the others wait.
 class Store {
  public:
-  enum class Mode { kRead, kWrite };
+  enum class Mode {
+    kRead,
+    kWrite,
+    kAlone  // to write with nobody reading
+  };
 
-  /// Creates a store that is not there yet. It is at its path from Commit on.
-  static std::unique_ptr<Store> Create(const std::string& path, const Schema& schema);
   /// Opens a store; a Failure when it is none, is truncated, or has another format.
-  static std::unique_ptr<Store> Open(const std::string& path, Mode mode);
-  static bool Exists(const std::string& path);
+  static std::unique_ptr<Store> Open(const std::string& path, Mode mode, Wait wait = Wait::kForever);
+  /// The same to write, or a new store of a schema where there is none. A new one is at its
+  /// path from Commit on.
+  static std::unique_ptr<Store> OpenOrCreate(const std::string& path, const Schema& schema, Wait wait);
   ~Store();
+
+  /// Whether this process is making it.
+  bool IsNew() const { return file_ != path_; }
 
   const Schema& GetSchema() const { return schema_; }
   unsigned long Count() const { return count_; }
@@ -69,10 +86,13 @@ class Store {
   /// a block's checksum is wrong.
   void ForEach(const std::function<void(unsigned int, std::string_view)>& onRecord);
 
-  std::vector<IndexInfo> Indexes() const { return indexes_; }
-  /// The index of an attribute, or null.
+  const std::vector<IndexInfo>& Indexes() const { return indexes_; }
+  /// The index of an attribute, or null when none is made.
   const IndexInfo* FindIndex(unsigned long attribute, bool hash) const;
+  /// Notes that an index is there, as described; a Failure when there are too many.
   void AddIndex(const IndexInfo& index);
+  /// Removes an index with its tables; false when there is none.
+  bool DropIndex(const IndexInfo& index);
   /// The table of an index, its comparison set; emptied when `fresh`.
   MDB_dbi IndexTable(const IndexInfo& index, bool fresh);
   /// The table of the records that an ordered index lists apart.
@@ -81,21 +101,36 @@ class Store {
   /// Throws a Failure for more bytes than the store can have.
   void RequireFits(const MDB_val& value) const;
   MDB_txn* Txn() const { return txn_; }
+  /// Keeps what was written so far, and goes on in a new transaction.
+  void Checkpoint();
   void Commit();
+  /// Puts a copy without free pages in the store's place, which must be open alone with
+  /// nothing written; nothing but its end may follow.
+  void Compact();
 
  private:
-  Store(const std::string& path, const std::string& file, Mode mode);
+  Store(const std::string& path, Mode mode) : path_(path), file_(path), mode_(mode) {}
+  /// Takes the lock that one writer has at a time.
+  void LockForWriting(Wait wait);
+  void OpenExisting(Wait wait);
+  void MakeNew(const Schema& schema);
+  void OpenEnvironment(unsigned int flags);
+  void Begin();
   MDB_dbi Table(const std::string& name, unsigned int flags);
   std::string Meta(const std::string& key);
   void SetMeta(const std::string& key, const std::string& value);
   void ReadMeta();
   void RequireWholeFile();
-  void FinishBlock();
+  void NoteBlockSum();
+  void WriteTransaction();
   std::string IndexName(const IndexInfo& index) const;
 
   std::string path_;  // what the user calls the store
   std::string file_;  // where it is; a store that is being created has another name
   Mode mode_;
+  std::unique_ptr<FileLock> writing_;  // released after the environment is closed
+  std::unique_ptr<FileLock> using_;
+  std::unique_ptr<NewFile> unfinished_;
   MDB_env* env_ = nullptr;
   MDB_txn* txn_ = nullptr;
   unsigned long long largest_ = 0;  // that a value can be
