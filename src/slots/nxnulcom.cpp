@@ -1,6 +1,7 @@
 // Nullable scalars in queries: comparison, hashing, bounds and estimates. Null sorts
 // before every number, hashes to a word of its own and has weights of its own in estimates.
 
+#include "base/nxnullorder.h"
 #include "nxnultyp.h"
 #include "nxtypcmp.h"
 #include "nxtypevl.h"
@@ -24,17 +25,7 @@ T ReadElement(const void* place, unsigned char format) {
 /// -1, 0 or 1.
 template <class T>
 long Order(const T& a, const T& b) {
-  switch (NxNullValueCompare(a, b)) {
-    case kBothNull:
-      return 0;
-    case kFirstNull:
-      return -1;
-    case kSecondNull:
-      return 1;
-    case kNoneNull:
-      break;
-  }
-  return NxOrder(a.value, b.value);
+  return NxOrderNullable(a, b, [](const T& x, const T& y) { return NxOrder(x.value, y.value); });
 }
 
 template <class T, class V, class H>

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "base/nxnullorder.h"
 #include "nxbool.h"
 #include "nxcomp.h"
 #include "nxint64.h"
@@ -68,17 +69,7 @@ NX_COMPARE_NUMBERS(Int64Compare, NxInt64, Int64Load, 8)
 namespace {
 
 long OrderBooleans(const NxBoolean& a, const NxBoolean& b) {
-  switch (NxNullValueCompare(a, b)) {
-    case kBothNull:
-      return 0;
-    case kFirstNull:
-      return -1;
-    case kSecondNull:
-      return 1;
-    case kNoneNull:
-      break;
-  }
-  return a < b ? -1 : a > b;
+  return NxOrderNullable(a, b, NxOrder<NxBoolean>);
 }
 
 /// The images of seals order as their bytes do.

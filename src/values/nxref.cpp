@@ -2,7 +2,7 @@
 // another. Their texts are in nxreftext.cpp.
 #include "nxref.h"
 
-#include "nxnullcmp.h"
+#include "base/nxnullorder.h"
 
 namespace {
 
@@ -77,18 +77,10 @@ int NxDBOId::operator!=(const NxObjId& id) const { return Order(Number(*this, da
 // NxClassId
 
 int NxClassId::operator!=(const NxClassId& id) const {
-  switch (NxNullValueCompare(*this, id)) {
-    case kBothNull:
-      return 0;
-    case kFirstNull:
-      return -1;
-    case kSecondNull:
-      return 1;
-    case kNoneNull:
-      break;
-  }
-  const int numbers = Order(classNumber, id.classNumber);
-  return numbers != 0 ? numbers : Order(version, id.version);
+  return static_cast<int>(NxOrderNullable(*this, id, [](const NxClassId& a, const NxClassId& b) {
+    const long numbers = Order(a.classNumber, b.classNumber);
+    return numbers != 0 ? numbers : Order(a.version, b.version);
+  }));
 }
 
 int NxClassId::SetNullValue() {
