@@ -281,23 +281,6 @@ TEST(NextOrder, FollowsChangedFields) {
   EXPECT_EQ(filled._nCollation, kLanguageDanish);
 }
 
-// The order of a text does not depend on the code set that it is written in.
-TEST(NextOrder, IsThatOfTheTextInUnicode) {
-  std::mt19937 random(6);
-  for (unsigned char codeSet : {1, 2, 3, 4})
-    for (unsigned char language = 0; language < 8; ++language)
-      for (int round = 0; round < 100; ++round) {
-        std::string text;
-        for (int i = 0; i < 20; ++i)
-          text += static_cast<char>(random() % 3 ? "aclhnC"[random() % 6] : 1 + random() % 255);
-        std::vector<unsigned short> units;
-        for (char c : text) units.push_back(NxChar(c, codeSet, 1).MapTo(253));
-        units.push_back(0);
-        ASSERT_EQ(OrdersOf(reinterpret_cast<const char*>(units.data()), language, 253),
-                  OrdersOf(text.c_str(), language, codeSet));
-      }
-}
-
 TEST(NextOrderValue, ClearsBitsOfLettersAndReadsPlainBytes) {
   NxStringIterator it(
       "e\xE9"
