@@ -11,6 +11,7 @@
 #include "nxtypcmp.h"
 #include "ord2str.h"
 #include "strwild.h"
+#include "support/block.h"
 #include "support/strings.h"
 
 namespace {
@@ -261,7 +262,14 @@ TEST(Find, ComparesAtEveryPosition) {
                    op == 0xFFFF ? 0 : op, open ? -1 : static_cast<short>(pattern.Len()), 1, nullptr) == 0)
         found = at;
     }
-    ASSERT_EQ(s.Find(pattern, 0, op), found) << Text(s) << " / " << Text(pattern) << " under " << op;
+    // In a buffer behind which nothing may be read.
+    const Block exact(s._pBuffer, s._nSize);
+    NxString within(s._nCodeSet, s._nLanguage);
+    within._pBuffer = reinterpret_cast<char*>(exact.Data());
+    within._nSize = s._nSize;
+    const short position = within.Find(pattern, 0, op);
+    within._pBuffer = nullptr;
+    ASSERT_EQ(position, found) << Text(s) << " / " << Text(pattern) << " under " << op;
   }
 }
 

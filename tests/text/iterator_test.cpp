@@ -79,6 +79,7 @@ TEST(StringIterator, OwnsTheTextOfACharacter) {
                           NxChar(bigEndian, 253, 2, 2)}) {
     NxStringIterator it(c);
     EXPECT_EQ(it._bOwnsBuffer, 1);
+    EXPECT_EQ(it._nByteOrder, 1);
     EXPECT_EQ(static_cast<unsigned short>(*it), static_cast<unsigned short>(c));
     const NxStringIterator start(it);
     EXPECT_EQ(start._bOwnsBuffer, 0);

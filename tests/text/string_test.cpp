@@ -336,6 +336,10 @@ TEST(Editing, NumbersAndCharactersOfSixteenBits) {
   EXPECT_EQ(Text(narrow), "x65");
   EXPECT_EQ(Text16(wide), u"xA");
   EXPECT_EQ(Text16(Wide(u"a") + NxString("\xE9")), u"a\u00E9");
+  const unsigned short units[] = {0xE9, 'z', 0};
+  EXPECT_EQ(Text16(wide << units), u"xA\u00E9z");
+  EXPECT_EQ(Text(NxString("x") << units), "x\xE9z");
+  wide.Cut(2);
   narrow << narrow.StrGet();
   EXPECT_EQ(Text(narrow), "x65x65");
   NxString a, b;
