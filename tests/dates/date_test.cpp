@@ -125,26 +125,6 @@ TEST(NxDate, WeekdaysAndMonthEnds) {
   EXPECT_FALSE(Date(2000, 2, 28).IsLastDayOfTheMonth());
 }
 
-TEST(NxDateAndTime, NullIsEveryFieldAtItsLowest) {
-  NxDate d = Date(-32768, 1, 1);
-  EXPECT_FALSE(d.IsNullValue());
-  EXPECT_EQ(d.SetNullValue(), 0);
-  EXPECT_TRUE(d.IsNullValue() && d == Date(-32768, -128, -128));
-  NxTime t = Time(-128, 0, 0);
-  EXPECT_FALSE(t.IsNullValue());
-  t.SetNullValue();
-  EXPECT_TRUE(t.IsNullValue() && t == Time(-128, -128, -128));
-}
-
-TEST(NxDateAndTime, DefaultIsNow) {
-  bdate today;
-  NxDate d;
-  bksgetdate(&today);
-  if (d.day != today.day) d.Today();  // midnight came between
-  EXPECT_TRUE(d.year == today.year && d.month == today.month && d.day == today.day);
-  EXPECT_TRUE(NxTime().IsTime());
-}
-
 TEST(NxTime, EverySecondOfTheDay) {
   NxTime t(0L);
   for (long s = 0; s < 86400; ++s, ++t) {

@@ -495,6 +495,71 @@ void Parse(const Words& in, const Words& out) {
   EXPECT_EQ(byPrefix, std::stol(out[2]));
 }
 
+/// edit 'text' STEP...: on strings of either width.
+void Edit(const Words& in, const Words& out) {
+  for (const unsigned char codeSet : {kCodeSetLatin1, kCodeSetUnicode}) {
+    NxString s = String(TextWord(in[1]).text, codeSet, 1);
+    for (std::size_t i = 2; i < in.size();) {
+      const std::string& step = in[i++];
+      const auto text = [&] {
+        const std::string& word = in[i++];
+        return word == "self" ? s : String(TextWord(word).text, codeSet, 1);
+      };
+      const auto number = [&] { return static_cast<unsigned short>(std::stoi(in[i++])); };
+      const auto letter = [&] { return static_cast<char>(TextWord(in[i++]).text[0]); };
+      if (step == "append") {
+        s += text();
+      } else if (step == "trim") {
+        s.Trim();
+      } else if (step == "left-trim") {
+        s.LeftTrim();
+      } else if (step == "right-trim") {
+        s.RightTrim();
+      } else if (step == "upper") {
+        s.ToUpper();
+      } else if (step == "lower") {
+        s.ToLower();
+      } else if (step == "insert" || step == "replace") {
+        const NxString other = text();
+        step == "insert" ? s.Insert(other, number()) : s.Replace(other, number());
+      } else if (step == "fill" || step == "expand") {
+        const unsigned short n = number();
+        step == "fill" ? s.Fill(n, letter()) : s.Expand(n, letter());
+      } else if (step == "cut") {
+        const unsigned short pos = number();
+        s.Cut(pos, static_cast<short>(number()));
+      } else {
+        ASSERT_EQ(step, "replace-all");
+        const NxString from = text(), to = text();
+        s.ReplaceAll(from, to, number());
+      }
+    }
+    EXPECT_EQ(s._nSize, (TextWord(out[0]).text.size() + 1) * s.NullLen());
+    EXPECT_EQ(codeSet == kCodeSetUnicode ? Text16(s) : Widened(Text(s)), TextWord(out[0]).text);
+  }
+}
+
+/// find 'text' 'pattern' START OPTIONS = POSITION
+void Find(const Words& in, const Words& out) {
+  for (const unsigned char codeSet : {kCodeSetLatin1, kCodeSetUnicode}) {
+    const NxString text = String(TextWord(in[1]).text, codeSet, 1);
+    EXPECT_EQ(text.Find(String(TextWord(in[2]).text, codeSet, 1),
+                        static_cast<unsigned short>(std::stoi(in[3])), Options(in[4])),
+              std::stoi(out[0]));
+  }
+}
+
+/// split 'list' 'separator' = the items, "-" for none
+void Split(const Words& in, const Words& out) {
+  NxString list = String(TextWord(in[1]).text, 1, 1), item("untouched");
+  unsigned short pos = 0;
+  Words items;
+  while (items.size() < 10 && NxSplitList(list, item, String(TextWord(in[2]).text, 1, 1), pos) == 0)
+    items.push_back(Shown(item));
+  EXPECT_EQ(items, out[0] == "-" ? Words() : out);
+  EXPECT_TRUE(!items.empty() || Text(item) == "untouched");
+}
+
 // ---------------------------------------------------------------------------
 // Numbers, dates, alphabetic texts
 
@@ -554,6 +619,9 @@ const std::map<std::string, void (*)(const Words&, const Words&)> kVerbs = {
     {"compare", Compare},
     {"day", Day},
     {"estimate", Estimate},
+    {"edit", Edit},
+    {"find", Find},
+    {"split", Split},
     {"find-wild", FindWild},
     {"first-wild", FirstWild},
     {"fits", Fits},

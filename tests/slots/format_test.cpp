@@ -178,22 +178,6 @@ TEST(Strings, OrderValuesPrintInFourWays) {
   EXPECT_EQ(NxStringPrintToNxString(out, &longText, "%4M", 1).Len(), 60000);
 }
 
-std::string Int64Text(long long v, const char* fmt) {
-  NxString out;
-  NxInt64 value = NxInt64::FromWide(v);
-  return Int64PrintToNxString(out, &value, fmt, 1).StrGet();
-}
-
-TEST(Int64Format, RoundTrips) {
-  std::mt19937_64 random(3);
-  for (int i = 0; i < 500; ++i) {
-    const long long v = static_cast<long long>(random()) >> random() % 64;
-    if (v == 0 || v == std::numeric_limits<long long>::min()) continue;
-    for (const char* fmt : {"%S", "%x", "%X", "%o"})
-      ASSERT_EQ(Scan(Int64ScanFromNxString, NxInt64(77), Int64Text(v, fmt).c_str(), fmt).Wide(), v) << fmt;
-  }
-}
-
 TEST(MySscanf, ReadsEveryKindOfValue) {
   double d = 0;
   float f = 0;

@@ -79,6 +79,7 @@ TEST(StringIterator, OwnsTheTextOfACharacter) {
                           NxChar(bigEndian, 253, 2, 2)}) {
     NxStringIterator it(c);
     EXPECT_EQ(it._bOwnsBuffer, 1);
+    EXPECT_EQ(it._nByteOrder, 1);
     EXPECT_EQ(static_cast<unsigned short>(*it), static_cast<unsigned short>(c));
     const NxStringIterator start(it);
     EXPECT_EQ(start._bOwnsBuffer, 0);
@@ -279,23 +280,6 @@ TEST(NextOrder, FollowsChangedFields) {
   filled._nLanguage = kLanguageDanish;
   EXPECT_EQ(filled.GetNextOrder(1), OrderOf('n'));
   EXPECT_EQ(filled._nCollation, kLanguageDanish);
-}
-
-// The order of a text does not depend on the code set that it is written in.
-TEST(NextOrder, IsThatOfTheTextInUnicode) {
-  std::mt19937 random(6);
-  for (unsigned char codeSet : {1, 2, 3, 4})
-    for (unsigned char language = 0; language < 8; ++language)
-      for (int round = 0; round < 100; ++round) {
-        std::string text;
-        for (int i = 0; i < 20; ++i)
-          text += static_cast<char>(random() % 3 ? "aclhnC"[random() % 6] : 1 + random() % 255);
-        std::vector<unsigned short> units;
-        for (char c : text) units.push_back(NxChar(c, codeSet, 1).MapTo(253));
-        units.push_back(0);
-        ASSERT_EQ(OrdersOf(reinterpret_cast<const char*>(units.data()), language, 253),
-                  OrdersOf(text.c_str(), language, codeSet));
-      }
 }
 
 TEST(NextOrderValue, ClearsBitsOfLettersAndReadsPlainBytes) {

@@ -329,60 +329,6 @@ TEST(Overflow, TheConfigurationDecidesWhetherItIsReported) {
 // ---------------------------------------------------------------------------
 // Editing
 
-NxString Latin1Of(NxString s) {
-  s.MapToCodeSet(1);
-  return s;
-}
-NxString WideOf(const char* text) { return String(Widened(text), 253, 1); }
-
-struct Edit {
-  const char* before;
-  void (*edit)(NxString&);
-  const char* after;
-};
-
-/// Runs every edit on an 8-bit and on a 16-bit string.
-void Check(const std::vector<Edit>& edits) {
-  for (const Edit& e : edits) {
-    for (const bool wide : {false, true}) {
-      SCOPED_TRACE(std::string(e.before) + " to be " + e.after + (wide ? " (16 bits)" : ""));
-      NxString s = wide ? WideOf(e.before) : NxString(e.before);
-      e.edit(s);
-      const NxString result = Latin1Of(s);
-      EXPECT_EQ(Text(result), e.after);
-      EXPECT_EQ(s._nSize, (std::string(e.after).size() + 1) * s.NullLen());
-      EXPECT_EQ(s._nCodeSet, wide ? 253 : 1);
-    }
-  }
-}
-
-TEST(Editing, InsertReplaceFillExpandCut) {
-  Check({
-      {"abc", [](NxString& s) { s.Insert("xy", 3); }, "abcxy"},
-      {"abc", [](NxString& s) { s.Insert("xy", 4); }, "abc"},
-      {"abc", [](NxString& s) { s.Insert("xy", 0).Insert("", 1); }, "xyabc"},
-      {"abc", [](NxString& s) { s.Insert(s, 1); }, "aabcbc"},
-      {"", [](NxString& s) { s.Insert(NxString("xy"), 0); }, "xy"},
-      {"abc", [](NxString& s) { s.Replace("xyz12", 1); }, "axy"},
-      {"abc", [](NxString& s) { s.Replace("xyz12", 3).Replace("x", 65535); }, "abc"},
-      {"abcd", [](NxString& s) { s.Replace(s, 1).Replace(WideOf("Z"), 0); }, "Zabc"},
-      {"abc", [](NxString& s) { s.Fill(3, 'x'); }, "xxx"},
-      {"abc", [](NxString& s) { s.Fill(1, 'x').Expand(1, 'y').Expand(2, 'z').Expand(5, 'w'); }, "xzwww"},
-      {"abc", [](NxString& s) { s.Fill(0, 'x'); }, ""},
-      {"abc", [](NxString& s) { s.Fill(2, static_cast<unsigned short>(0xE9)); }, "\xE9\xE9"},
-      {"abcd", [](NxString& s) { s.Cut(1, -1); }, "a"},
-      {"abcd", [](NxString& s) { s.Cut(4, 1).Cut(65535, -1).Cut(1, 0).Cut(1, -2); }, "abcd"},
-      {"abcd", [](NxString& s) { s.Cut(1, 2); }, "ad"},
-      {"abcd", [](NxString& s) { s.Cut(2, 32767); }, "ab"},
-      {"ab", [](NxString& s) { s += s; }, "abab"},
-      {"ab", [](NxString& s) { s << WideOf("\xE9") << static_cast<const char*>(nullptr) << 'c' << '\0'; },
-       "ab\xE9"
-       "c"},
-      {"n", [](NxString& s) { s << -1 << 4294967295U << 7L << 4294967295UL << 0.5F << 0.1 << short{3}; },
-       "n-1-1742949672950.50.13"},
-  });
-}
-
 TEST(Editing, NumbersAndCharactersOfSixteenBits) {
   NxString narrow("x"), wide = Wide(u"x");
   narrow << static_cast<unsigned short>(65);
@@ -390,6 +336,10 @@ TEST(Editing, NumbersAndCharactersOfSixteenBits) {
   EXPECT_EQ(Text(narrow), "x65");
   EXPECT_EQ(Text16(wide), u"xA");
   EXPECT_EQ(Text16(Wide(u"a") + NxString("\xE9")), u"a\u00E9");
+  const unsigned short units[] = {0xE9, 'z', 0};
+  EXPECT_EQ(Text16(wide << units), u"xA\u00E9z");
+  EXPECT_EQ(Text(NxString("x") << units), "x\xE9z");
+  wide.Cut(2);
   narrow << narrow.StrGet();
   EXPECT_EQ(Text(narrow), "x65x65");
   NxString a, b;
@@ -441,19 +391,6 @@ TEST(Editing, Copies) {
   EXPECT_EQ(none._nLanguage, 1);
 }
 
-TEST(Trimming, TakesBlanksAndControls) {
-  Check({
-      {" \t\na b\r ", [](NxString& s) { s.Trim(); }, "a b"},
-      {"  a ", [](NxString& s) { s.LeftTrim(); }, "a "},
-      {"  a ", [](NxString& s) { s.RightTrim(); }, "  a"},
-      {"   ", [](NxString& s) { s.Trim(); }, ""},
-      {"   ", [](NxString& s) { s.RightTrim(); }, ""},
-      {"-", [](NxString& s) { s.Trim(); }, "-"},
-  });
-  NxString none;
-  EXPECT_EQ(none.Trim()._pBuffer, nullptr);
-}
-
 /// Every character three times over, the further two by way of the iterator.
 class Tripled final : public NxCharOperation {
  public:
@@ -465,26 +402,23 @@ class Tripled final : public NxCharOperation {
   }
 };
 
-TEST(Case, MapsAndExpands) {
-  Check({
-      {"Stra\xDF"
-       "e \xE9-1",
-       [](NxString& s) { s.ToUpper(); }, "STRASSE \xC9-1"},
-      {"\xDF\xDF\xDF", [](NxString& s) { s.ToUpper(); }, "SSSSSS"},
-      {"\xC4rger", [](NxString& s) { s.ToLower(); }, "\xE4rger"},
-      {"", [](NxString& s) { s.ToUpper(); }, ""},
-      {"abc",
-       [](NxString& s) {
-         Tripled op;
-         s.Transform(op);
-       },
-       "a++b++c++"},
-  });
-  NxString none;
+TEST(Case, ExpandsByTheIterator) {
+  NxString s("abc"), none;
+  Tripled op;
+  EXPECT_EQ(Text(s.Transform(op)), "a++b++c++");
   EXPECT_EQ(none.ToUpper()._pBuffer, nullptr);
-  NxString turkish = Wide(u"i\u0131");
-  turkish._nLanguage = kLanguageTurkish;
-  EXPECT_EQ(Text16(turkish.ToUpper()), u"\u0130I");
+  EXPECT_EQ(none.Trim()._pBuffer, nullptr);
+  EXPECT_EQ(Text16(String(u"i\u0131", 253, kLanguageTurkish).ToUpper()), u"\u0130I");
+}
+
+TEST(Comparison, OperatorsFollowTheLanguageOrNot) {
+  EXPECT_TRUE(OperatorsAgree(NxString("abc"), Wide(u"abd"), -1));
+  EXPECT_TRUE(OperatorsAgree(NxString("abc"), NxString("a*"), 0));
+  EXPECT_EQ(NxString("abc").Compare(NxString("abd"), 2, 0), 0);
+  EXPECT_NE(NxString("abc").Compare(NxString("a*"), -1, kWildcardsOff), 0);
+  EXPECT_TRUE(
+      Narrow("chico", 1, kLanguageSpanish).EqualsIgnoreLanguage(Narrow("chico", 1, kLanguageEnglish)));
+  EXPECT_FALSE(NxString("abc").EqualsIgnoreLanguage(NxString("a*")));
 }
 
 TEST(Case, OfLongTexts) {
@@ -500,76 +434,10 @@ TEST(Case, OfLongTexts) {
   EXPECT_EQ(reports.Take(), kBuildOverflow);
 }
 
-TEST(ReplaceAll, AdvancesPastWhatItPutIn) {
-  Check({
-      {"aXbX", [](NxString& s) { s.ReplaceAll(NxString("X"), NxString("XX")); }, "aXXbXX"},
-      {"abab", [](NxString& s) { s.ReplaceAll(NxString("ab"), NxString(), 1); }, "ab"},
-      {"abab", [](NxString& s) { s.ReplaceAll('a', 'c'); }, "cbcb"},
-      {"aaa", [](NxString& s) { s.ReplaceAll(NxString("a"), NxString("")); }, ""},
-      {"abc", [](NxString& s) { s.ReplaceAll(NxString(""), NxString("x")); }, "abc"},
-      {"abc", [](NxString& s) { s.ReplaceAll(NxString("*"), NxString("")); }, ""},
-      {"ab", [](NxString& s) { s.ReplaceAll(s, NxString("c")); }, "c"},
-      {"ab", [](NxString& s) { s.ReplaceAll(NxString("b"), s); }, "aab"},
-  });
-}
-
 TEST(ReplaceAll, LeavesAlonePastAZeroCharacter) {
   NxString s = Narrow(std::string("ab\0cd", 5));
   EXPECT_EQ(Buffer(s.ReplaceAll('c', 'x')), std::string("ab\0cd\0", 6));
   EXPECT_EQ(Buffer(s.ReplaceAll('b', 'c')), std::string("ac\0", 3));
-}
-
-TEST(SplitList, TakesItemAfterItem) {
-  const struct {
-    const char *list, *separator;
-    std::vector<std::string> items;
-  } cases[] = {
-      {"a, b,,c", ",", {"a", "b", "", "c"}},
-      {",a", ",", {"a"}},
-      {",,a", ",", {"", "a"}},
-      {"a,", ",", {"a"}},
-      {"", ",", {}},
-      {" ", ",", {""}},
-      {"a--b-c", "--", {"a", "-b-c"}},  // the position moves on by one character
-      {"ab", "", {"", ""}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.list);
-    NxString list(c.list), item("untouched");
-    unsigned short pos = 0;
-    std::vector<std::string> items;
-    while (items.size() < 10 && NxSplitList(list, item, NxString(c.separator), pos) == 0)
-      items.push_back(Text(item));
-    EXPECT_EQ(items, c.items);
-    if (items.empty()) {
-      EXPECT_EQ(Text(item), "untouched");
-    }
-  }
-}
-
-TEST(Comparison, OperatorsAgree) {
-  const struct {
-    const char *a, *b;
-    int sign;
-  } cases[] = {{"abc", "abc", 0}, {"abc", "abd", -1}, {"b", "a", 1},
-               {"", "a", -1},     {"abc", "a*", 0},   {"a*", "abc", -1}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.a) + " and " + c.b);
-    const NxString a(c.a), b = WideOf(c.b);
-    EXPECT_EQ(a == b, c.sign == 0);
-    EXPECT_EQ(a != b, c.sign != 0);
-    EXPECT_EQ(a < b, c.sign < 0);
-    EXPECT_EQ(a > b, c.sign > 0);
-    EXPECT_EQ(a <= b, c.sign <= 0);
-    EXPECT_EQ(a >= b, c.sign >= 0);
-    const int result = a.Compare(b);
-    EXPECT_EQ((result > 0) - (result < 0), c.sign);
-  }
-  EXPECT_EQ(NxString("abc").Compare(NxString("abd"), 2, 0), 0);
-  EXPECT_NE(NxString("abc").Compare(NxString("a*"), -1, kWildcardsOff), 0);
-  EXPECT_TRUE(
-      Narrow("chico", 1, kLanguageSpanish).EqualsIgnoreLanguage(Narrow("chico", 1, kLanguageEnglish)));
-  EXPECT_FALSE(NxString("abc").EqualsIgnoreLanguage(NxString("a*")));
 }
 
 }  // namespace

@@ -125,33 +125,8 @@ TEST(NxBoolean, AnyNumberButZeroIsTrue) {
   EXPECT_EQ(b.SetNullValue(), 0);
   EXPECT_EQ(b.value, 255);
   EXPECT_TRUE(b.IsNullValue());
-}
-
-TEST(NxBoolean, ComparesWithNullFirst) {
-  const struct {
-    int a, b, equal, less, greater;
-  } cases[] = {
-      {255, 255, 1, 0, 0},
-      {255, 0, 0, 1, 0},
-      {0, 255, 0, 0, 1},
-      {255, 128, 0, 1, 0},
-      {0, 0, 1, 0, 0},
-      {0, 1, 0, 1, 0},
-      {1, 0, 0, 0, 1},
-      {1, 2, 1, 0, 0},    // both true, and no lower for being the
-                          // smaller byte
-      {2, 1, 1, 0, 1},    // but greater
-      {128, 0, 0, 1, 0},  // -128
-      {0, 254, 0, 0, 1},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Byte(c.a) == Byte(c.b), c.equal) << c.a << ' ' << c.b;
-    EXPECT_EQ(Byte(c.a) < Byte(c.b), c.less) << c.a << ' ' << c.b;
-    EXPECT_EQ(Byte(c.a) > Byte(c.b), c.greater) << c.a << ' ' << c.b;
-  }
-  EXPECT_EQ(Byte(2) == 7L, 1);
-  EXPECT_EQ(Byte(255) < 0L, 1);
-  EXPECT_EQ(Byte(1) > 0L, 1);
+  EXPECT_TRUE(b < 0L && Byte(1) > 0L && Byte(2) == 7L && Byte(2) == Byte(1));
+  EXPECT_TRUE(Byte(2) > Byte(1) && !(Byte(1) < Byte(2))) << "greater, but no lower";
 }
 
 TEST(NxSeal, OrdersByItsWords) {

@@ -179,25 +179,6 @@ TEST(StringCompare, CutTextsThatNeedMoreThanTheWorkArea) {
   EXPECT_EQ(error, kNotPossible);
 }
 
-TEST(StringBounds, EncloseLongKeysWhoseCollationChanges) {
-  for (std::size_t n : {1U, 122U, 123U, 124U, 125U, 126U}) {
-    const Block key = Exactly(StringImage(Units(n, u'x') + u"\u4E00", 253));
-    Block entry(254);
-    const int size = NxStringTranslate(entry.Data(), 0x81, 254, key.Data(), 1, key.Size(), 1);
-    NxIdxBounds bounds{};
-    unsigned short relation = kRelationEqual;
-    StringEvalAndBound(nullptr, relation, key.Data(), 1, 1, &bounds);
-    ASSERT_LE(bounds.upperLen, NxINDEX_MAX_KEYLEN) << n;
-    int error;
-    EXPECT_LE(StringCompare(0x81, bounds.lowerLen, bounds.lower, size, entry.Data(), kWildcardsOff, 1, error),
-              0);
-    EXPECT_LE(StringCompare(0x81, size, entry.Data(), bounds.upperLen, bounds.upper, kWildcardsOff, 1, error),
-              0);
-    std::free(bounds.lower);
-    std::free(bounds.upper);
-  }
-}
-
 // ---------------------------------------------------------------------------
 // The comparison of keys in place, held to the general way over images of every kind.
 
