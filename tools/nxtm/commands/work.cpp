@@ -119,6 +119,7 @@ class Importer {
 
 /// A damaged store would only be damaged further.
 void RequireSound(Store& store) {
+  store.CheckFile();
   store.ForEach([](unsigned int, std::string_view) {});
   for (const IndexInfo& index : store.Indexes()) {
     if (!index.IsMade()) continue;
@@ -277,6 +278,7 @@ void Export(const std::string& storeFile, bool header, const std::string& blobFo
 
 void Check(const std::string& storeFile) {
   auto store = Store::Open(storeFile, Store::Mode::kRead);
+  store->CheckFile();
   Progress progress("checking", store->Count());
   std::vector<Field> fields;
   std::vector<Converter> converters = ConvertersOf(store->GetSchema());
@@ -303,6 +305,7 @@ void Check(const std::string& storeFile) {
 void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait) {
   Stopwatch watch;
   auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
+  store->CheckFile();
   const unsigned long place = store->GetSchema().Find(attribute);
   if (!hash && FormOf(store->GetSchema().Columns()[place].type).kind == Kind::kBlob)
     throw Failure("blobs have no ordered index; --hash makes one for exact matches");
@@ -315,6 +318,7 @@ void MakeIndex(const std::string& storeFile, const std::string& attribute, bool 
 void Reindex(const std::string& storeFile, Wait wait) {
   Stopwatch watch;
   auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
+  store->CheckFile();
   RebuildIndexes(*store);
   const unsigned long made = store->Indexes().size();
   store->Commit();
@@ -323,6 +327,7 @@ void Reindex(const std::string& storeFile, Wait wait) {
 
 void DropIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait) {
   auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
+  store->CheckFile();
   const unsigned long place = store->GetSchema().Find(attribute);
   if (!store->DropIndex({place, hash, 0}))
     throw Failure(storeFile + ": there is no " + (hash ? "hash" : "ordered") + " index of " + attribute);

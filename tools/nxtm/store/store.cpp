@@ -27,7 +27,7 @@ constexpr unsigned long kMapSizes[] = {2047UL << 20, 1536UL << 20, 1024UL << 20,
 constexpr unsigned long kBlock = 256;  // records under one checksum
 constexpr unsigned int kMaxTables = 4096;
 constexpr unsigned long kMaxIndexes = 2000;  // of two tables each at most
-const char kKind[] = "nxtm store 2";
+const char kKind[] = "nxtm store 3";
 
 // ---------------------------------------------------------------------------
 // Damage
@@ -178,8 +178,33 @@ void Store::OpenExisting(Wait wait) {
   int dead;
   mdb_reader_check(env_, &dead);  // pages that a killed process was reading can be used again
   RequireWholeFile();
-  Begin();
+  BeginFromSnapshot();
   ReadMeta();
+}
+
+/// Begins a transaction and finds the state of the file that it sees, which later ones of
+/// other processes may hide.
+void Store::BeginFromSnapshot() {
+  int file;
+  CheckMdb(mdb_env_get_fd(env_, &file), path_);
+  constexpr int kTries = 100;
+  for (int i = 0; i < kTries; ++i) {
+    Begin();
+    const auto seen = static_cast<std::uint32_t>(mdb_txn_id(txn_)) - (mode_ == Mode::kRead ? 0 : 1);
+    const std::optional<Snapshot> found = FindSnapshot(file, seen);
+    if (found) {
+      snapshot_ = *found;
+      return;
+    }
+    mdb_txn_abort(std::exchange(txn_, nullptr));
+  }
+  throw Failure(path_ + ": the store is damaged");
+}
+
+void Store::CheckFile() const {
+  int file;
+  CheckMdb(mdb_env_get_fd(env_, &file), path_);
+  CheckPages(file, snapshot_, path_);
 }
 
 void Store::MakeNew(const Schema& schema) {
@@ -216,8 +241,10 @@ void Store::ReadMeta() {
   if (mdb_dbi_open(txn_, "meta", 0, &table) != 0) throw Failure(path_ + ": not a store");
   meta_ = table;
   if (Meta("kind") != kKind) throw Failure(path_ + ": not a store of this format");
-  records_ = Table("records", MDB_INTEGERKEY);
-  sums_ = Table("sums", MDB_INTEGERKEY);
+  // A meta page whose transaction was changed would bring back an older state.
+  if (Meta("transaction") != std::to_string(snapshot_.transaction))
+    throw Failure(path_ + ": the store is damaged: a meta page has another transaction's number");
+  OpenTables();
   schema_ = Schema::Parse(Meta("schema"), path_ + " (schema)");
   count_ = ToNumber(Meta("count"));
   for (unsigned long i = 0; i < schema_.Columns().size(); ++i) {
@@ -236,6 +263,12 @@ void Store::ReadMeta() {
   CheckMdb(mdb_get(txn_, sums_, &key, &data), path_ + ": checksum");
   RequireFits(data);
   if (data.mv_size == sizeof blockSum_) std::memcpy(&blockSum_, data.mv_data, sizeof blockSum_);
+}
+
+void Store::OpenTables() {
+  meta_ = Table("meta", 0);
+  records_ = Table("records", MDB_INTEGERKEY);
+  sums_ = Table("sums", MDB_INTEGERKEY);
 }
 
 MDB_dbi Store::Table(const std::string& name, unsigned int flags) {
@@ -294,6 +327,7 @@ void Store::NoteBlockSum() {
 void Store::WriteTransaction() {
   if (count_ % kBlock != 0) NoteBlockSum();
   SetMeta("count", std::to_string(count_));
+  SetMeta("transaction", std::to_string(mdb_txn_id(txn_)));
   MDB_txn* txn = std::exchange(txn_, nullptr);
   CheckMdb(mdb_txn_commit(txn), path_);
 }
@@ -318,8 +352,15 @@ void Store::Compact() {
   close(descriptor);
   CheckMdb(code, path_);
   if (!kept) throw Failure(path_ + ": " + std::strerror(errno));
+  // The copy begins to count its transactions anew, and has to say so.
+  file_ = copy.Name();
+  OpenEnvironment(MDB_NOLOCK);
+  Begin();
+  OpenTables();
+  WriteTransaction();
   mdb_env_close(std::exchange(env_, nullptr));
   copy.TakeName(true);
+  file_ = path_;
 }
 
 std::string_view Store::Get(unsigned int number) {

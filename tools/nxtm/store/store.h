@@ -21,6 +21,7 @@
 
 #include "data/schema.h"
 #include "store/lock.h"
+#include "store/pages.h"
 
 namespace nxtm {
 
@@ -98,6 +99,8 @@ class Store {
   /// The table of the records that an ordered index lists apart.
   MDB_dbi ApartTable(const IndexInfo& index, bool fresh);
 
+  /// Walks the pages of the file. Throws a Failure when they do not add up.
+  void CheckFile() const;
   /// Throws a Failure for more bytes than the store can have.
   void RequireFits(const MDB_val& value) const;
   MDB_txn* Txn() const { return txn_; }
@@ -116,9 +119,11 @@ class Store {
   void MakeNew(const Schema& schema);
   void OpenEnvironment(unsigned int flags);
   void Begin();
+  void BeginFromSnapshot();
   MDB_dbi Table(const std::string& name, unsigned int flags);
   std::string Meta(const std::string& key);
   void SetMeta(const std::string& key, const std::string& value);
+  void OpenTables();
   void ReadMeta();
   void RequireWholeFile();
   void NoteBlockSum();
@@ -139,6 +144,7 @@ class Store {
   unsigned long count_ = 0;
   unsigned long long blockSum_ = 0;
   std::vector<IndexInfo> indexes_;
+  Snapshot snapshot_;  // of an existing store, as it was opened
 };
 
 /// A cursor that closes itself.

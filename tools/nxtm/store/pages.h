@@ -1,0 +1,30 @@
+/// The pages of a store's file, read without LMDB, which trusts them.
+#ifndef NXTM_PAGES_H
+#define NXTM_PAGES_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace nxtm {
+
+/// One state of the file: what one of its two meta pages says.
+struct Snapshot {
+  std::uint32_t pageSize = 0;
+  std::uint32_t lastPage = 0;
+  std::uint32_t freeRoot = 0;   // of the tree of the pages that are free
+  std::uint32_t tableRoot = 0;  // of the tree of the tables
+  std::uint32_t transaction = 0;
+};
+
+/// The state that a transaction left; none when it is not there any more.
+std::optional<Snapshot> FindSnapshot(int file, std::uint32_t transaction);
+
+/// Walks every tree and the list of free pages. Throws a Failure where a page has contents
+/// that it cannot have, or belongs to two owners or to none: what is written to such a file
+/// could overwrite other pages.
+void CheckPages(int file, const Snapshot& snapshot, const std::string& path);
+
+}  // namespace nxtm
+
+#endif
