@@ -92,25 +92,26 @@ class NX_API d_Date {
   }
 
   // Arithmetic in the whole days of an interval; what is less than a day is dropped,
-  // whatever its sign.
+  // whatever its sign. The operators of two operands stand below the class, so that the
+  // other types of dates take part in them.
 
   d_Date& operator+=(const d_Interval& iv);
   d_Date& operator-=(const d_Interval& iv);
-  friend NX_API d_Date operator+(const d_Date& d, const d_Interval& iv);
-  friend NX_API d_Date operator+(const d_Interval& iv, const d_Date& d);
-  friend NX_API d_Date operator-(const d_Date& d, const d_Interval& iv);
   /// The date before it moved by one day.
   d_Date operator++(int);
   d_Date operator--(int);
-
-  /// Days from b to a: 0 when equal, negative when a is the earlier one.
-  friend NX_API int operator!=(const d_Date& a, const d_Date& b);
 
   short year;         //
   signed char month;  // [1:12]
   signed char day;    // [1:31]
 };
 static_assert(sizeof(d_Date) == 4 && offsetof(d_Date, month) == 2 && offsetof(d_Date, day) == 3);
+
+NX_API d_Date operator+(const d_Date& d, const d_Interval& iv);
+NX_API d_Date operator+(const d_Interval& iv, const d_Date& d);
+NX_API d_Date operator-(const d_Date& d, const d_Interval& iv);
+/// Days from b to a: 0 when equal, negative when a is the earlier one.
+NX_API int operator!=(const d_Date& a, const d_Date& b);
 
 /// Whether the periods from a1 to a2 and from b1 to b2 share a date. A period may be given
 /// backward; its end points belong to it.

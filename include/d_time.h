@@ -68,6 +68,7 @@ class NX_API d_Time {
   d_Time(const d_Timestamp& t);
   d_Time(const d_Time& t) = default;
   d_Time& operator=(const d_Time& t) = default;
+  d_Time& operator=(long seconds) { return *this = d_Time(seconds); }
   d_Time& operator=(const NxTime& t);
   d_Time& operator=(const NxDateTime& t);
   d_Time& operator=(const d_Timestamp& t);
@@ -82,20 +83,11 @@ class NX_API d_Time {
   static void set_default_Time_Zone_to_local();
 
   // Arithmetic wraps round midnight and keeps the zone. Where an interval is added, the
-  // in-place form keeps the hundredths of the time; the others begin at its whole second.
+  // in-place form keeps the hundredths of the time; the others, below the class, begin
+  // at its whole second.
 
   d_Time& operator+=(const d_Interval& iv);
   d_Time& operator-=(const d_Interval& iv);
-  friend NX_API d_Time operator+(const d_Time& t, const d_Interval& iv);
-  friend NX_API d_Time operator+(const d_Interval& iv, const d_Time& t);
-  friend NX_API d_Time operator-(const d_Time& t, const d_Interval& iv);
-  /// From b to a in whole seconds, as the hours and minutes are held.
-  friend NX_API d_Interval operator-(const d_Time& a, const d_Time& b);
-
-  /// Compares local times: the difference of the hours, else of the minutes, else of the
-  /// seconds with their fraction, of which only whole seconds count. So times of one
-  /// minute that are less than a second apart are equal.
-  friend NX_API int operator!=(const d_Time& a, const d_Time& b);
 
   // The local time.
 
@@ -114,6 +106,17 @@ class NX_API d_Time {
   static Time_Zone _tz;  // the default zone, initially Utc
 };
 static_assert(sizeof(d_Time) == 6 && offsetof(d_Time, hour) == 2 && offsetof(d_Time, hundredths) == 5);
+
+NX_API d_Time operator+(const d_Time& t, const d_Interval& iv);
+NX_API d_Time operator+(const d_Interval& iv, const d_Time& t);
+NX_API d_Time operator-(const d_Time& t, const d_Interval& iv);
+/// From b to a in whole seconds, as the hours and minutes are held.
+NX_API d_Interval operator-(const d_Time& a, const d_Time& b);
+
+/// Compares local times: the difference of the hours, else of the minutes, else of the
+/// seconds with their fraction, of which only whole seconds count. So times of one
+/// minute that are less than a second apart are equal.
+NX_API int operator!=(const d_Time& a, const d_Time& b);
 
 /// Whether the periods from a1 to a2 and from b1 to b2 share a point. A period may be given
 /// backward; its end points belong to it.

@@ -12,6 +12,7 @@
 #include "d_time.h"
 #include "nxapi.h"
 
+class NxDate;
 class NxDateTime;
 
 class NX_API d_Timestamp {
@@ -23,6 +24,7 @@ class NX_API d_Timestamp {
   d_Timestamp& operator=(const d_Timestamp& t) = default;
   /// Replaces the date only.
   d_Timestamp& operator=(const d_Date& d);
+  d_Timestamp& operator=(const NxDate& d) { return *this = d_Date(d); }
   /// The time of t counts as local time in the default zone.
   d_Timestamp& operator=(const NxDateTime& t);
 
@@ -34,17 +36,17 @@ class NX_API d_Timestamp {
 
   d_Timestamp& operator+=(const d_Interval& iv);
   d_Timestamp& operator-=(const d_Interval& iv);
-  friend NX_API d_Timestamp operator+(const d_Timestamp& t, const d_Interval& iv);
-  friend NX_API d_Timestamp operator+(const d_Interval& iv, const d_Timestamp& t);
-  friend NX_API d_Timestamp operator-(const d_Timestamp& t, const d_Interval& iv);
-
-  /// The difference of the dates in days, or that of the times (see d_Time).
-  friend NX_API int operator!=(const d_Timestamp& a, const d_Timestamp& b);
 
   d_Date date;
   d_Time time;
 };
 static_assert(sizeof(d_Timestamp) == 10 && offsetof(d_Timestamp, time) == 4);
+
+NX_API d_Timestamp operator+(const d_Timestamp& t, const d_Interval& iv);
+NX_API d_Timestamp operator+(const d_Interval& iv, const d_Timestamp& t);
+NX_API d_Timestamp operator-(const d_Timestamp& t, const d_Interval& iv);
+/// The difference of the dates in days, or that of the times (see d_Time).
+NX_API int operator!=(const d_Timestamp& a, const d_Timestamp& b);
 
 // Whether the periods from a1 to a2 and from b1 to b2 share a point. A period may be given
 // backward; its end points belong to it. Beside dates only the dates of the timestamps
