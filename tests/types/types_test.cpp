@@ -27,24 +27,12 @@ int Order(const unsigned char* a, const unsigned char* b) {
 }
 
 int OrderOfField(char kind, const unsigned char* a, const unsigned char* b) {
-  switch (kind) {
-    case 'b':
-      return Order<signed char>(a, b);
-    case 'B':
-      return Order<unsigned char>(a, b);
-    case 'h':
-      return Order<short>(a, b);
-    case 'H':
-      return Order<unsigned short>(a, b);
-    case 'i':
-      return Order<int>(a, b);
-    case 'I':
-      return Order<unsigned>(a, b);
-    case 'f':
-      return Order<float>(a, b);
-    default:
-      return Order<double>(a, b);
-  }
+  using Function = int (*)(const unsigned char*, const unsigned char*);
+  static const char kKinds[] = "bBhHiIfd";
+  static const Function kOrders[] = {Order<signed char>,    Order<unsigned char>, Order<short>,
+                                     Order<unsigned short>, Order<int>,           Order<unsigned>,
+                                     Order<float>,          Order<double>};
+  return kOrders[std::strchr(kKinds, kind) - kKinds](a, b);
 }
 
 bool IsStored(unsigned char format) { return (format & kFormatCodeMask) != kFormatMemory; }

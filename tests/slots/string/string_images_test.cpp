@@ -19,11 +19,6 @@ Block Stored(const NxString* strings, unsigned long n, unsigned char format) {
   StringStore(image.Data(), strings, format, n);
   return image;
 }
-Block Exactly(const std::string& bytes) { return Block(bytes.data(), bytes.size()); }
-std::string Str(const Block& block) {
-  return std::string(reinterpret_cast<const char*>(block.Data()), block.Size());
-}
-
 TEST(StringImage, LoadKeepsABufferOnlyOfTheRightSize) {
   const NxString strings[] = {Narrow("abc"), Wide(u"a")};
   const Block image = Stored(strings, 2, 2);
