@@ -8,6 +8,7 @@
 
 #include "nxbase.h"
 #include "nxconv.h"
+#include "nxsortkey.h"
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "nxtypevl.h"
@@ -323,6 +324,23 @@ TEST_P(Types, BoundsAndShares) {
       ASSERT_GT(share[1], 0);
       ASSERT_EQ(share[2] == 0, Compare(ends[0].Data(), ends[1].Data(), 8) == 0);
       ASSERT_EQ(share[4] == 0, Compare(ends[2].Data(), ends[1].Data(), 8) == 0);
+    }
+}
+
+TEST_P(Types, SortKeysNeedWholeImages) {
+  for (int round = 0; round < 20; ++round)
+    for (unsigned char format : {1, 2}) {
+      const Block image = Image(Values(1), format);
+      for (unsigned long length = 1; length <= image.Size(); ++length) {
+        const Block cut(image.Data(), length);
+        NxSortKeyRange range;
+        ASSERT_EQ(NxSortKey(id, cut.Data(), format, length, 0, nullptr, 0) != 0, length == image.Size());
+        ASSERT_EQ(NxSortKeyBounds(id, cut.Data(), format, length, kRelationEqual, range),
+                  length == image.Size());
+        ASSERT_EQ(range.lower && range.upper, length == image.Size());
+        std::free(range.lower);
+        std::free(range.upper);
+      }
     }
 }
 
