@@ -330,7 +330,7 @@ TEST(AlphaSlots, SizesOfImages) {
     // Two bytes of the disk code set stand for one as in memory, and the other way round.
     const std::string image = AlphaImage(0x40, {"a\xDF", "\xDF", ""}), key = AlphaImage(0xC0, {"abc"});
     const auto size = [&](const std::string& bytes, int form, int format, unsigned long n) {
-      const Block block(bytes.data(), bytes.size());
+      const Block block = Exactly(bytes);
       return mgr.DiskLenGet(id, block.Data(), static_cast<unsigned char>(format), n,
                             static_cast<unsigned char>(form));
     };
@@ -342,7 +342,7 @@ TEST(AlphaSlots, SizesOfImages) {
     EXPECT_EQ(size(AlphaImage(0x40, {"ab"}, 1, 2), 1, 0x81, 2), 3 + 3) << "T ends before the terminator";
     EXPECT_EQ(size(AlphaImage(0x40, {"ab"}, 2), 2, 1, 1), 3 + 3) << "the form byte orders T";
     const auto fileSize = [&](const std::string& bytes, int format, unsigned long n) {
-      const Block block(bytes.data(), bytes.size());
+      const Block block = Exactly(bytes);
       MemFile file(block.Data(), block.Size());
       return mgr.DiskLenGetFromMemFile(id, &file, static_cast<unsigned char>(format), n);
     };
@@ -389,7 +389,7 @@ TEST(AlphaSlots, CaseKeysTurnBackIntoValues) {
   };
   for (const auto& t : cases) {
     NxCaseIString value("before");
-    const Block source(t.key.data(), t.key.size());
+    const Block source = Exactly(t.key);
     EXPECT_EQ(mgr.Translate(21, &value, 8, 0, source.Data(), 0x81, source.Size(), 1), t.result);
     EXPECT_STREQ(value._pStr ? value._pStr : "", t.text);
   }

@@ -104,7 +104,7 @@ void Compare(const Words& in, const Words& out) {
     } else {
       if (format == kFormatBigEndian && (in[3][0] == '{' || in[4][0] == '{')) continue;
       const std::string x = type.Stored(in[3], format), y = type.Stored(in[4], format);
-      const Block a(x.data(), x.size()), b(y.data(), y.size());
+      const Block a = Exactly(x), b = Exactly(y);
       order = type.mgr.Cmp(type.row.id, a.Size(), a.Data(), b.Size(), b.Data(), options, 1, format, error);
     }
     if (std::abs(std::stol(out[0])) > 1)
@@ -121,7 +121,7 @@ void Hash(const Words& in, const Words& out) {
     if (format == kFormatMemory && OnlyStored(in[2])) continue;
     const InMemory value(type, in[2]);
     const std::string image = format == kFormatMemory ? value.Raw() : type.Stored(in[2], format);
-    const Block block(image.data(), image.size());
+    const Block block = Exactly(image);
     int error = 77;
     EXPECT_EQ(type.mgr.Hash(type.row.id, block.Size(), block.Data(), 1, format, error),
               std::stoul(out[0], nullptr, 16))
@@ -137,7 +137,7 @@ void StoredImage(const Words& in, const Words& out) {
     const std::string expected = FromHex(out[0].substr(1));
     Block image(static_cast<unsigned long>(type.mgr.DiskLenGet(type.row.id, value.Get(), format, 1, 8)));
     EXPECT_EQ(type.mgr.Store(type.row.id, image.Data(), value.Get(), format, 1), expected.size());
-    EXPECT_EQ(ToHex(std::string(reinterpret_cast<char*>(image.Data()), image.Size())), ToHex(expected));
+    EXPECT_EQ(ToHex(Str(image)), ToHex(expected));
     EXPECT_EQ(type.mgr.Load(type.row.id, back.Get(), image.Data(), format, 1), expected.size());
     Block again(image.Size());
     type.mgr.Store(type.row.id, again.Data(), back.Get(), format, 1);
@@ -157,15 +157,15 @@ void Translate(const Words& in, const Words& out) {
     produced = type.mgr.Translate(type.row.id, dst.Data(), to, dst.Size(), value.Get(), from, 0, 1);
   } else {
     const std::string source = type.Stored(in[3], from);
-    const Block src(source.data(), source.size());
+    const Block src = Exactly(source);
     produced = type.mgr.Translate(type.row.id, dst.Data(), to, dst.Size(), src.Data(), from, src.Size(), 1);
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(src.Data()), src.Size()), source);
+    EXPECT_EQ(Str(src), source);
   }
   std::string expected;
   for (const std::string& word : out)
     expected += word[0] == '{' ? FromHex(word.substr(1)) : type.Stored(word, to);
   ASSERT_EQ(produced, static_cast<int>(expected.size()));
-  EXPECT_EQ(ToHex(std::string(reinterpret_cast<char*>(dst.Data()), expected.size())), ToHex(expected));
+  EXPECT_EQ(ToHex(Str(dst, expected.size())), ToHex(expected));
 }
 
 /// An index range, or none for "-".
@@ -206,7 +206,7 @@ void Bounds(const Words& in, const Words& out) {
     if (format == kFormatBigEndian && (out[0][0] == '{' || out[1][0] == '{' || in[3][0] == '{')) continue;
     SCOPED_TRACE(testing::Message() << "format " << int{format});
     const std::string image = type.Stored(in[3], format);
-    const Block key(image.data(), image.size());
+    const Block key = Exactly(image);
     NxIdxBounds bounds{};
     unsigned short relation = Options(in[2]);
     type.mgr.EvalAndBound(type.row.id, nullptr, relation, key.Data(), format, 1, &bounds, nullptr);
@@ -218,7 +218,7 @@ void Bounds(const Words& in, const Words& out) {
     expect(bounds.lower, bounds.lowerLen, out[0]);
     expect(bounds.upper, bounds.upperLen, out[1]);
     EXPECT_EQ(relation & kWildcardFound, out.size() > 2 ? kWildcardFound : 0);
-    EXPECT_TRUE(key == Block(image.data(), image.size())) << "the key is as it was";
+    EXPECT_TRUE(key == Exactly(image)) << "the key is as it was";
   }
 }
 

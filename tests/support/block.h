@@ -5,9 +5,11 @@
 
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -83,5 +85,11 @@ class Block {
   unsigned long size_;
   unsigned char* bytes_;
 };
+
+inline Block Exactly(const std::string& bytes) { return Block(bytes.data(), bytes.size()); }
+/// The first bytes of a block, all of them unless a size is given.
+inline std::string Str(const Block& block, unsigned long size = ~0UL) {
+  return std::string(reinterpret_cast<const char*>(block.Data()), std::min(size, block.Size()));
+}
 
 #endif

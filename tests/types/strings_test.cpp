@@ -36,13 +36,6 @@ const Kind kKinds[] = {{"NxString", 5, 11,
                        {"NxIString", 5, 20, "aAbs\xDF\x8C\xC0*?"},
                        {"NxCaseIString", 5, 21, "aAbs\xDF\x8C\xC0*?"}};
 
-/// The bytes of a block as they would stand in a string.
-std::string Str(const Block& block, unsigned long size) {
-  return std::string(reinterpret_cast<const char*>(block.Data()), size);
-}
-std::string Str(const Block& block) { return Str(block, block.Size()); }
-Block Exactly(const std::string& bytes) { return Block(bytes.data(), bytes.size()); }
-
 class Strings : public testing::TestWithParam<Kind> {
  protected:
   bool IsEarly() const { return kind.factory == 3; }

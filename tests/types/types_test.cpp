@@ -8,6 +8,7 @@
 
 #include "nxbase.h"
 #include "nxconv.h"
+#include "nxsortkey.h"
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "nxtypevl.h"
@@ -27,24 +28,12 @@ int Order(const unsigned char* a, const unsigned char* b) {
 }
 
 int OrderOfField(char kind, const unsigned char* a, const unsigned char* b) {
-  switch (kind) {
-    case 'b':
-      return Order<signed char>(a, b);
-    case 'B':
-      return Order<unsigned char>(a, b);
-    case 'h':
-      return Order<short>(a, b);
-    case 'H':
-      return Order<unsigned short>(a, b);
-    case 'i':
-      return Order<int>(a, b);
-    case 'I':
-      return Order<unsigned>(a, b);
-    case 'f':
-      return Order<float>(a, b);
-    default:
-      return Order<double>(a, b);
-  }
+  using Function = int (*)(const unsigned char*, const unsigned char*);
+  static const char kKinds[] = "bBhHiIfd";
+  static const Function kOrders[] = {Order<signed char>,    Order<unsigned char>, Order<short>,
+                                     Order<unsigned short>, Order<int>,           Order<unsigned>,
+                                     Order<float>,          Order<double>};
+  return kOrders[std::strchr(kKinds, kind) - kKinds](a, b);
 }
 
 bool IsStored(unsigned char format) { return (format & kFormatCodeMask) != kFormatMemory; }
@@ -335,6 +324,23 @@ TEST_P(Types, BoundsAndShares) {
       ASSERT_GT(share[1], 0);
       ASSERT_EQ(share[2] == 0, Compare(ends[0].Data(), ends[1].Data(), 8) == 0);
       ASSERT_EQ(share[4] == 0, Compare(ends[2].Data(), ends[1].Data(), 8) == 0);
+    }
+}
+
+TEST_P(Types, SortKeysNeedWholeImages) {
+  for (int round = 0; round < 20; ++round)
+    for (unsigned char format : {1, 2}) {
+      const Block image = Image(Values(1), format);
+      for (unsigned long length = 1; length <= image.Size(); ++length) {
+        const Block cut(image.Data(), length);
+        NxSortKeyRange range;
+        ASSERT_EQ(NxSortKey(id, cut.Data(), format, length, 0, nullptr, 0) != 0, length == image.Size());
+        ASSERT_EQ(NxSortKeyBounds(id, cut.Data(), format, length, kRelationEqual, range),
+                  length == image.Size());
+        ASSERT_EQ(range.lower && range.upper, length == image.Size());
+        std::free(range.lower);
+        std::free(range.upper);
+      }
     }
 }
 
