@@ -105,7 +105,7 @@ class Attribute {
       : store_(store), name_(name), place_(store.GetSchema().Find(name)) {
     const char type = store.GetSchema().Columns()[place_].type;
     store.ForEach([&](unsigned int, std::string_view record) {
-      values_.push_back(nxtm::FieldOf(store.GetSchema(), record, place_).image);
+      values_.emplace_back(nxtm::FieldOf(store.GetSchema(), record, place_).image);
     });
     std::sort(values_.begin(), values_.end(), [type](Image a, Image b) {
       int error;

@@ -185,7 +185,7 @@ void WriteFields(const FieldOrder& order, const PlainImage& image, NxKeyWriter& 
 // ---------------------------------------------------------------------------
 // Texts
 
-/// A text taken out of a value or an image and closed by zeros.
+/// A text taken out of a value or an image, with a zero character behind it.
 class KeyText {
  public:
   KeyText() = default;
@@ -208,6 +208,10 @@ class KeyText {
       if (image.codeSet == kCodeSetOrderValues && (image.language & kMixedCollation)) return false;
     }
     text = {image.codeSet, image.language, nullptr, code};
+    if (NxCharWidth(image.codeSet) == 1) {  // it stands there already
+      text.text = reinterpret_cast<const char*>(image.Text());
+      return true;
+    }
     return Close(image.Text(), image.TextBytes());
   }
 
