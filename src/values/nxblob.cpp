@@ -211,6 +211,7 @@ unsigned short NxBlob::Search(const NxBlob& pattern) const {
   if (!data_) return kNotFound;
   const auto wanted = static_cast<unsigned long>(pattern.Length());
   if (wanted == 0) return 0;
+  if (Length() < pattern.Length()) return kNotFound;  // memmem takes no null bytes
   // Only places below 65535 have an answer of their own.
   const unsigned long searched = std::min(static_cast<unsigned long>(Length()), kNotFound - 1 + wanted);
   const void* found = memmem(data_->buffer, searched, pattern.data_->buffer, wanted);

@@ -64,8 +64,12 @@ TEST(Blob, MembersKeepToTheModel) {
     EXPECT_EQ(Content(b.CopyFrom(pos, n)), own);
     EXPECT_EQ(b != other, !m || !o ? (m ? 2 : o ? -2 : 0) : (*m > *o) - (*m < *o));
     EXPECT_EQ(b == other, m == o);
-    const std::size_t found = m ? m->find(own) : std::string::npos;
-    EXPECT_EQ(b.Search(b.CopyFrom(pos, n)), found == std::string::npos ? 65535 : found);
+    const auto place = [](const Model& in, const std::string& wanted) {
+      const std::size_t found = in ? in->find(wanted) : std::string::npos;
+      return found == std::string::npos ? 65535 : found;
+    };
+    EXPECT_EQ(b.Search(b.CopyFrom(pos, n)), place(m, own));
+    EXPECT_EQ(other.Search(b), place(o, m.value_or("")));
     switch (number(0, 7)) {
       case 0:
         b.Append(p, taken);
