@@ -55,6 +55,7 @@ TEST(Shortage, TextsStayEmptyOrAsTheyWere) {
   const Shortage shortage;
   EXPECT_EQ(NxString2MultiByteString(s, out, size), -1);
   EXPECT_EQ(out, nullptr);
+  EXPECT_EQ(size, 0);
   s += NxString("");
   other = alpha;
   copy.Fill(100, 'y');

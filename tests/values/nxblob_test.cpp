@@ -147,6 +147,8 @@ TEST(Blob, TextsAndNumbers) {
   EXPECT_TRUE(b.IsNullValue());
   std::unique_ptr<NxBlobData> data(NxBlob::AllocData(7));
   EXPECT_EQ(data->length, 8);
+  NxBlobData again("abcd", 4);
+  EXPECT_TRUE(again.init("xyz", 3) && again.init("longer", 6)) << "in place, and in a new buffer";
   const NxBlobData three("abc", 3), copy(NxBlob("ab")), room(5L);
   EXPECT_EQ(std::memcmp(three.buffer, copy.buffer, 2), 0);
   EXPECT_EQ(three.length + copy.length + room.length, 3 + 3 + 5);

@@ -107,6 +107,8 @@ TEST(References, TakeTheirParts) {
   NxString text;
   EXPECT_STREQ(ref.PrintToNxString(text, "%D %H %L %C %V").StrGet(), "8 6 7 4 5");
   EXPECT_STREQ(local.PrintToNxString(text, "%D %H %L %C %V").StrGet(), "0 1 2 4 5");
+  local = NxClassId{9, 8};
+  EXPECT_STREQ(local.PrintToNxString(text, "%H %L %C %V").StrGet(), "1 2 9 8");
   NxObjId id;
   id = InDatabase(3, Object(1, 2, 3));
   EXPECT_STREQ(id.PrintToNxString(text, "%B %H %L").StrGet(), "3 1 2");

@@ -150,6 +150,11 @@ TEST(StringKeys, OfSeveralStringsFollowOneAnother) {
   EXPECT_EQ(loaded[0].Len() * 10 + loaded[1].Len(), 21);
   EXPECT_EQ(loaded[2]._nSize, 0);
   EXPECT_EQ(loaded[2]._nLanguage, 4) << "a string without image takes what was read last";
+  for (unsigned long length = 0; length < static_cast<unsigned long>(size); ++length) {
+    const Block cut(key.Data(), length);  // nothing is read behind it
+    NxStringTranslate(loaded, 8, 0, cut.Data(), 0x81, length, 3);
+    EXPECT_LE(loaded[0].Len() * 10 + loaded[1].Len(), 21);
+  }
 }
 
 TEST(StringCompare, CutTextsThatNeedMoreThanTheWorkArea) {
