@@ -92,8 +92,11 @@ TEST_F(Workbench, AnIndexOfOtherCollationDataIsRefused) {
     auto store = Store::Open(Path("store"), Store::Mode::kWrite);
     nxtm::BuildIndex(*store, {0, false, 0});
     nxtm::BuildIndex(*store, {1, false, 0});
-    store->AddIndex({0, false, NxCollationVersion() + 1});
-    store->AddIndex({1, false, NxCollationVersion() + 1});
+    for (unsigned long attribute : {0, 1}) {
+      nxtm::IndexInfo index = *store->FindIndex(attribute, false);
+      index.collation = NxCollationVersion() + 1;
+      store->AddIndex(index);
+    }
     store->Commit();
   }
   ExpectFailure("query store 'word = a'", "nxtm reindex");
