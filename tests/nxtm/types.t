@@ -89,6 +89,32 @@ Every date, time, reference and blob is stored, loaded, compared, hashed, keyed 
   lower     open
   upper     07 00 00 00 2A 00 00 00 01 00 03 00 0C 00  ((3:1-42#7, 12))
 
+Nullable scalars: of the type itself, and of the scalar in a nullable column.
+
+  $ nxtm store NxNull_short -- 1 -1; nxtm store NxNull_double --format 2 0.5; nxtm load NxNull_long '01 00 00 00 00'
+  00 01 00
+  00 FF FF
+  00 3F E0 00 00 00 00 00 00
+  {NULL}
+  $ nxtm compare NxNull_char -- -1 1; nxtm print NxNull_NxInt64 255 --format %x; nxtm scan NxNull_int '{NULL}'
+  -1  -1 < 1
+  0xff
+  {NULL}
+  $ printf 'a long nullable\nb NxNull_float\nc short nullable format=%%04hd\nd NxBoolean nullable\ne enum nullable\n' >s
+  $ printf '1,0.5,0007,true,3\n,,,,\n-2,-1e+30,-012,false,0\n' >d
+  $ nxtm import s d store >log; nxtm export store | cmp - d
+  $ for column in a b c e; do nxtm index store $column >log; done
+  $ nxtm query store 'a > -5 and b < 1 and c >= 0007'
+  1,0.5,0007,true,3
+  $ nxtm query store 'a is null and e is null'
+  ,,,,
+  $ nxtm check store | tail -1
+  ordered index of e, 2 entries: sound
+  $ echo '1,0.5,7,true,3' >d; nxtm import s d store
+  nxtm: d:1:7: column 'c': '7' is no short under '%04hd': it reads as '0007'
+  [2]
+  $ rm store store-lock
+
 The library's texts, and what it reads.
 
   $ nxtm print NxDateTime 2004-03-15T13:45:07 --format '%A, %d. %B %y %H:%M'

@@ -80,7 +80,7 @@ when    NxDateTime format="%a %b %e %H:%M:%S %Y"
 local   NxDateTime format="%d.%m.%Y %H:%M:%S"
 name    NxString
 summer  NxBoolean
-offset  long
+offset  NxNull_long
 SCHEMA
 cat clocks.schema
 (cd /usr/share/zoneinfo && find Africa America Asia Atlantic Australia Europe Indian Pacific -type f) | sort |

@@ -408,10 +408,8 @@ const TextForm kForms[] = {
 std::array<const TextForm*, kTypeCount> FormsByType() {
   std::array<const TextForm*, kTypeCount> forms{};
   for (const TextForm& form : kForms) {
-    for (const char* name : {form.type, form.nullable}) {
-      const auto id = static_cast<unsigned char>(name ? FindType(name) : kIllegalTypeIndex);
-      if (NxNewtypetab[id]->Create != NxIllegalCreate) forms[id] = &form;
-    }
+    forms[static_cast<unsigned char>(FindType(form.type))] = &form;
+    if (form.nullable) forms[static_cast<unsigned char>(FindType(form.nullable))] = &form;
   }
   return forms;
 }

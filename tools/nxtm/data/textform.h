@@ -11,8 +11,8 @@ namespace nxtm {
 struct TextStyle {
   unsigned char codeSet = 0;  // of a text; 0: Latin-1 where its characters allow it, else Unicode
   unsigned char language = 1;
-  std::string format = "";  // of the type's print and scan functions; empty: the form of the table
-  std::string folder = "";  // in which the files that blobs name are looked for
+  std::string format;  // of the type's print and scan functions; empty: the form of the table
+  std::string folder;  // in which the files that blobs name are looked for
 };
 
 /// What the text of a value may hold besides values.

@@ -91,9 +91,7 @@ char FindType(const std::string& name) {
 
 char NullableTypeOf(char type) {
   const char* nullable = FormOf(type).nullable;
-  if (!nullable || Manager().SupportsNullValue(type)) return type;
-  const char id = FindType(nullable);
-  return IsUsable(id) ? id : type;
+  return nullable ? FindType(nullable) : type;
 }
 
 bool IsText(char type) { return IsUsable(type) && IsText(FormOf(type).kind); }

@@ -165,54 +165,63 @@ class Planner {
   QueryReport& report_;
 };
 
-unsigned int ToNumber(const Store& store, const MDB_val& data) {
-  unsigned int number = 0;
-  if (data.mv_size == sizeof number) std::memcpy(&number, data.mv_data, sizeof number);
-  if (data.mv_size != sizeof number || number >= store.Count())
-    throw Failure(store.Path() + ": an index names a record that is not there");
-  return number;
-}
-
 /// The smallest key in plain order; it sorts behind all keys in alphabetic order.
 Image FirstPlainKey() { return Image("\x06\x00\xFE\x14\x01\x00\x00\xFF", 8); }
 
 bool IsPlain(const Image& key) { return (static_cast<unsigned char>(key[3]) & 0x7F) >= kPlainOrderSelector; }
 
-/// Collects the record numbers behind the keys of an access.
-void Scan(Store& store, Access& access, std::vector<unsigned int>& numbers) {
-  MDB_dbi table = store.IndexTable(access.index, false);
-  Cursor cursor(store, table);
-  char type = store.GetSchema().Columns()[access.index.attribute].type;
-  MDB_val key{}, data;
-  unsigned int hash = 0;
-  bool found;
-  if (access.index.hash) {
-    hash = HashKey(type, access.term->key);
-    key = ValOf(hash);
-    found = cursor.Get(key, data, MDB_SET_KEY);
-  } else if (access.lower.empty()) {
-    found = cursor.Get(key, data, MDB_FIRST);
-  } else {
-    key = Val(access.lower);
-    found = cursor.Get(key, data, MDB_SET_RANGE);
-  }
-  MDB_val upper = Val(access.upper);
-  for (; found; found = cursor.Get(key, data, access.index.hash ? MDB_NEXT_DUP : MDB_NEXT)) {
-    if (!access.upper.empty() && mdb_cmp(store.Txn(), table, &key, &upper) > 0) break;
-    ++access.entriesRead;
-    numbers.push_back(ToNumber(store, data));
-  }
-  if (access.index.hash || !IsText(type)) return;
-  if (access.plainToo) {
-    const Image first = FirstPlainKey();
-    key = Val(first);
-    for (found = cursor.Get(key, data, MDB_SET_RANGE); found; found = cursor.Get(key, data, MDB_NEXT)) {
-      ++access.entriesRead;
-      numbers.push_back(ToNumber(store, data));
+/// Reads an index from a key on, or from its first one for none, as long as `wanted` says of
+/// a key, and one entry beside on either end: these tell that nothing was passed over.
+template <class Wanted>
+void ReadRange(Store& store, Access& access, MDB_val from, std::vector<unsigned int>& numbers,
+               Wanted wanted) {
+  const MDB_dbi table = store.IndexTable(access.index, false);
+  Cursor cursor(store, table), before(store, table);
+  EntryCheck check(store, access.index);
+  MDB_val key = from, data;
+  bool found = cursor.Get(key, data, from.mv_size == 0 ? MDB_FIRST : MDB_SET_RANGE);
+  if (from.mv_size != 0) {
+    MDB_val keyBefore = from, dataBefore;
+    const bool placed = before.Get(keyBefore, dataBefore, MDB_SET_RANGE);
+    if (before.Get(keyBefore, dataBefore, placed ? MDB_PREV : MDB_LAST)) {
+      check.Take(keyBefore, dataBefore);
+      if (mdb_cmp(store.Txn(), table, &keyBefore, &from) >= 0)
+        throw Failure(store.Path() + ": an index is damaged; make it anew with: nxtm reindex " +
+                      store.Path());
     }
   }
+  for (; found; found = cursor.Get(key, data, MDB_NEXT)) {
+    const unsigned int number = check.Take(key, data);
+    if (!wanted(key)) return;
+    ++access.entriesRead;
+    numbers.push_back(number);
+  }
+}
+
+/// Collects the record numbers behind the keys of an access.
+void Scan(Store& store, Access& access, std::vector<unsigned int>& numbers) {
+  const MDB_dbi table = store.IndexTable(access.index, false);
+  const char type = store.GetSchema().Columns()[access.index.attribute].type;
+  if (access.index.hash) {
+    unsigned int hash = HashKey(type, access.term->key);
+    const MDB_val wanted = ValOf(hash);
+    ReadRange(store, access, wanted, numbers,
+              [&](MDB_val key) { return mdb_cmp(store.Txn(), table, &key, &wanted) == 0; });
+    return;
+  }
+  const MDB_val upper = Val(access.upper);
+  ReadRange(store, access, Val(access.lower), numbers, [&](MDB_val key) {
+    return access.upper.empty() || mdb_cmp(store.Txn(), table, &key, &upper) <= 0;
+  });
+  if (!IsText(type)) return;
+  if (access.plainToo) {
+    const Image first = FirstPlainKey();
+    ReadRange(store, access, Val(first), numbers, [](MDB_val) { return true; });
+  }
   Cursor apart(store, store.ApartTable(access.index, false));
-  for (; apart.Get(key, data, MDB_NEXT); ++access.entriesRead) numbers.push_back(ToNumber(store, key));
+  EntryCheck check(store, access.index);
+  MDB_val key, data;
+  for (; apart.Get(key, data, MDB_NEXT); ++access.entriesRead) numbers.push_back(check.TakeApart(key));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "store/index.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 #include "data/failure.h"
@@ -77,6 +78,11 @@ class Entries {
   std::vector<unsigned int> apart_;
 };
 
+/// What an entry adds to the sum of its index: that it is there. Its key is held to the record.
+unsigned long long EntrySum(unsigned int number) {
+  return AddToSum(kEmptySum, {reinterpret_cast<const char*>(&number), sizeof number});
+}
+
 unsigned int NumberOf(const MDB_val& data) {
   unsigned int number = 0;
   if (data.mv_size == sizeof number) std::memcpy(&number, data.mv_data, sizeof number);
@@ -132,38 +138,122 @@ void RequireCurrent(const Store& store, const IndexInfo& index) {
                 "; rebuild it with: nxtm reindex " + store.Path());
 }
 
+namespace {
+
+[[noreturn]] void FailDamaged(const Store& store, const IndexInfo& index) {
+  throw Failure(Describe(store, index) + " is damaged; make it anew with: nxtm reindex " + store.Path());
+}
+
+/// Finds entries again from the root of their tree, at the borders of its pages: between
+/// them every look-up ends on the page where the entry is.
+class BorderCheck {
+ public:
+  BorderCheck(Store& store, MDB_dbi table) : cursor_(store, table) {}
+
+  /// False when an entry is not found where it is. Entries come in order.
+  bool Take(MDB_val key, MDB_val data) {
+    const bool border = !before_ || PageOf(key) != PageOf(key_) || PageOf(data) != PageOf(data_);
+    const bool found = !border || (Finds(key, data) && (!before_ || Finds(key_, data_)));
+    before_ = true;
+    key_ = key;
+    data_ = data;
+    return found;
+  }
+
+ private:
+  static std::uintptr_t PageOf(const MDB_val& value) {
+    constexpr std::uintptr_t kPage = 4096;
+    return reinterpret_cast<std::uintptr_t>(value.mv_data) / kPage;
+  }
+  bool Finds(MDB_val key, MDB_val data) {
+    const void* const place = data.mv_data;
+    return cursor_.Get(key, data, MDB_GET_BOTH) && data.mv_data == place;
+  }
+
+  Cursor cursor_;
+  bool before_ = false;
+  MDB_val key_{}, data_{};
+};
+
+}  // namespace
+
 void WalkIndex(Store& store, const IndexInfo& index) {
-  Cursor cursor(store, store.IndexTable(index, false));
+  const MDB_dbi table = store.IndexTable(index, false);
+  Cursor cursor(store, table);
+  BorderCheck borders(store, table);
+  EntryCheck check(store, index);
   MDB_val key, data;
-  for (unsigned long entries = 0; cursor.Get(key, data, MDB_NEXT); ++entries)
-    if (entries == store.Count() || data.mv_size != sizeof(unsigned int) || NumberOf(data) >= store.Count())
-      throw Failure(Describe(store, index) + " is damaged; export the records and import them anew");
+  unsigned long long sum = 0;
+  unsigned long entries = 0;
+  for (; cursor.Get(key, data, MDB_NEXT); ++entries) {
+    if (entries == store.Count()) FailDamaged(store, index);
+    sum += EntrySum(check.Take(key, data));
+    if (!borders.Take(key, data)) FailDamaged(store, index);
+  }
+  if (HasApart(store, index)) {
+    Cursor apart(store, store.ApartTable(index, false));
+    for (; apart.Get(key, data, MDB_NEXT); ++entries) {
+      if (entries == store.Count()) FailDamaged(store, index);
+      sum += EntrySum(check.TakeApart(key));
+    }
+  }
+  if (sum != index.sum) FailDamaged(store, index);
+}
+
+EntryCheck::EntryCheck(Store& store, const IndexInfo& index)
+    : store_(store), index_(index), table_(store.IndexTable(index, false)) {}
+
+unsigned int EntryCheck::Take(MDB_val key, MDB_val data) {
+  const unsigned int number = NumberOf(data);
+  if (data.mv_size != sizeof number || number >= store_.Count()) FailDamaged(store_, index_);
+  const Field field = FieldOf(store_.GetSchema(), store_.Get(number), index_.attribute);
+  const char type = store_.GetSchema().Columns()[index_.attribute].type;
+  if (field.isNull) FailDamaged(store_, index_);
+  const Image own = TableKey(index_, type, field.image);  // may differ in what does not count
+  const MDB_val expected = Val(own);
+  if (mdb_cmp(store_.Txn(), table_, &expected, &key) != 0) FailDamaged(store_, index_);
+  const MDB_val before = Val(key_);
+  const int order = any_ ? mdb_cmp(store_.Txn(), table_, &before, &key) : -1;
+  if (order > 0 || (order == 0 && number <= number_)) FailDamaged(store_, index_);
+  any_ = true;
+  key_.assign(View(key));
+  number_ = number;
+  return number;
+}
+
+unsigned int EntryCheck::TakeApart(MDB_val key) {
+  const unsigned int number = NumberOf(key);
+  if (key.mv_size != sizeof number || number >= store_.Count()) FailDamaged(store_, index_);
+  return number;
 }
 
 void BuildIndex(Store& store, const IndexInfo& index) {
-  if (const IndexInfo* old = store.FindIndex(index.attribute, index.hash)) WalkIndex(store, *old);
   MDB_dbi table = store.IndexTable(index, true);
   Entries entries(store, index, table);
   Cursor cursor(store, table);
+  unsigned long long sum = 0;
   const Entries::Entry* before = nullptr;
   for (const Entries::Entry& entry : entries.Sorted()) {
     // Entries in order are appended, which fills every page.
     bool again = before && entries.Compare(entries.KeyOf(*before), entries.KeyOf(entry)) == 0;
     unsigned int number = entry.number;
     cursor.Put(entries.KeyOf(entry), ValOf(number), again ? MDB_APPENDDUP : MDB_APPEND);
+    sum += EntrySum(number);
     before = &entry;
   }
   if (HasApart(store, index)) {
     Cursor apart(store, store.ApartTable(index, true));
-    for (unsigned int number : entries.Apart()) apart.Put(ValOf(number), {}, MDB_APPEND);
+    for (unsigned int number : entries.Apart()) {
+      apart.Put(ValOf(number), {}, MDB_APPEND);
+      sum += EntrySum(number);
+    }
   }
-  store.AddIndex({index.attribute, index.hash, NxCollationVersion()});
+  store.AddIndex({index.attribute, index.hash, NxCollationVersion(), sum});
 }
 
 void RebuildIndexes(Store& store) {
   const std::vector<IndexInfo> indexes = store.Indexes();
   for (IndexInfo index : indexes) {
-    WalkIndex(store, index);
     store.IndexTable(index, true);
     if (HasApart(store, index)) store.ApartTable(index, true);
     index.collation = kEmptied;
@@ -179,15 +269,20 @@ void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& f
     if (field.isNull || !index.IsMade()) continue;
     char type = store.GetSchema().Columns()[index.attribute].type;
     Image key = TableKey(index, type, field.image);
-    if (index.hash || IsWhole(type, key))
-      Cursor(store, store.IndexTable(index, false)).Put(Val(key), ValOf(number), 0);
-    else
-      Cursor(store, store.ApartTable(index, false)).Put(ValOf(number), {}, MDB_APPEND);
+    const bool apart = !index.hash && !IsWhole(type, key);
+    Cursor cursor(store, apart ? store.ApartTable(index, false) : store.IndexTable(index, false));
+    if (apart) {
+      cursor.Put(ValOf(number), {}, MDB_APPEND);
+    } else {
+      cursor.Put(Val(key), ValOf(number), 0);
+    }
+    store.AddToIndexSum(index, EntrySum(number));
   }
 }
 
 unsigned long CheckIndex(Store& store, const IndexInfo& index) {
   RequireCurrent(store, index);
+  WalkIndex(store, index);
   const std::string where = Describe(store, index);
   MDB_dbi table = store.IndexTable(index, false);
   Entries expected(store, index, table);

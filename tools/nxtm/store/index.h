@@ -31,9 +31,30 @@ Field FieldOf(const Schema& schema, std::string_view record, unsigned long attri
 /// command that rebuilds it.
 void RequireCurrent(const Store& store, const IndexInfo& index);
 
-/// Walks the entries of an index as they lie. Throws a Failure for damage that must not
-/// be built on: writing to it could reach other pages than its own.
+/// Walks the entries of an index as they lie. Throws a Failure where they are not those that
+/// were written, or are not found where they are.
 void WalkIndex(Store& store, const IndexInfo& index);
+
+/// Holds entries that are read one behind the other to what they should be: keys of the
+/// records that they name, in order. Throws a Failure for others.
+class EntryCheck {
+ public:
+  EntryCheck(Store& store, const IndexInfo& index);
+
+  /// The number of the record of the next entry.
+  unsigned int Take(MDB_val key, MDB_val data);
+  /// The same of the list apart.
+  unsigned int TakeApart(MDB_val key);
+
+ private:
+  Store& store_;
+  const IndexInfo& index_;
+  MDB_dbi table_;
+  bool any_ = false;
+  Image key_;
+  unsigned int number_ = 0;
+};
+
 /// Fills an index anew from the records.
 void BuildIndex(Store& store, const IndexInfo& index);
 /// Drops every index, and makes it anew.

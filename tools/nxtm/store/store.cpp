@@ -52,12 +52,6 @@ void ExpectDamage(const std::string& path) {
   }
 }
 
-unsigned long long AddToSum(unsigned long long sum, std::string_view bytes) {  // FNV-1a
-  for (unsigned char byte : bytes) sum = (sum ^ byte) * 1099511628211ULL;
-  return (sum ^ bytes.size()) * 1099511628211ULL;
-}
-constexpr unsigned long long kEmptySum = 14695981039346656037ULL;
-
 // ---------------------------------------------------------------------------
 // Order of index keys
 
@@ -98,6 +92,11 @@ void RequireStoreFile(const std::string& path) {
 unsigned long ToNumber(const std::string& text) { return std::strtoul(text.c_str(), nullptr, 10); }
 
 }  // namespace
+
+unsigned long long AddToSum(unsigned long long sum, std::string_view bytes) {  // FNV-1a
+  for (unsigned char byte : bytes) sum = (sum ^ byte) * 1099511628211ULL;
+  return (sum ^ bytes.size()) * 1099511628211ULL;
+}
 
 void CheckMdb(int code, const std::string& what) {
   if (code == MDB_MAP_FULL)
@@ -249,10 +248,12 @@ void Store::ReadMeta() {
   count_ = ToNumber(Meta("count"));
   for (unsigned long i = 0; i < schema_.Columns().size(); ++i) {
     for (bool hash : {false, true}) {
-      IndexInfo index{i, hash, 0};
+      IndexInfo index{i, hash};
       std::string made = Meta(IndexName(index));
       if (made.empty()) continue;
-      index.collation = ToNumber(made);
+      char* rest = nullptr;
+      index.collation = std::strtoul(made.c_str(), &rest, 10);
+      index.sum = std::strtoull(rest, nullptr, 10);
       indexes_.push_back(index);
     }
   }
@@ -327,6 +328,7 @@ void Store::NoteBlockSum() {
 void Store::WriteTransaction() {
   if (count_ % kBlock != 0) NoteBlockSum();
   SetMeta("count", std::to_string(count_));
+  for (const IndexInfo& index : indexes_) DescribeIndex(index);
   SetMeta("transaction", std::to_string(mdb_txn_id(txn_)));
   MDB_txn* txn = std::exchange(txn_, nullptr);
   CheckMdb(mdb_txn_commit(txn), path_);
@@ -363,13 +365,39 @@ void Store::Compact() {
   file_ = path_;
 }
 
-std::string_view Store::Get(unsigned int number) {
+std::string_view Store::ReadRecord(unsigned int number) {
   MDB_val key = ValOf(number), data;
   int code = mdb_get(txn_, records_, &key, &data);
   if (code == MDB_NOTFOUND) throw Failure(path_ + ": record " + std::to_string(number) + " is missing");
   CheckMdb(code, path_);
   RequireFits(data);
   return View(data);
+}
+
+std::string_view Store::Get(unsigned int number) {
+  RequireBlock(number / kBlock);
+  return ReadRecord(number);
+}
+
+/// Reads the block of a record once: who relies on one of its records relies on its sum.
+void Store::RequireBlock(unsigned int block) {
+  soundBlocks_.resize(count_ / kBlock + 1);
+  if (soundBlocks_[block]) return;
+  const auto first = static_cast<unsigned int>(block * kBlock);
+  const auto last = static_cast<unsigned int>(std::min<unsigned long>(first + kBlock, count_) - 1);
+  unsigned long long sum = kEmptySum;
+  for (unsigned int number = first; number <= last; ++number) sum = AddToSum(sum, ReadRecord(number));
+  RequireBlockSum(block, sum, last);
+  soundBlocks_[block] = true;
+}
+
+void Store::RequireBlockSum(unsigned int block, unsigned long long sum, unsigned int last) {
+  MDB_val key = ValOf(block), expected;
+  const int code = mdb_get(txn_, sums_, &key, &expected);
+  if (code == 0) RequireFits(expected);
+  if (code != 0 || expected.mv_size != sizeof sum || std::memcmp(expected.mv_data, &sum, sizeof sum) != 0)
+    throw Failure(path_ + ": one of the records " + std::to_string(block * kBlock) + " to " +
+                  std::to_string(last) + " is damaged: their checksum differs");
 }
 
 void Store::ForEach(const std::function<void(unsigned int, std::string_view)>& onRecord) {
@@ -385,13 +413,7 @@ void Store::ForEach(const std::function<void(unsigned int, std::string_view)>& o
     onRecord(number, View(data));
     sum = AddToSum(sum, View(data));
     if ((number + 1) % kBlock != 0 && number + 1 != count_) continue;
-    unsigned int block = number / kBlock;
-    MDB_val blockKey = ValOf(block), expected;
-    int code = mdb_get(txn_, sums_, &blockKey, &expected);
-    if (code == 0) RequireFits(expected);
-    if (code != 0 || expected.mv_size != sizeof sum || std::memcmp(expected.mv_data, &sum, sizeof sum) != 0)
-      throw Failure(path_ + ": one of the records " + std::to_string(block * kBlock) + " to " +
-                    std::to_string(number) + " is damaged: their checksum differs");
+    RequireBlockSum(number / kBlock, sum, number);
     sum = kEmptySum;
   }
   if (number != count_)
@@ -409,11 +431,19 @@ const IndexInfo* Store::FindIndex(unsigned long attribute, bool hash) const {
   return nullptr;
 }
 
+void Store::DescribeIndex(const IndexInfo& index) {
+  SetMeta(IndexName(index), std::to_string(index.collation) + " " + std::to_string(index.sum));
+}
+
+IndexInfo* Store::FindDescribed(const IndexInfo& index) {
+  for (IndexInfo& known : indexes_)
+    if (known.attribute == index.attribute && known.hash == index.hash) return &known;
+  return nullptr;
+}
+
 void Store::AddIndex(const IndexInfo& index) {
-  SetMeta(IndexName(index), std::to_string(index.collation));
-  for (IndexInfo& known : indexes_) {
-    if (known.attribute != index.attribute || known.hash != index.hash) continue;
-    known = index;
+  if (IndexInfo* known = FindDescribed(index)) {
+    *known = index;
     return;
   }
   if (indexes_.size() == kMaxIndexes)
@@ -421,12 +451,14 @@ void Store::AddIndex(const IndexInfo& index) {
   indexes_.push_back(index);
 }
 
+void Store::AddToIndexSum(const IndexInfo& index, unsigned long long entry) {
+  FindDescribed(index)->sum += entry;
+}
+
 bool Store::DropIndex(const IndexInfo& index) {
-  const auto known = std::find_if(indexes_.begin(), indexes_.end(), [&](const IndexInfo& other) {
-    return other.attribute == index.attribute && other.hash == index.hash;
-  });
-  if (known == indexes_.end()) return false;
-  indexes_.erase(known);
+  const IndexInfo* known = FindDescribed(index);
+  if (!known) return false;
+  indexes_.erase(indexes_.begin() + (known - indexes_.data()));
   CheckMdb(mdb_drop(txn_, IndexTable(index, false), 1), path_);
   const std::string apart = "a:" + schema_.Columns()[index.attribute].name;
   MDB_dbi table;

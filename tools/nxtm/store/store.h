@@ -25,6 +25,10 @@
 
 namespace nxtm {
 
+/// The sum of bytes, going on from another one.
+unsigned long long AddToSum(unsigned long long sum, std::string_view bytes);
+constexpr unsigned long long kEmptySum = 14695981039346656037ULL;
+
 /// Throws a Failure with the text of an LMDB error; 0 is none.
 void CheckMdb(int code, const std::string& what);
 
@@ -43,6 +47,7 @@ struct IndexInfo {
   unsigned long attribute = 0;  // its place in the schema
   bool hash = false;
   unsigned long collation = 0;  // the version of the collation data that it was made with
+  unsigned long long sum = 0;   // of the numbers in all entries, in any order
 
   /// False while it is being made anew, and after that was broken off.
   bool IsMade() const { return collation != kEmptied; }
@@ -81,7 +86,7 @@ class Store {
   /// Adds a record behind the last one and returns its number.
   unsigned int Append(const std::string& record);
   /// The bytes of a record, valid until the transaction ends; a Failure when it is
-  /// missing.
+  /// missing, or its block's checksum is wrong.
   std::string_view Get(unsigned int number);
   /// Every record in order of number. Throws a Failure when a number is missing or
   /// a block's checksum is wrong.
@@ -90,6 +95,8 @@ class Store {
   const std::vector<IndexInfo>& Indexes() const { return indexes_; }
   /// The index of an attribute, or null when none is made.
   const IndexInfo* FindIndex(unsigned long attribute, bool hash) const;
+  /// Counts an entry into the sum of an index.
+  void AddToIndexSum(const IndexInfo& index, unsigned long long entry);
   /// Notes that an index is there, as described; a Failure when there are too many.
   void AddIndex(const IndexInfo& index);
   /// Removes an index with its tables; false when there is none.
@@ -129,6 +136,11 @@ class Store {
   void NoteBlockSum();
   void WriteTransaction();
   std::string IndexName(const IndexInfo& index) const;
+  void DescribeIndex(const IndexInfo& index);
+  IndexInfo* FindDescribed(const IndexInfo& index);
+  std::string_view ReadRecord(unsigned int number);
+  void RequireBlock(unsigned int block);
+  void RequireBlockSum(unsigned int block, unsigned long long sum, unsigned int last);
 
   std::string path_;  // what the user calls the store
   std::string file_;  // where it is; a store that is being created has another name
@@ -144,7 +156,8 @@ class Store {
   unsigned long count_ = 0;
   unsigned long long blockSum_ = 0;
   std::vector<IndexInfo> indexes_;
-  Snapshot snapshot_;  // of an existing store, as it was opened
+  std::vector<bool> soundBlocks_;  // whose checksums were found right
+  Snapshot snapshot_;              // of an existing store, as it was opened
 };
 
 /// A cursor that closes itself.
