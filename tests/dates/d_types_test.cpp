@@ -295,6 +295,16 @@ TEST(StandardTimestamp, PartsComeAndGo) {
   EXPECT_EQ(Text(d = t), "2000-1-1");
   EXPECT_EQ(t != d_Timestamp(d_Date(1999, 12, 31), d_Time(23, 0, 0)), 1);
   EXPECT_EQ(t != d_Timestamp(d, d_Time(0, 3, 0)), -2);
+
+  // The library's other types take part wherever a standard one is expected.
+  NxDate leapDay(2451604);
+  EXPECT_EQ(Text(t = leapDay), "2000-2-29 1:1:0.0+1:0");
+  EXPECT_EQ(Text(leapDay + Days(1)) + Text(leapDay - Days(29)), "2000-3-12000-1-31");
+  EXPECT_EQ(Text(NxTime(60L) + Seconds(5)), "1:1:5.0+1:0");
+  EXPECT_EQ(Text((t.time = 3600L) - Seconds(1)), "1:59:59.0+1:0");
+  EXPECT_EQ(t != leapDay, 0);
+  EXPECT_EQ((t - d_Timestamp(leapDay, NxTime(3000L))).value, 600);  // times only
+
   const d_Date today = d_Date::current();
   EXPECT_LE(today != d_Timestamp::current(), 0);
   EXPECT_EQ(d_Time::current().tz_hour, 1);
