@@ -15,7 +15,7 @@ bool OneOf(char c, const char* set) { return c && std::strchr(set, c); }
 struct Conversion {
   bool suppressed = false;
   unsigned long width = 0;  // 0: none stated
-  char length = 0;          // 0, 'h', 'l', or 'H' for hh
+  char length = 0;          // 0, 'h', 'l', 'z', 't', or 'H' for hh
   char specifier = 0;
 };
 
@@ -66,7 +66,7 @@ class FormatReader {
   /// for the specifier and fits nothing.
   bool ReadSpecifier(Conversion& c) {
     if (OneOf(*p_, "hlzt")) {
-      c.length = *p_ == 'h' ? 'h' : 'l';  // size_t and ptrdiff_t are as wide as long
+      c.length = *p_;
       ++p_;
       if (c.length == 'h' && *p_ == 'h') {
         c.length = 'H';

@@ -184,11 +184,13 @@ NxString& NxTypeMgr::PrintToNxString(char id, NxString& out, void* values, const
   // The chars of an array are one text.
   if (n < 2 || print == CharPrintToNxString) return print(out, values, format, n);
   const NxString separator(",");
+  NxString text(out);  // out may hold the format or be one of the values
   for (unsigned long i = 0; i < n; ++i) {
     NxString element;
-    if (i != 0) out += separator;
-    out += print(element, GetArrayElement(id, values, i, n), format, 1);
+    if (i != 0) text += separator;
+    text += print(element, GetArrayElement(id, values, i, n), format, 1);
   }
+  out.Destruct(text);
   return out;
 }
 

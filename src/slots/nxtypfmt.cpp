@@ -229,8 +229,8 @@ void* ScanAlpha(void* value, NxString& in) {
 
 NxString& CharPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long n) {
   if (!NxPrintFormatFits(fmt, {NxFormatArg::kByte})) return RefuseFormat(out, fmt);
-  out = "";
-  NxPieceWriter pieces(out);
+  NxString text("");  // out may hold the format or the chars
+  NxPieceWriter pieces(text);
   const char* chars = static_cast<const char*>(value);
   for (unsigned long i = 0; i < n; ++i) {
     char work[kWorkBytes];
@@ -240,6 +240,8 @@ NxString& CharPrintToNxString(NxString& out, void* value, const char* fmt, unsig
                                                          : std::snprintf(work, sizeof work, "0x%02x", byte);
     if (length > 0) pieces.Add(work);
   }
+  pieces.Flush();
+  out.Destruct(text);
   return out;
 }
 

@@ -48,6 +48,12 @@ class NxPieceWriter {
     }
   }
 
+  /// Appends what has been collected, as the destructor does.
+  void Flush() {
+    if (used_ > 0) NxAppendText(out_, buffer_, used_);
+    used_ = 0;
+  }
+
   /// A place for at most n bytes, no more than a buffer's size; Took says where the bytes
   /// written there end.
   char* Room(unsigned long n) {
@@ -57,11 +63,6 @@ class NxPieceWriter {
   void Took(const char* end) { used_ = static_cast<unsigned long>(end - buffer_); }
 
  private:
-  void Flush() {
-    if (used_ > 0) NxAppendText(out_, buffer_, used_);
-    used_ = 0;
-  }
-
   NxString& out_;
   unsigned long used_ = 0;
   char buffer_[2048];

@@ -242,6 +242,13 @@ TEST(Text, Arrays) {
   EXPECT_EQ(Text(mgr.PrintToNxString(7, out, values, "%d", 1)), "1");
   char letters[] = {'A', '\n', 'z'};
   EXPECT_EQ(Text(mgr.PrintToNxString(0, out, letters, nullptr, 3)), "A0x0az");
+  // The output may hold the format, or be one of the values.
+  NxString format("<%c>");
+  EXPECT_EQ(Text(mgr.PrintToNxString(0, format, letters, format.StrGet(), 2)), "<A>0x0a");
+  format = "%d;";
+  EXPECT_EQ(Text(mgr.PrintToNxString(7, format, values, format.StrGet(), 3)), "%d;1;,2;,3;");
+  NxString strings[] = {NxString("a"), NxString("b")};
+  EXPECT_EQ(Text(mgr.PrintToNxString(11, strings[1], strings, nullptr, 2)), "ba,b");
   NxString text("41");
   EXPECT_EQ(mgr.ScanFromNxString(7, values, text, nullptr, 1), values);
   EXPECT_EQ(values[0], 41);
