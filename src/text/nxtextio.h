@@ -38,7 +38,7 @@ class NxPieceWriter {
   void Add(const char* text) { Add(text, std::strlen(text)); }
   void Add(const char* text, unsigned long length) {
     while (length > 0) {
-      if (used_ == sizeof buffer_) Flush();
+      if (used_ == sizeof buffer_) Spill();
       const unsigned long room = sizeof buffer_ - used_;
       const unsigned long part = length < room ? length : room;
       std::memcpy(buffer_ + used_, text, part);
@@ -50,20 +50,30 @@ class NxPieceWriter {
 
   /// Appends what has been collected, as the destructor does.
   void Flush() {
-    if (used_ > 0) NxAppendText(out_, buffer_, used_);
+    if (used_ > 0) NxAppendText(longer_ ? *longer_ : out_, buffer_, used_);
     used_ = 0;
+    if (longer_) out_.Destruct(*longer_);
+    longer_.reset();
   }
 
   /// A place for at most n bytes, no more than a buffer's size; Took says where the bytes
   /// written there end.
   char* Room(unsigned long n) {
-    if (sizeof buffer_ - used_ < n) Flush();
+    if (sizeof buffer_ - used_ < n) Spill();
     return buffer_ + used_;
   }
   void Took(const char* end) { used_ = static_cast<unsigned long>(end - buffer_); }
 
  private:
+  /// Makes room in a copy: out may hold the text that more pieces come from.
+  void Spill() {
+    if (!longer_) longer_.emplace(out_);
+    NxAppendText(*longer_, buffer_, used_);
+    used_ = 0;
+  }
+
   NxString& out_;
+  std::optional<NxString> longer_;
   unsigned long used_ = 0;
   char buffer_[2048];
 };

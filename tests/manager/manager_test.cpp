@@ -13,6 +13,7 @@
 #include "nxbase.h"
 #include "nxcomp.h"
 #include "nxconv.h"
+#include "nxint64.h"
 #include "nxstring.h"
 #include "nxtmdata.h"
 #include "nxtmvers.h"
@@ -247,6 +248,10 @@ TEST(Text, Arrays) {
   EXPECT_EQ(Text(mgr.PrintToNxString(0, format, letters, format.StrGet(), 2)), "<A>0x0a");
   format = "%d;";
   EXPECT_EQ(Text(mgr.PrintToNxString(7, format, values, format.StrGet(), 3)), "%d;1;,2;,3;");
+  format = std::string(3000, '-').append("%S").c_str();
+  NxInt64 seven(7);
+  EXPECT_EQ(Text(mgr.PrintToNxString(26, format, &seven, format.StrGet(), 1)).substr(3000),
+            "%S" + std::string(3000, '-') + "7");
   NxString strings[] = {NxString("a"), NxString("b")};
   EXPECT_EQ(Text(mgr.PrintToNxString(11, strings[1], strings, nullptr, 2)), "ba,b");
   NxString text("41");
