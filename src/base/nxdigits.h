@@ -35,6 +35,25 @@ inline unsigned NxDecimalLength(unsigned v) {
   return length + (v >= kPowers[length]);
 }
 
+/// The decimal text of an integer.
+class NxIntegerText {
+ public:
+  NxIntegerText(unsigned magnitude, bool negative)
+      : magnitude_(magnitude), length_(NxDecimalLength(magnitude) + negative) {}
+
+  unsigned long Length() const { return length_; }
+  /// Returns the place behind it.
+  char* Put(char* place) const {
+    *place = '-';  // or a digit
+    NxPutDecimal(place + length_, magnitude_);
+    return place + length_;
+  }
+
+ private:
+  unsigned magnitude_;
+  unsigned long length_;
+};
+
 /// The nine digits of a number below 10^9. Returns the place behind them.
 inline char* NxPutNine(char* place, unsigned v) {
   // v / 10^8 with its fraction, rounded up, of which each pair of digits is multiplied out.
@@ -45,6 +64,17 @@ inline char* NxPutNine(char* place, unsigned v) {
     place = NxPutPair(place, static_cast<unsigned>(part >> 32));
   }
   return place;
+}
+
+/// Divides v by 10^9. Returns the rest. A 32-bit program calls a function for what is one
+/// instruction where the quotient has 32 bits.
+inline unsigned NxTakeNine(unsigned long long& v) {
+  constexpr unsigned kNineDigits = 1'000'000'000;
+  const auto high = static_cast<unsigned>(v >> 32);
+  unsigned quotient = static_cast<unsigned>(v), rest = high % kNineDigits;
+  asm("divl %2" : "+a"(quotient), "+d"(rest) : "r"(kNineDigits) : "cc");
+  v = static_cast<unsigned long long>(high / kNineDigits) << 32 | quotient;
+  return rest;
 }
 
 /// The value of a decimal digit; 10 and above for any other character.
