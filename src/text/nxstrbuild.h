@@ -63,11 +63,15 @@ inline void NxAttach(NxString& s, char* buffer, unsigned long size) {
   s._nSize = static_cast<unsigned short>(size);
 }
 
-/// A buffer of just size bytes for s: the present one when it is, which spares the
-/// allocation where a string takes text after text of equal length. Null, with s as
-/// it was, for want of memory.
+/// A buffer of size bytes for s: the present one where it has as many or a few more, which
+/// spares the allocation where a string takes text after text. Null, with s as it was, for
+/// want of memory.
 inline char* NxBufferFor(NxString& s, unsigned long size) {
-  if (s._pBuffer && s._nSize == size) return s._pBuffer;
+  constexpr unsigned long kFew = 16;  // about what an allocation is rounded up to
+  if (s._pBuffer && s._nSize - size < kFew) {
+    s._nSize = static_cast<unsigned short>(size);
+    return s._pBuffer;
+  }
   char* buffer = NxNewArray<char>(size);
   if (buffer) NxAttach(s, buffer, size);
   return buffer;
