@@ -29,22 +29,53 @@ inline char* NxPutDecimal(char* end, unsigned v) {
 
 /// The number of decimal digits of v.
 inline unsigned NxDecimalLength(unsigned v) {
-  constexpr unsigned kPowers[] = {0, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+  static constexpr unsigned kPowers[] = {0,      10,      100,      1000,      10000,
+                                         100000, 1000000, 10000000, 100000000, 1000000000};
   // 1233 / 4096 is the logarithm of 2, so that this is the length or one less.
   const unsigned length = (32U - static_cast<unsigned>(__builtin_clz(v | 1))) * 1233 >> 12;
   return length + (v >= kPowers[length]);
 }
 
-/// The nine digits of a number below 10^9. Returns the place behind them.
-inline char* NxPutNine(char* place, unsigned v) {
-  // v / 10^8 with its fraction, rounded up, of which each pair of digits is multiplied out.
-  unsigned long long part = (v * 1441151881ULL >> 25) + 1;
-  *place++ = static_cast<char>('0' + (part >> 32));
-  for (int i = 0; i < 4; ++i) {
-    part = (part & 0xFFFFFFFF) * 100;
-    place = NxPutPair(place, static_cast<unsigned>(part >> 32));
+/// The decimal text of an integer.
+class NxIntegerText {
+ public:
+  NxIntegerText(unsigned magnitude, bool negative)
+      : magnitude_(magnitude), length_(NxDecimalLength(magnitude) + negative) {}
+
+  unsigned long Length() const { return length_; }
+  /// Returns the place behind it.
+  char* Put(char* place) const {
+    *place = '-';  // or a digit
+    NxPutDecimal(place + length_, magnitude_);
+    return place + length_;
   }
-  return place;
+
+ private:
+  unsigned magnitude_;
+  unsigned long length_;
+};
+
+/// The four digits of a number below 10000. Returns the place behind them.
+inline char* NxPutFour(char* place, unsigned v) { return NxPutPair(NxPutPair(place, v / 100), v % 100); }
+
+/// The nine digits of a number below 10^9. Returns the place behind them. No pair waits for
+/// the one before it.
+inline char* NxPutNine(char* place, unsigned v) {
+  constexpr unsigned kEightDigits = 100'000'000;
+  *place++ = static_cast<char>('0' + v / kEightDigits);
+  v %= kEightDigits;
+  return NxPutFour(NxPutFour(place, v / 10000), v % 10000);
+}
+
+/// Divides v by 10^9. Returns the rest. A 32-bit program calls a function for what is one
+/// instruction where the quotient has 32 bits.
+inline unsigned NxTakeNine(unsigned long long& v) {
+  constexpr unsigned kNineDigits = 1'000'000'000;
+  const auto high = static_cast<unsigned>(v >> 32);
+  unsigned quotient = static_cast<unsigned>(v), rest = high % kNineDigits;
+  asm("divl %2" : "+a"(quotient), "+d"(rest) : "r"(kNineDigits) : "cc");
+  v = static_cast<unsigned long long>(high / kNineDigits) << 32 | quotient;
+  return rest;
 }
 
 /// The value of a decimal digit; 10 and above for any other character.

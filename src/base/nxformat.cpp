@@ -5,8 +5,6 @@
 
 #include <cstring>
 
-#include "base/nxdigits.h"
-
 namespace {
 
 bool OneOf(char c, const char* set) { return c && std::strchr(set, c); }
@@ -196,18 +194,18 @@ bool NxReadPlainInteger(const char* format, NxPlainInteger& plain) {
   return *p == 0;
 }
 
-unsigned long NxPrintPlainInteger(const NxPlainInteger& plain, int value, char* area, unsigned long size) {
-  if (plain.beforeLength + kIntegerBytes + plain.afterLength > size) return 0;
+NxIntegerText NxTextOfPlainInteger(const NxPlainInteger& plain, int value) {
   if (plain.isShort) value = plain.isSigned ? static_cast<short>(value) : static_cast<unsigned short>(value);
   const bool negative = plain.isSigned && value < 0;
   const auto bits = static_cast<unsigned>(value);
-  const unsigned magnitude = negative ? 0 - bits : bits;
+  return {negative ? 0 - bits : bits, negative};
+}
+
+unsigned long NxPrintPlainInteger(const NxPlainInteger& plain, int value, char* area, unsigned long size) {
+  if (plain.beforeLength + kIntegerBytes + plain.afterLength > size) return 0;
   char* place = area;
   for (unsigned long i = 0; i < plain.beforeLength; ++i) *place++ = plain.before[i];
-  *place = '-';
-  place += negative;
-  place += NxDecimalLength(magnitude);
-  NxPutDecimal(place, magnitude);
+  place = NxTextOfPlainInteger(plain, value).Put(place);
   for (unsigned long i = 0; i < plain.afterLength; ++i) *place++ = plain.after[i];
   return static_cast<unsigned long>(place - area);
 }

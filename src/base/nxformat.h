@@ -6,6 +6,8 @@
 
 #include <initializer_list>
 
+#include "base/nxdigits.h"
+
 /// A value that a conversion prints, or scans into.
 enum class NxFormatArg : unsigned char {
   kByte,    // integers of 1, 2 and 4 bytes; printed as the last
@@ -36,10 +38,14 @@ struct NxPlainInteger {
   bool isSigned;               //
   const char* after;           // the text behind it
   unsigned long afterLength;   //
+  bool IsAlone() const { return beforeLength == 0 && afterLength == 0; }
 };
 
 /// False for null and for all other formats.
 bool NxReadPlainInteger(const char* format, NxPlainInteger& plain);
+
+/// The digits and the sign that printf makes of a value under such a format.
+NxIntegerText NxTextOfPlainInteger(const NxPlainInteger& plain, int value);
 
 /// Writes what printf makes of such a format, without a terminator. Returns its length, 0
 /// when `size` bytes might not do.

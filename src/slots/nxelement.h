@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <cstring>
+#include <type_traits>
 
 #include "nxbase.h"
 #include "nxoption.h"
@@ -109,14 +110,34 @@ V NxReadValue(const void* p) {
   return *reinterpret_cast<const V*>(value);
 }
 
+/// A number whose bytes stand in the other order.
+template <class V>
+V NxReadSwapped(const void* p) {
+  if constexpr (sizeof(V) == 2) {
+    const unsigned short bits = __builtin_bswap16(NxReadValue<unsigned short>(p));
+    return NxReadValue<V>(&bits);
+  } else if constexpr (sizeof(V) == 4) {
+    const unsigned bits = __builtin_bswap32(NxReadValue<unsigned>(p));
+    return NxReadValue<V>(&bits);
+  } else if constexpr (sizeof(V) == 8) {
+    const unsigned long long bits = __builtin_bswap64(NxReadValue<unsigned long long>(p));
+    return NxReadValue<V>(&bits);
+  } else {
+    static_assert(sizeof(V) == 1);
+    return NxReadValue<V>(p);
+  }
+}
+
 /// A value of any form, loaded by the type's own function where it needs it.
 template <class V, NxSlot::Load* kLoad>
 V NxReadElement(const void* p, unsigned char format) {
+  if (NxReadsInPlace(format)) return NxReadValue<V>(p);
+  if constexpr (std::is_arithmetic_v<V>) {
+    // Most significant byte first, as LongStore and the like have it.
+    if ((format & kFormatCodeMask) == kFormatBigEndian) return NxReadSwapped<V>(p);
+  }
   V value{};
-  if (NxReadsInPlace(format))
-    std::memcpy(static_cast<void*>(&value), p, sizeof value);
-  else
-    kLoad(&value, p, format, 1);
+  kLoad(&value, p, format, 1);
   return value;
 }
 

@@ -1,9 +1,9 @@
-// A vector of sixteen bytes holds one to eight values. One shuffle brings their bytes to
+// A lane of sixteen bytes holds one to eight values. One shuffle brings their bytes to
 // their places, another brings to each byte the flag that decides whether it counts.
-// Vectors overlap where what they make is shorter than they are.
+// Lanes overlap in memory where what they make is shorter than they are. A vector has two.
 #include "slots/nxnulpack.h"
 
-#include <tmmintrin.h>
+#include <immintrin.h>
 
 #include <algorithm>
 
@@ -11,21 +11,34 @@ namespace {
 
 using Byte = unsigned char;
 
-constexpr unsigned kVectorBytes = 16;
+constexpr unsigned kLaneBytes = 16;
 constexpr Byte kNone = 0x80;  // in a shuffle: the byte becomes 0
 constexpr Byte kNull = 1;     // the flag of a null, as it is written
 
-/// One byte for each of a vector.
-struct Pattern {
-  explicit Pattern(Byte byte) { std::fill(bytes, bytes + kVectorBytes, byte); }
-  Byte& operator[](unsigned i) { return bytes[i]; }
-  __m128i Vector() const { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)); }
+#define NX_AVX2 __attribute__((target("avx2")))
 
-  Byte bytes[kVectorBytes];
+/// One byte for each of a lane.
+struct Pattern {
+  explicit Pattern(Byte byte) { std::fill(bytes, bytes + kLaneBytes, byte); }
+  Byte& operator[](unsigned i) { return bytes[i]; }
+  /// The same in both lanes.
+  NX_AVX2 __m256i Vector() const {
+    return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)));
+  }
+
+  Byte bytes[kLaneBytes];
 };
 
-__m128i Read(const Byte* from) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from)); }
-void Write(Byte* to, __m128i v) { _mm_storeu_si128(reinterpret_cast<__m128i*>(to), v); }
+/// The lanes at `from` and `distance` bytes behind it.
+NX_AVX2 inline __m256i Read(const Byte* from, unsigned distance) {
+  const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+  const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + distance));
+  return _mm256_inserti128_si256(_mm256_castsi128_si256(first), second, 1);
+}
+NX_AVX2 inline void Write(Byte* to, unsigned distance, __m256i v) {
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_castsi256_si128(v));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to + distance), _mm256_extracti128_si256(v, 1));
+}
 
 /// Sizes of values whose number has so many bytes.
 template <unsigned kNumberBytes>
@@ -33,16 +46,17 @@ struct Sizes {
   static constexpr unsigned kNumber = kNumberBytes;
   static constexpr unsigned kValue = kNumberBytes < 4 ? 2 * kNumberBytes : kNumberBytes + 4;
   static constexpr unsigned kImage = kNumberBytes + 1;
-  static constexpr unsigned kStep = kVectorBytes / kValue;  // values in a vector
-  static constexpr unsigned kSteps = 4;                     // vectors at a time
-  /// Values that must be left: behind those that the last vector moves, it reads or
+  static constexpr unsigned kStep = kLaneBytes / kValue;  // values in a lane
+  static constexpr unsigned kLanes = 4;                   // at a time
+  static constexpr unsigned kValueLane = kStep * kValue;  // bytes that a lane moves
+  static constexpr unsigned kImageLane = kStep * kImage;
+  /// Values that must be left: behind those that the last lane moves, it reads or
   /// writes no more than there is.
-  static constexpr unsigned kEnough = (kSteps - 1) * kStep + (kVectorBytes + kImage - 1) / kImage;
+  static constexpr unsigned kEnough = (kLanes - 1) * kStep + (kLaneBytes + kImage - 1) / kImage;
 };
 
 template <class Size>
-__attribute__((target("ssse3"))) unsigned long Pack(const NxNullShape& shape, Byte* image, const Byte* values,
-                                                    unsigned long count) {
+NX_AVX2 unsigned long Pack(const NxNullShape& shape, Byte* image, const Byte* values, unsigned long count) {
   Pattern place(kNone), flagOf(kNone), most(0xFF);
   for (unsigned v = 0; v < Size::kStep; ++v) {
     const unsigned from = v * Size::kValue, flag = from + Size::kNumber, to = v * Size::kImage;
@@ -53,24 +67,23 @@ __attribute__((target("ssse3"))) unsigned long Pack(const NxNullShape& shape, By
     place[to + shape.flagAt] = static_cast<Byte>(flag);
     most[flag] = kNull;
   }
-  const __m128i places = place.Vector(), flagsOf = flagOf.Vector(), limits = most.Vector();
+  const __m256i places = place.Vector(), flagsOf = flagOf.Vector(), limits = most.Vector();
   unsigned long left = count;
-  for (; left >= Size::kEnough; left -= Size::kSteps * Size::kStep) {
-    for (unsigned i = 0; i < Size::kSteps; ++i) {
+  for (; left >= Size::kEnough; left -= Size::kLanes * Size::kStep) {
+    for (unsigned i = 0; i < Size::kLanes; i += 2) {
       // Flags become 0 or 1. Then the bytes of numbers whose flag is 1 become 0.
-      const __m128i v = _mm_min_epu8(Read(values), limits);
-      const __m128i keep = _mm_cmpeq_epi8(_mm_shuffle_epi8(v, flagsOf), _mm_setzero_si128());
-      Write(image, _mm_and_si128(_mm_shuffle_epi8(v, places), keep));
-      values += Size::kStep * Size::kValue;
-      image += Size::kStep * Size::kImage;
+      const __m256i v = _mm256_min_epu8(Read(values, Size::kValueLane), limits);
+      const __m256i keep = _mm256_cmpeq_epi8(_mm256_shuffle_epi8(v, flagsOf), _mm256_setzero_si256());
+      Write(image, Size::kImageLane, _mm256_and_si256(_mm256_shuffle_epi8(v, places), keep));
+      values += 2 * Size::kValueLane;
+      image += 2 * Size::kImageLane;
     }
   }
   return count - left;
 }
 
 template <class Size>
-__attribute__((target("ssse3"))) unsigned long Unpack(const NxNullShape& shape, Byte* values,
-                                                      const Byte* image, unsigned long count) {
+NX_AVX2 unsigned long Unpack(const NxNullShape& shape, Byte* values, const Byte* image, unsigned long count) {
   Pattern place(kNone), flagOf(kNone), number(0);
   for (unsigned v = 0; v < Size::kStep; ++v) {
     const unsigned from = v * Size::kImage, flag = from + shape.flagAt, to = v * Size::kValue;
@@ -81,22 +94,23 @@ __attribute__((target("ssse3"))) unsigned long Unpack(const NxNullShape& shape, 
     }
     place[to + Size::kNumber] = flagOf[to + Size::kNumber] = static_cast<Byte>(flag);
   }
-  const __m128i places = place.Vector(), flagsOf = flagOf.Vector(), numbers = number.Vector();
+  const __m256i places = place.Vector(), flagsOf = flagOf.Vector(), numbers = number.Vector();
   unsigned long left = count;
-  for (; left >= Size::kEnough; left -= Size::kSteps * Size::kStep) {
-    for (unsigned i = 0; i < Size::kSteps; ++i) {
+  for (; left >= Size::kEnough; left -= Size::kLanes * Size::kStep) {
+    for (unsigned i = 0; i < Size::kLanes; i += 2) {
       // Of a null its flag is kept, of any other value the number.
-      const __m128i v = Read(image);
-      const __m128i null = _mm_cmpeq_epi8(_mm_shuffle_epi8(v, flagsOf), _mm_set1_epi8(kNull));
-      Write(values, _mm_and_si128(_mm_shuffle_epi8(v, places), _mm_xor_si128(null, numbers)));
-      image += Size::kStep * Size::kImage;
-      values += Size::kStep * Size::kValue;
+      const __m256i v = Read(image, Size::kImageLane);
+      const __m256i null = _mm256_cmpeq_epi8(_mm256_shuffle_epi8(v, flagsOf), _mm256_set1_epi8(kNull));
+      Write(values, Size::kValueLane,
+            _mm256_and_si256(_mm256_shuffle_epi8(v, places), _mm256_xor_si256(null, numbers)));
+      image += 2 * Size::kImageLane;
+      values += 2 * Size::kValueLane;
     }
   }
   return count - left;
 }
 
-bool CanShuffle() { return __builtin_cpu_supports("ssse3"); }
+bool CanShuffle() { return __builtin_cpu_supports("avx2"); }
 
 }  // namespace
 

@@ -45,12 +45,23 @@ NxString& PrintNumber(NxString& out, const char* fmt, std::initializer_list<NxFo
   return out;
 }
 
+/// out becomes a number, written where it stays.
+NxString& AssignInteger(NxString& out, const NxIntegerText& number) {
+  char* const buffer = NxBufferFor(out, number.Length() + 1);
+  if (!buffer) return out;
+  *number.Put(buffer) = 0;
+  out._nCodeSet = NxString::GetDefault8CodeSet();
+  out._nLanguage = NxLanguageContext::GetDefaultLanguage();
+  return out;
+}
+
 /// The same of an integer, its usual formats without the C library.
 NxString& PrintInteger(NxString& out, const char* fmt, NxFormatArg kind, int value) {
-  char work[kWorkBytes];
   NxPlainInteger plain;
-  const unsigned long length =
-      NxReadPlainInteger(fmt, plain) ? NxPrintPlainInteger(plain, value, work, sizeof work - 1) : 0;
+  if (!NxReadPlainInteger(fmt, plain)) return PrintNumber(out, fmt, {kind}, value);
+  if (plain.IsAlone()) return AssignInteger(out, NxTextOfPlainInteger(plain, value));
+  char work[kWorkBytes];
+  const unsigned long length = NxPrintPlainInteger(plain, value, work, sizeof work - 1);
   if (length == 0) return PrintNumber(out, fmt, {kind}, value);
   NxAssignText(out, work, NxString::GetDefault8CodeSet(), length);
   return out;

@@ -246,20 +246,11 @@ void NxAssignText(NxString& s, const char* text, unsigned char codeSet, unsigned
 }
 
 void NxAppendText(NxString& s, const char* text, unsigned long n) {
-  const unsigned char codeSet = NxString::GetDefault8CodeSet();
   const unsigned long old = s.Len();
-  const unsigned long size = old + n + 1;
-  if (s._nCodeSet != codeSet || size > kMaxStringBytes) {
-    NxBuildText(s, {text, codeSet, n, old}, NxBuildMode::kCompose);
-    return;
-  }
-  // Nothing has to be converted: the case of nearly every printed value.
-  char* buffer = NxNewArray<char>(size);
-  if (!buffer) return;
-  NxCopyBytes(buffer, s._pBuffer, old);
-  NxCopyBytes(buffer + old, text, n);
-  buffer[old + n] = 0;
-  NxAttach(s, buffer, size);
+  if (!NxTakesAsItIs(s, old, n))
+    NxBuildText(s, {text, NxString::GetDefault8CodeSet(), n, old}, NxBuildMode::kCompose);
+  else if (char* const place = NxRoomBehind(s, old, n))
+    NxCopyBytes(place, text, n);
 }
 
 void NxString::BuildString(const char* src, unsigned char srcCodeSet, unsigned short destPos,

@@ -63,11 +63,15 @@ inline void NxAttach(NxString& s, char* buffer, unsigned long size) {
   s._nSize = static_cast<unsigned short>(size);
 }
 
-/// A buffer of just size bytes for s: the present one when it is, which spares the
-/// allocation where a string takes text after text of equal length. Null, with s as
-/// it was, for want of memory.
+/// A buffer of size bytes for s: the present one where it has as many or a few more, which
+/// spares the allocation where a string takes text after text. Null, with s as it was, for
+/// want of memory.
 inline char* NxBufferFor(NxString& s, unsigned long size) {
-  if (s._pBuffer && s._nSize == size) return s._pBuffer;
+  constexpr unsigned long kFew = 16;  // about what an allocation is rounded up to
+  if (s._pBuffer && s._nSize - size < kFew) {
+    s._nSize = static_cast<unsigned short>(size);
+    return s._pBuffer;
+  }
   char* buffer = NxNewArray<char>(size);
   if (buffer) NxAttach(s, buffer, size);
   return buffer;
@@ -102,6 +106,23 @@ void NxAssignText(NxString& s, const char* text, unsigned char codeSet, unsigned
 
 /// Appends n characters of the default 8-bit code set that are no part of s.
 void NxAppendText(NxString& s, const char* text, unsigned long n);
+
+/// Whether n characters of the default 8-bit code set behind the `old` ones of s need no
+/// conversion and are not too many.
+inline bool NxTakesAsItIs(const NxString& s, unsigned long old, unsigned long n) {
+  return s._nCodeSet == NxLanguageContext::GetDefault8CodeSet() && old + n < kMaxStringBytes;
+}
+
+/// Makes room for n such characters, with the terminator behind them. Returns the place;
+/// null, with s as it was, for want of memory.
+inline char* NxRoomBehind(NxString& s, unsigned long old, unsigned long n) {
+  char* buffer = NxNewArray<char>(old + n + 1);
+  if (!buffer) return nullptr;
+  if (old != 0) std::memcpy(buffer, s._pBuffer, old);
+  buffer[old + n] = 0;
+  NxAttach(s, buffer, old + n + 1);
+  return buffer + old;
+}
 
 /// Converts at most limit characters, up to the first zero character, from src to
 /// dst, which has room for them. Returns how many. No terminator is written.

@@ -2,6 +2,7 @@
 
 #include "base/nxdigits.h"
 #include "nxint64.h"
+#include "text/nxstrbuild.h"
 #include "text/nxtextio.h"
 
 namespace {
@@ -37,21 +38,32 @@ const Radix* RadixOf(char directive) {
   }
 }
 
-/// Writes v in decimal. Returns the place behind it.
-char* PutDecimal(char* place, unsigned long long v) {
-  constexpr unsigned kNineDigits = 1'000'000'000;
-  if (v >> 32) {  // nine digits at a time, as far as 64 bits have to be divided
-    const unsigned long long rest = v / kNineDigits;
-    place = PutDecimal(place, rest);
-    return NxPutNine(place, static_cast<unsigned>(v) - static_cast<unsigned>(rest) * kNineDigits);
+/// The decimal text of a number, in parts of nine digits.
+class DecimalText {
+ public:
+  explicit DecimalText(unsigned long long v) {
+    constexpr unsigned kNineDigits = 1'000'000'000;
+    for (; v >= kNineDigits; ++nines_) part_[nines_] = NxTakeNine(v);
+    part_[nines_] = static_cast<unsigned>(v);
+    lead_ = NxDecimalLength(part_[nines_]);
   }
-  const auto low = static_cast<unsigned>(v);
-  place += NxDecimalLength(low);
-  NxPutDecimal(place, low);
-  return place;
-}
 
-/// The same in a base that is a power of 2.
+  unsigned long Length() const { return lead_ + 9 * nines_; }
+  /// Returns the place behind it.
+  char* Put(char* place) const {
+    place += lead_;
+    NxPutDecimal(place, part_[nines_]);
+    for (unsigned long i = nines_; i-- > 0;) place = NxPutNine(place, part_[i]);
+    return place;
+  }
+
+ private:
+  unsigned part_[3];         // the last nine digits first
+  unsigned long nines_ = 0;  // parts before the leading one
+  unsigned lead_;            // digits of that
+};
+
+/// Writes v in a base that is a power of 2. Returns the place behind it.
 char* PutBits(char* place, unsigned long long v, const Radix& radix) {
   const unsigned shift = radix.base == 8 ? 3 : 4;
   unsigned length = 1;
@@ -60,14 +72,36 @@ char* PutBits(char* place, unsigned long long v, const Radix& radix) {
   return place + length;
 }
 
+unsigned long long Magnitude(const NxInt64& value) {
+  return static_cast<unsigned long long>(value.Abs().Wide());
+}
+
 void AddInt64(NxPieceWriter& pieces, const NxInt64& value, const Radix& radix) {
   constexpr unsigned long kLongest = 26;  // sign, prefix and 22 octal digits
-  const unsigned long long magnitude = static_cast<unsigned long long>(value.Abs().Wide());
+  const unsigned long long magnitude = Magnitude(value);
   char* place = pieces.Room(kLongest);
   // The lowest value is its own magnitude; only its decimal text has a sign.
   if (value.high < 0 && (radix.base == 10 || magnitude != kLowest)) *place++ = '-';
   for (const char* p = radix.prefix; *p; ++p) *place++ = *p;
-  pieces.Took(radix.base == 10 ? PutDecimal(place, magnitude) : PutBits(place, magnitude, radix));
+  pieces.Took(radix.base == 10 ? DecimalText(magnitude).Put(place) : PutBits(place, magnitude, radix));
+}
+
+/// Whether a format is one decimal number and nothing else, as most are.
+bool IsDecimalAlone(const char* fmt) {
+  return fmt[0] == '%' && (fmt[1] == 'S' || fmt[1] == 'd') && fmt[2] == 0;
+}
+
+/// Appends the number to a text that takes it as it is; false for another one.
+bool AppendDecimal(NxString& out, const NxInt64& value) {
+  const bool negative = value.high < 0;
+  const DecimalText text(Magnitude(value));
+  const unsigned long old = out._pBuffer ? out.Len() : 0;
+  if (!NxTakesAsItIs(out, old, text.Length() + negative)) return false;
+  char* place = NxRoomBehind(out, old, text.Length() + negative);
+  if (!place) return true;  // for want of memory
+  *place = '-';
+  text.Put(place + negative);
+  return true;
 }
 
 /// Reads an NxInt64 from a text, walking format and text together.
@@ -156,6 +190,7 @@ const char* Int64Format(const char* fmt) { return fmt ? fmt : "%S"; }
 }  // namespace
 
 void NxPrintInt64(NxString& out, const NxInt64& value, const char* format) {
+  if (IsDecimalAlone(Int64Format(format)) && AppendDecimal(out, value)) return;
   NxPieceWriter pieces(out);
   for (const char* p = Int64Format(format); *p; ++p) {
     const Radix* radix = *p == '%' ? RadixOf(p[1]) : nullptr;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -42,6 +43,25 @@ T Scan(NxSlot::Scan* slot, T before, const char* text, const char* fmt) {
   EXPECT_EQ(value, fromWide) << text;
   EXPECT_EQ(slot(nullptr, in, fmt, 1), nullptr);
   return value;
+}
+
+// Of every length, into strings whose buffers have room and that have not, 8 and 16 bits wide.
+TEST(Numbers, PrintAsTheCLibraryHasThem) {
+  NxString narrow, wide(kCodeSetUnicode, kLanguageDefault), out;
+  for (int shift = 0; shift < 64; ++shift) {
+    for (const long long from : {LLONG_MIN, LLONG_MAX, 0x79ABCDEF01234567LL, 1'000'000'000'000'000'000LL}) {
+      NxInt64 wideNumber = NxInt64::FromWide(from >> shift);
+      const std::string number = std::to_string(from >> shift);
+      narrow = "#";
+      wide.CopyMapped(narrow, kCodeSetUnicode);
+      EXPECT_EQ(Int64PrintToNxString(narrow, &wideNumber, "%S", 1).StrGet(), "#" + number);
+      EXPECT_EQ(narrow._nSize, number.size() + 2);
+      EXPECT_TRUE(Int64PrintToNxString(wide, &wideNumber, nullptr, 1) == narrow) << number;
+      long word = static_cast<long>(from >> shift);
+      EXPECT_EQ(LongPrintToNxString(out, &word, "%ld", 1).StrGet(), std::to_string(word));
+      EXPECT_EQ(out._nSize, std::to_string(word).size() + 1);
+    }
+  }
 }
 
 TEST(Numbers, PrintUnderTheirFormats) {
