@@ -43,7 +43,8 @@ NX_API int NxMultiByteStr2WCharStr(unsigned short* dst, int dstLen, const char* 
 ///   len  when all of it was decoded,
 ///   the bytes before the first character 0, where decoding ends,
 ///   -1   at a sequence that is not UTF-8,
-///   -2   when more than 32767 bytes were consumed.
+///   -2   when more than 32767 bytes were consumed,
+///   0    with out as it was, for want of memory.
 /// What was decoded before stays in out. It is appended in pieces of 256 characters,
 /// so that a text of more than 32765 ends, with the overflow report, at 32512.
 NX_API long NxMBS2NxString(const char* s, NxString& out, long len);

@@ -253,7 +253,7 @@ NX_API NxString operator+(const NxString& a, const NxString& b);
 
 /// Takes the item of list that begins at pos, up to the separator, trimmed, and moves
 /// pos one character past the end of the item. A separator that begins the list is
-/// skipped. 0, or -2005 with item unchanged at the end of the list.
+/// skipped. 0, or -2005 with item unchanged at the end of the list and for want of memory.
 NX_API int NxSplitList(NxString& list, NxString& item, const NxString& separator, unsigned short& pos);
 
 /// Copies bytes; with width 2 and byteOrder 2 as 16-bit units put through

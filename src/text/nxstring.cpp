@@ -204,9 +204,11 @@ NxString& NxString::operator+=(const NxString& s) {
 }
 
 NxString operator+(const NxString& a, const NxString& b) {
+  const NxShortageWatch shortage;
   NxString sum(a._nCodeSet, a._nLanguage);
   sum += a;
   sum += b;
+  if (shortage.Happened()) NxAttach(sum, nullptr, 0);  // the whole text or none
   return sum;
 }
 
