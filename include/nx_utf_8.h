@@ -3,6 +3,8 @@
 /// A wide character is one 16-bit unit, of itself: surrogates are ordinary values.
 /// Characters up to 0xFFFF are read and written; longer sequences (up to six bytes) are
 /// read, and their value cut to its low 16 bits. Overlong sequences are errors.
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NX_UTF_8_H
 #define NX_UTF_8_H
 

@@ -8,7 +8,11 @@
 /// of this machine's order) from there. Lengths, positions and counts are in
 /// characters and 16 bits wide unless said otherwise; -1 (65535) as a length means
 /// "to the end". A buffer never exceeds 65533 bytes, terminator included: a longer
-/// one is reported ("String overflow") and the operation leaves the string as it was.
+/// one is reported ("String overflow") and the operation leaves the string as it was, as it
+/// does for want of memory; strings that are returned by value are then empty.
+///
+/// Threads: as standard types. Several may read one string at once; whoever changes one must
+/// be alone with it. The process's defaults and wildcards are set before threads start.
 #ifndef NXSTRING_H
 #define NXSTRING_H
 
