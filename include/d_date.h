@@ -9,6 +9,8 @@
 /// Day numbers are those of julian_day: one less than the day numbers of NxDate, and
 /// of another calendar before 1582. Fields are not checked; arithmetic on those that are
 /// no date follows the formula of the day number.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef D_DATE_H
 #define D_DATE_H
 

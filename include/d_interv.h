@@ -6,6 +6,8 @@
 ///
 /// It computes in single precision: from 2^24 seconds (194 days) on not every second can
 /// be told from the next.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef D_INTERV_H
 #define D_INTERV_H
 

@@ -7,6 +7,8 @@
 ///
 /// Hour and minute are held with the zone added. The local time, which is what is given
 /// and what is printed and compared, is what they leave when the zone is taken off.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef D_TIME_H
 #define D_TIME_H
 

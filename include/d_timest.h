@@ -2,6 +2,8 @@
 ///
 ///   d_Timestamp t(d_Date(2000, 3, 1), d_Time(1, 0, 0));
 ///   t -= d_Interval(0, 2, 0, 0);          // 2000-02-29 23:00
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef D_TIMEST_H
 #define D_TIMEST_H
 

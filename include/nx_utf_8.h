@@ -3,6 +3,8 @@
 /// A wide character is one 16-bit unit, of itself: surrogates are ordinary values.
 /// Characters up to 0xFFFF are read and written; longer sequences (up to six bytes) are
 /// read, and their value cut to its low 16 bits. Overlong sequences are errors.
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NX_UTF_8_H
 #define NX_UTF_8_H
 
@@ -43,7 +45,8 @@ NX_API int NxMultiByteStr2WCharStr(unsigned short* dst, int dstLen, const char* 
 ///   len  when all of it was decoded,
 ///   the bytes before the first character 0, where decoding ends,
 ///   -1   at a sequence that is not UTF-8,
-///   -2   when more than 32767 bytes were consumed.
+///   -2   when more than 32767 bytes were consumed,
+///   0    with out as it was, for want of memory.
 /// What was decoded before stays in out. It is appended in pieces of 256 characters,
 /// so that a text of more than 32765 ends, with the overflow report, at 32512.
 NX_API long NxMBS2NxString(const char* s, NxString& out, long len);

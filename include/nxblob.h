@@ -13,6 +13,8 @@
 /// (a new one is null).
 ///
 /// Threads: several may read one blob at once; changing one takes it alone.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef NXBLOB_H
 #define NXBLOB_H
 

@@ -1,4 +1,6 @@
 /// `NxBoolean`: a truth value with a null state, in one byte.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef NXBOOL_H
 #define NXBOOL_H
 

@@ -1,5 +1,7 @@
 /// `NxChar`: one character with its code set and language, on its own or bound to
 /// its place in a text.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef NXCHAR_H
 #define NXCHAR_H
 

@@ -3,6 +3,8 @@
 /// Both cases of a letter have one key; accents are ignored unless a comparison asks
 /// for them (`kAlphaAccents`). A key can be turned back into a text of upper-case
 /// letters without accents.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef NXCISTR_H
 #define NXCISTR_H
 

@@ -3,6 +3,8 @@
 /// Bytes below 0x80 stand for themselves. The two maps are not inverse to each other
 /// everywhere: 0xAC and 0xEC are stored as 0x98 and 0x9A and come back as 0x90 and
 /// 0x91. Stored images depend on both; they never change.
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NXCODSET_H
 #define NXCODSET_H
 

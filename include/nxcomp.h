@@ -10,6 +10,8 @@
 /// year 0, and years before it are negative. A field of -1 means "any" to `!=` and the
 /// ordering operators of NxDate. Values that are no date or time can be held; only
 /// IsDate and IsTime tell.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef NXCOMP_H
 #define NXCOMP_H
 

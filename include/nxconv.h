@@ -1,5 +1,7 @@
 /// `NxTypeConvertData`: the carrier of an array of strings between the string-array
 /// conversions of the types and their callers.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef NXCONV_H
 #define NXCONV_H
 

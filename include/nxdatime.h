@@ -6,6 +6,8 @@
 ///   t.PrintToNxString(text, "%e.%b %Y");           // 31.Dec 1999
 ///
 /// Whether a value is in local or in universal time is not part of it.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef NXDATIME_H
 #define NXDATIME_H
 

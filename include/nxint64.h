@@ -6,6 +6,8 @@
 ///
 /// Arithmetic wraps modulo 2^64; division truncates towards zero. Nothing is reported
 /// but a division by zero.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef NXINT64_H
 #define NXINT64_H
 

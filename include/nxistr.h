@@ -10,6 +10,8 @@
 ///
 /// Texts are zero-terminated. Lengths, positions and counts are in bytes and
 /// 16 bits wide.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef NXISTR_H
 #define NXISTR_H
 

@@ -2,6 +2,8 @@
 /// in 8-bit texts, so each of these does nothing and returns 0, 0.0 or null. They
 /// keep the interface whole: the code set, then what the C string function of the same
 /// stem takes.
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NXMBCHAR_H
 #define NXMBCHAR_H
 

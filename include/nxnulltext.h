@@ -1,4 +1,5 @@
-/// The texts that stand for null values.
+/// The texts that stand for null values. Threads may read them at once; they are changed
+/// before threads start.
 #ifndef NXNULLTEXT_H
 #define NXNULLTEXT_H
 

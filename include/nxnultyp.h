@@ -12,6 +12,8 @@
 /// Null sorts before every number and hashes to a word of its own. It prints as the null
 /// text; empty text, and text that begins with the null text, scans as null. A number that
 /// cannot be read from other text leaves the number as it was, and the value not null.
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NXNULTYP_H
 #define NXNULTYP_H
 

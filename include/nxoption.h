@@ -42,7 +42,7 @@ inline constexpr unsigned long kTruncatedTextMax = 254;
 /// only; otherwise the C prefixes 0x and 0 count.
 inline constexpr unsigned long kOptionDecimalOnly = 1;
 
-/// The options word, initially 0.
+/// The options word, initially 0. It is changed before threads start.
 NX_API unsigned long* ___NxTypeMgrOptions();
 
 #endif

@@ -1,4 +1,6 @@
 /// The clock of the operating system.
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NXOSTIME_H
 #define NXOSTIME_H
 

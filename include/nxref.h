@@ -29,6 +29,8 @@
 /// them, whatever it is. A number may have blanks and a sign in front, but only digits are
 /// gone over, and what is no number leaves its field as it was: 0 at first. A null value
 /// prints as `NxTypeMgr::GetNullPrintString`, and text that begins with that scans as null.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef NXREF_H
 #define NXREF_H
 

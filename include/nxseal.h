@@ -1,4 +1,6 @@
 /// `NxSeal`: a 48-bit unsigned number of three 16-bit words. It has no null state.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef NXSEAL_H
 #define NXSEAL_H
 

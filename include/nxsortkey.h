@@ -11,6 +11,8 @@
 ///
 /// The order is that of stored images under wildcards off. The bytes stand in
 /// docs/formats.md; those of texts change with the collation version (`NxCollationVersion`).
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NXSORTKEY_H
 #define NXSORTKEY_H
 

@@ -8,7 +8,11 @@
 /// of this machine's order) from there. Lengths, positions and counts are in
 /// characters and 16 bits wide unless said otherwise; -1 (65535) as a length means
 /// "to the end". A buffer never exceeds 65533 bytes, terminator included: a longer
-/// one is reported ("String overflow") and the operation leaves the string as it was.
+/// one is reported ("String overflow") and the operation leaves the string as it was, as it
+/// does for want of memory; strings that are returned by value are then empty.
+///
+/// Threads: as standard types. Several may read one string at once; whoever changes one must
+/// be alone with it. The process's defaults and wildcards are set before threads start.
 #ifndef NXSTRING_H
 #define NXSTRING_H
 
@@ -253,7 +257,7 @@ NX_API NxString operator+(const NxString& a, const NxString& b);
 
 /// Takes the item of list that begins at pos, up to the separator, trimmed, and moves
 /// pos one character past the end of the item. A separator that begins the list is
-/// skipped. 0, or -2005 with item unchanged at the end of the list.
+/// skipped. 0, or -2005 with item unchanged at the end of the list and for want of memory.
 NX_API int NxSplitList(NxString& list, NxString& item, const NxString& separator, unsigned short& pos);
 
 /// Copies bytes; with width 2 and byteOrder 2 as 16-bit units put through

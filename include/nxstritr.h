@@ -1,5 +1,7 @@
 /// `NxStringIterator`: walks the characters of a text of any code set and delivers
 /// their collation order values; and the character operations of `Transform`.
+///
+/// Threads: as standard types. Several may read one value at once; who changes it is alone.
 #ifndef NXSTRITR_H
 #define NXSTRITR_H
 

@@ -8,6 +8,9 @@
 
 class NxTypeMgr;
 
+/// Neither is called while other threads use the library, but to ask for the default manager
+/// by null.
+
 /// The default manager, or null; a manager handed in becomes the default. The one
 /// before it is not released.
 NX_API NxTypeMgr* DefaultTypeMgr(NxTypeMgr* mgr);

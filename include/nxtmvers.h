@@ -1,4 +1,6 @@
 /// Identity of the library: version, names, compiler, build date.
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NXTMVERS_H
 #define NXTMVERS_H
 

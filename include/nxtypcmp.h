@@ -6,6 +6,8 @@
 /// equal (strings: matching the pattern), positive when after. Buffer lengths are in
 /// bytes, 0 meaning no limit; an element that its buffer holds only in part is not read
 /// (0 with 2101). `error` is 0, 2101 or -2999 on return.
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NXTYPCMP_H
 #define NXTYPCMP_H
 

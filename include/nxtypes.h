@@ -23,6 +23,8 @@
 ///   early form   2-byte length, then every text with its NUL
 ///   NxIString,   header byte (0x40 texts in the disk code set, 0x01 as in memory,
 ///   NxCaseIString  0xC0 key), 2-byte length, then every text with its NUL
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NXTYPES_H
 #define NXTYPES_H
 

@@ -6,6 +6,8 @@
 /// index's range (or with images shorter than a value) the estimate is 0 for most types,
 /// without bounds none are built.
 /// The estimate is passed on as computed: it may lie outside 0 to 1.
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NXTYPEVL_H
 #define NXTYPEVL_H
 

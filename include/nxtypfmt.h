@@ -24,6 +24,8 @@
 ///   %d %e  day                                       beside %p or %P
 ///   %m     month                            %M %S  minute, second
 ///   %Y %y  year, year of the century        %p %P  am or pm, AM or PM
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NXTYPFMT_H
 #define NXTYPFMT_H
 

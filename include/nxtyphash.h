@@ -1,5 +1,7 @@
 /// Value hashing for hash indexes. Equal values in the same form hash alike; the
 /// hash of an array is the exclusive or of its elements' words times 1103515245.
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NXTYPHASH_H
 #define NXTYPHASH_H
 

@@ -16,7 +16,7 @@
 struct NxEvalData;
 
 /// The records by identifier. The records are shared and writable: an exchange
-/// through any manager is seen by all.
+/// through any manager is seen by all, and is made while no other thread uses a manager.
 extern NX_API NxTypeTab* NxNewtypetab[kTypeCount];
 /// The records of early database formats: entry 11 is NxOldStringTab, every other
 /// one the record of NxNewtypetab.
@@ -34,6 +34,10 @@ extern NX_API NxTypeTab NxCharTab, NxShortTab, NxLongTab, NxDoubleTab, NxFloatTa
 /// An identifier that names no record (below 0, 41 to 99, and on early formats 28
 /// and above) reaches the illegal type, whose operations do nothing and answer 0.
 /// No operation takes ownership of what it is handed unless it says so.
+///
+/// Threads may use one manager, and the records, at once, as long as nobody exchanges a
+/// function or format, sets the factory or the null text: those want to be alone. The values
+/// that they hand in are shared as standard types are.
 class NX_API NxTypeMgr {
  public:
   /// As SetFactory.

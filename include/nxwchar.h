@@ -1,5 +1,7 @@
 /// 16-bit texts: units are `unsigned short`, a text ends with a zero unit. No
 /// argument may be null unless said otherwise.
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef NXWCHAR_H
 #define NXWCHAR_H
 

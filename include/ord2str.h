@@ -10,6 +10,8 @@
 ///                     bits 2-6    letter: 3 = A ... 28 = Z
 ///                     bits 0-1    extension: variants of the letter
 ///   0x8000..0xFFFF  HAN character: the value itself
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef ORD2STR_H
 #define ORD2STR_H
 

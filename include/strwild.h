@@ -7,6 +7,8 @@
 /// Texts end with a zero character. Every `byteOrder` is a format code (nxbase.h),
 /// in which the units of 16-bit texts are read. The option word and its bits are
 /// those of nxtypcmp.h.
+///
+/// Threads may call these at once, with values and buffers that no other thread changes.
 #ifndef STRWILD_H
 #define STRWILD_H
 

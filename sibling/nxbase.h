@@ -110,7 +110,8 @@ NX_API void NEXO_assert(const char* expression, const char* path, int line);
 
 using NxAssertHandler = void (*)(const char* expression, const char* path, int line);
 /// Sets the handler that `NEXO_assert` calls in place of printing; null puts
-/// the printing back. Returns the handler that was set before.
+/// the printing back. Returns the handler that was set before. Handlers are set before
+/// threads start, and are called from any of them.
 NX_API NxAssertHandler NxSetAssertHandler(NxAssertHandler handler);
 
 /// Called when an allocation of `size` bytes failed. Calls the handler that is
@@ -120,7 +121,7 @@ NX_API void NxCallMemoryHandler(unsigned long size);
 
 using NxMemoryHandler = void (*)(unsigned long size);
 /// Sets the handler of `NxCallMemoryHandler`; null removes it. Returns the
-/// handler that was set before.
+/// handler that was set before. As above, before threads start.
 NX_API NxMemoryHandler NxSetMemoryHandler(NxMemoryHandler handler);
 
 /// 0 when `major` and `minor` equal this build's, -1 otherwise. The further
@@ -159,7 +160,8 @@ class NX_API NxConfig {
 /// Unless one was installed, the configuration is what the file says that the
 /// environment variable `NX21_CONFIG` names. It is read once. A line is
 /// `key=number` or `section.key=number`, blank, or a comment behind `#`; other
-/// lines are reported on standard error and left out.
+/// lines are reported on standard error and left out. Threads may ask at once; installing is
+/// done before they start.
 NX_API NxConfig* DefaultConfig(NxConfig* config);
 
 /// The argument with which `DefaultConfig` only asks.

@@ -39,7 +39,10 @@ void NxAlphaText<Text>::Adopt(char* text) {
 
 template <class Text>
 void NxAlphaText<Text>::Assign(const char* s) {
-  Adopt(NxJoinTexts(s, NxAlphaLength(s), nullptr, 0, nullptr, 0));
+  const unsigned long length = NxAlphaLength(s);
+  char* text = NxJoinTexts(s, length, nullptr, 0, nullptr, 0);
+  if (!text && length != 0) return;
+  Adopt(text);
   _nForm = 0;
 }
 
@@ -99,8 +102,9 @@ NxAlphaText<Text>::~NxAlphaText() {
 template <class Text>
 NxAlphaText<Text>& NxAlphaText<Text>::operator=(const NxAlphaText& s) {
   if (this == &s) return *this;
+  const NxShortageWatch shortage;
   Assign(s._pStr);
-  _nForm = s._nForm;
+  if (!shortage.Happened()) _nForm = s._nForm;
   return *this;
 }
 

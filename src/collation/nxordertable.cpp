@@ -29,22 +29,22 @@ bool OnlyLetters(unsigned short order, const NxWCharList* expansion) {
 
 NxOrderTable NxOrderTable::tables_[kLanguages][kRows];
 std::atomic<bool> NxOrderTable::taken_[kLanguages][kRows];
-std::atomic<const NxOrderTable*> NxOrderTable::built_[256][kCodeSets];
-std::atomic<const NxOrderTable*> NxOrderTable::builtUnicode_[kLanguages];
+NxPublished<NxOrderTable> NxOrderTable::built_[256][kCodeSets];
+NxPublished<NxOrderTable> NxOrderTable::builtUnicode_[kLanguages];
 
 const NxOrderTable* NxOrderTable::Find(unsigned char codeSet, unsigned char language) {
   if (language == kLanguageDefault) language = NxLanguageContext::GetDefaultLanguage();
   const bool wide = codeSet == kCodeSetUnicode;
   if (!wide && (codeSet == kCodeSetNone || codeSet >= kCodeSets)) return nullptr;
   if (language >= kLanguages) return nullptr;
-  std::atomic<const NxOrderTable*>& built = wide ? builtUnicode_[language] : built_[language][codeSet];
-  if (const NxOrderTable* table = built.load(std::memory_order_acquire)) return table;
+  NxPublished<NxOrderTable>& built = wide ? builtUnicode_[language] : built_[language][codeSet];
+  if (const NxOrderTable* table = built.Get()) return table;
   // Comparing takes no lock: of several threads one builds, the others do without.
   const unsigned row = wide ? kCodeSets : codeSet;
   if (taken_[language][row].exchange(true)) return nullptr;
   NxOrderTable& table = tables_[language][row];
   table.Build(codeSet, language);
-  built.store(&table, std::memory_order_release);
+  built.Publish(table);
   return &table;
 }
 

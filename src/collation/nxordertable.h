@@ -6,6 +6,7 @@
 #include <atomic>
 
 #include "base/nxbytes.h"
+#include "base/nxthreads.h"
 #include "nxchar.h"
 #include "nxlang.h"
 #include "nxstring.h"
@@ -33,11 +34,12 @@ class NxOrderTable {
   static const NxOrderTable* Find(unsigned char codeSet, unsigned char language);
   /// The same of a code set below kCodeSets, if it has been built.
   static const NxOrderTable* FindBuilt(unsigned char codeSet, unsigned char language) {
-    return built_[language][codeSet].load(std::memory_order_acquire);
+    return built_[language][codeSet].Get();
   }
   /// Whether neither wildcard is a digit or letter, so that plain characters are none.
   static bool WildcardsAreSymbols() {
-    return NxString::_nAsterisk < kFirstDigitOrder && NxString::_nQuestion < kFirstDigitOrder;
+    return NxLoadRelaxed(NxString::_nAsterisk) < kFirstDigitOrder &&
+           NxLoadRelaxed(NxString::_nQuestion) < kFirstDigitOrder;
   }
 
   const Entry& EntryOf(char c) const { return entries[static_cast<unsigned char>(c)]; }
@@ -62,8 +64,8 @@ class NxOrderTable {
 
   static NxOrderTable tables_[kLanguages][kRows];
   static std::atomic<bool> taken_[kLanguages][kRows];  // being built, or built
-  static std::atomic<const NxOrderTable*> built_[256][kCodeSets];
-  static std::atomic<const NxOrderTable*> builtUnicode_[kLanguages];
+  static NxPublished<NxOrderTable> built_[256][kCodeSets];
+  static NxPublished<NxOrderTable> builtUnicode_[kLanguages];
 };
 
 /// The entry of the character at p of a text of Units (bytes or 16-bit units); a marked

@@ -13,9 +13,10 @@ bool InsertText(NxString& s, const NxString& text, unsigned long pos) {
   return NxBuildText(s, {text.StrGet(), text._nCodeSet, text.Len(), pos}, NxBuildMode::kInsert);
 }
 
-/// Removes the characters from pos to end, which do not lie beyond the length.
-void CutText(NxString& s, unsigned long pos, unsigned long end) {
-  NxBuildText(s, {s.StrGet(), s._nCodeSet, s.Len() - end, pos, end}, NxBuildMode::kCompose);
+/// Removes the characters from pos to end, which do not lie beyond the length. False, with
+/// the string as it was, for want of memory.
+bool CutText(NxString& s, unsigned long pos, unsigned long end) {
+  return NxBuildText(s, {s.StrGet(), s._nCodeSet, s.Len() - end, pos, end}, NxBuildMode::kCompose);
 }
 
 /// Appends n copies of a character, given as a text of it and a zero, behind the
@@ -157,24 +158,45 @@ NxString NxString::Right(unsigned short n) const {
 // ---------------------------------------------------------------------------
 // Trimming
 
-NxString& NxString::LeftTrim() {
-  const unsigned long length = Len();
+namespace {
+
+/// Spaces that begin a text of so many characters.
+unsigned long LeadingSpaces(const NxString& s, unsigned long length) {
   unsigned long spaces = 0;
-  while (spaces < length && IsSpaceAt(*this, spaces)) ++spaces;
+  while (spaces < length && IsSpaceAt(s, spaces)) ++spaces;
+  return spaces;
+}
+
+/// Characters of it up to the spaces that end it. They are looked for from the end of the
+/// text: the buffer may be larger than text and terminator.
+unsigned long WithoutTrailingSpaces(const NxString& s, unsigned long length) {
+  while (length > 0 && IsSpaceAt(s, length - 1)) --length;
+  return length;
+}
+
+}  // namespace
+
+NxString& NxString::LeftTrim() {
+  const unsigned long spaces = LeadingSpaces(*this, Len());
   if (spaces > 0) CutText(*this, 0, spaces);
   return *this;
 }
 
 NxString& NxString::RightTrim() {
-  // From the end of the text: the buffer may be larger than text and terminator.
   const unsigned long length = Len();
-  unsigned long kept = length;
-  while (kept > 0 && IsSpaceAt(*this, kept - 1)) --kept;
+  const unsigned long kept = WithoutTrailingSpaces(*this, length);
   if (kept < length) CutText(*this, kept, length);
   return *this;
 }
 
-NxString& NxString::Trim() { return LeftTrim().RightTrim(); }
+NxString& NxString::Trim() {
+  const unsigned long length = Len();
+  const unsigned long spaces = LeadingSpaces(*this, length);
+  const unsigned long kept = std::max(WithoutTrailingSpaces(*this, length), spaces);
+  if (kept - spaces < length)
+    NxBuildText(*this, {StrGet(), _nCodeSet, kept - spaces, 0, spaces}, NxBuildMode::kCompose);
+  return *this;
+}
 
 // ---------------------------------------------------------------------------
 // Case
@@ -206,35 +228,57 @@ NxString& NxString::ReplaceAll(const NxString& from, const NxString& to, unsigne
   const unsigned long toLength = to.Len();
   long i = fromLength == 0 ? kNoMatch : NxFindText(*this, from, start, kDefaultOptions);
   if (i == kNoMatch || i >= Len()) return *this;  // a match behind the text replaces nothing
-  // On a copy: this string may be `from` or `to`, and stays as it is on an overflow.
+  // On a copy: this string may be `from` or `to`, and stays as it is on an overflow and
+  // for want of memory.
+  const NxShortageWatch shortage;
   NxString text(*this);
+  if (shortage.Happened()) return *this;
   do {
     const unsigned long pos = static_cast<unsigned long>(i);
-    CutText(text, pos, std::min<unsigned long>(pos + fromLength, text.Len()));
-    if (!InsertText(text, to, pos)) return *this;
+    const unsigned long end = std::min<unsigned long>(pos + fromLength, text.Len());
+    if (!CutText(text, pos, end) || !InsertText(text, to, pos)) return *this;
     i = NxFindText(text, from, pos + toLength, kDefaultOptions);
   } while (i != kNoMatch && i < text.Len());
   Destruct(text);
   return *this;
 }
 
+namespace {
+
+/// Characters are replaced as texts of one.
+template <class Character>
+NxString& ReplaceCharacters(NxString& s, Character from, Character to, unsigned short start) {
+  const NxShortageWatch shortage;
+  const NxString fromText(from), toText(to);
+  return shortage.Happened() ? s : s.ReplaceAll(fromText, toText, start);
+}
+
+}  // namespace
+
 NxString& NxString::ReplaceAll(char from, char to, unsigned short start) {
-  return ReplaceAll(NxString(from), NxString(to), start);
+  return ReplaceCharacters(*this, from, to, start);
 }
 NxString& NxString::ReplaceAll(unsigned short from, unsigned short to, unsigned short start) {
-  return ReplaceAll(NxString(from), NxString(to), start);
+  return ReplaceCharacters(*this, from, to, start);
 }
 
 int NxSplitList(NxString& list, NxString& item, const NxString& separator, unsigned short& pos) {
-  long end = NxFindText(list, separator, pos, kDefaultOptions);
-  if (end == 0) end = NxFindText(list, separator, ++pos, kDefaultOptions);
+  const NxShortageWatch shortage;
+  unsigned short begin = pos;
+  long end = NxFindText(list, separator, begin, kDefaultOptions);
+  if (end == 0) end = NxFindText(list, separator, ++begin, kDefaultOptions);
   const unsigned short length = list.Len();
   if (end == kNoMatch) {
-    if (pos >= length) return kEndOfList;
+    if (begin >= length) {
+      pos = begin;
+      return kEndOfList;
+    }
     end = length;
   }
-  item = list.Copy(pos, static_cast<short>(end - pos));
-  item.LeftTrim().RightTrim();
+  NxString part = list.Copy(begin, static_cast<short>(end - begin));
+  part.Trim();
+  if (shortage.Happened()) return kEndOfList;
+  item.Destruct(part);
   pos = static_cast<unsigned short>(end + 1);
   return 0;
 }

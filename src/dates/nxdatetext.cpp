@@ -298,6 +298,7 @@ void NxScanDateTimeFields(NxDateTime& fields, const char* text, const char* form
 
 void NxScanDateTime(NxDateTime& value, const NxString& in, const char* format) {
   const NxScanText text(in);
+  if (text.IsMissing()) return;
   if (NxBeginsWithNullText(text.String())) {
     value.SetNullValue();
     return;

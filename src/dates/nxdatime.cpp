@@ -101,13 +101,9 @@ void NxDateTime::ScanFromNxString(const NxString& in, const char* fmt) {
 }
 
 NxDateTime& NxDateTime::Null() {
-  static NxDateTime zero = [] {
-    NxDateTime t(NxDate(0L), NxTime(0L));
-    t.date.year = 0;
-    t.date.month = t.date.day = 0;
-    return t;
-  }();
-  return zero;
+  // Zeros from the start: several threads may ask first.
+  alignas(NxDateTime) static unsigned char zeros[sizeof(NxDateTime)];
+  return *reinterpret_cast<NxDateTime*>(zeros);
 }
 
 int NxDateTime::SetNullValue() {

@@ -2,9 +2,7 @@
 // their callers; it releases what it carries through a type manager.
 #include "nxconv.h"
 
-#include <new>
-
-#include "nxbase.h"
+#include "base/nxalloc.h"
 #include "nxstring.h"
 #include "nxtypmgr.h"
 
@@ -34,9 +32,7 @@ NxTypeConvertData::~NxTypeConvertData() {
 }
 
 NxTypeConvertData* NxTypeConvertData::Make(char typeId, unsigned long count, void* data, NxTypeMgr* mgr) {
-  auto* record = new (std::nothrow) NxTypeConvertData(typeId, count, data, mgr);
-  if (!record) NxCallMemoryHandler(sizeof(NxTypeConvertData));
-  return record;
+  return NxNewObject<NxTypeConvertData>(typeId, count, data, mgr);
 }
 
 NxString* NxTypeConvertData::GetString(int i) {

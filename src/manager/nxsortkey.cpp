@@ -308,11 +308,8 @@ struct Bound {
   bool Make(Write write) {
     NxKeyWriter count(nullptr, 0);
     write(count);
-    bytes = std::malloc(count.Length() ? count.Length() : 1);
-    if (!bytes) {
-      NxCallMemoryHandler(count.Length());
-      return false;
-    }
+    bytes = NxAllocate(count.Length());
+    if (!bytes) return false;
     NxKeyWriter writer(bytes, count.Length());
     write(writer);
     length = writer.Length();

@@ -3,9 +3,7 @@
 
 #include "nxtmdata.h"
 
-#include <new>
-
-#include "nxbase.h"
+#include "base/nxalloc.h"
 #include "nxlang.h"
 #include "nxtypmgr.h"
 
@@ -29,6 +27,5 @@ void ___NxTypemgrContext(int start) {
     def_tmgr = nullptr;
     return;
   }
-  def_tmgr = new (std::nothrow) NxTypeMgr(kCurrentFactory);
-  if (!def_tmgr) NxCallMemoryHandler(sizeof(NxTypeMgr));
+  def_tmgr = NxNewObject<NxTypeMgr>(kCurrentFactory);
 }

@@ -3,22 +3,19 @@
 
 #include "nxtmvers.h"
 
-#include <cstdio>
-
 #include "nxbase.h"
 #include "nxversion.h"
 
 namespace {
 
-constexpr char kVersionText[] = NX_VERSION_TEXT " ";
+#define NX_TITLE "Quorvantics Typemanager"
+constexpr char kTitleAndVersion[] = NX_TITLE " " NX_VERSION_TEXT " ";
 constexpr char kBuildDateTime[] = __DATE__ " " __TIME__;
 constexpr int kCheckFlags = 3;  // always added to the caller's
 
-char DLL_version_info[256];
-
 }  // namespace
 
-const char* DLLtitle = "Quorvantics Typemanager";
+const char* DLLtitle = NX_TITLE;
 const char* DLLname = "nx21Rtms";
 const char* DLLdate = __DATE__;
 #if defined(__clang__)
@@ -54,10 +51,7 @@ void GetNxTypeMgrInfo(const char** compilerName, int* compilerNumber, const char
                       const char** buildDate, const char** shortName) {
   if (compilerName) *compilerName = DLLcompilerName;
   if (compilerNumber) *compilerNumber = DLLcompilerNum;
-  if (versionInfo) {
-    std::snprintf(DLL_version_info, sizeof DLL_version_info, "%s %s", DLLtitle, kVersionText);
-    *versionInfo = DLL_version_info;
-  }
+  if (versionInfo) *versionInfo = kTitleAndVersion;
   if (buildDate) *buildDate = DLLdate;
   if (shortName) *shortName = DLLname;
 }

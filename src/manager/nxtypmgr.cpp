@@ -12,6 +12,7 @@
 #include "nxtypcmp.h"
 #include "nxtypes.h"
 #include "nxtypfmt.h"
+#include "slots/nxconvkit.h"
 
 namespace {
 
@@ -183,14 +184,15 @@ NxString& NxTypeMgr::PrintToNxString(char id, NxString& out, void* values, const
   if (!format) format = record.format;
   // The chars of an array are one text.
   if (n < 2 || print == CharPrintToNxString) return print(out, values, format, n);
+  const NxShortageWatch shortage;
   const NxString separator(",");
-  NxString text(out);  // out may hold the format or be one of the values
+  NxString text(out);  // out may hold the format or be one of the values, and stays for want of memory
   for (unsigned long i = 0; i < n; ++i) {
     NxString element;
     if (i != 0) text += separator;
     text += print(element, GetArrayElement(id, values, i, n), format, 1);
   }
-  out.Destruct(text);
+  if (!shortage.Happened()) out.Destruct(text);
   return out;
 }
 
@@ -210,8 +212,10 @@ int NxTypeMgr::SetNullValue(char id, void* value) {
 
 void NxTypeMgr::AssignEmptyText(char id, void* value) {
   const NxTypeTab& record = Record(id);
-  NxTypeConvertData empty(kStringTypeId, 1, Record(kStringTypeId).Create(1), nullptr);
+  NxString text;
+  NxTypeConvertData empty(kStringTypeId, 1, &text, nullptr);
   void* converted = ConvertFrom(id, &empty, 1);
+  empty.mgr = nullptr;  // the text is not the record's
   if (!converted) return;
   record.Assignment(value, converted, 1, 1);
   record.Delete(converted, 1);
@@ -256,10 +260,11 @@ void CutFront(NxString& text, unsigned long n) {
   text.Cut(0, static_cast<short>(n));
 }
 
-/// The parts of text between separators, as an array of `count` strings; text keeps
-/// what follows the last separator. The part behind it stays empty.
-NxString* SplitParts(NxString& text, const NxString& separator, unsigned long& count) {
-  unsigned short pos = 0;
+/// The parts of text between separators, as an array of `count` strings, and where the last
+/// separator ends. The part behind it stays empty.
+NxString* SplitParts(const NxString& text, const NxString& separator, unsigned long& count,
+                     unsigned short& pos) {
+  pos = 0;
   count = 1;
   for (unsigned short at; (at = FindSeparator(text, separator, pos)) != kNoSeparator; ++count) pos = at + 1;
 
@@ -271,13 +276,13 @@ NxString* SplitParts(NxString& text, const NxString& separator, unsigned long& c
     parts[i] = text.Copy(pos, static_cast<short>(at - pos));
     pos = at + 1;
   }
-  CutFront(text, pos);
   return parts;
 }
 
 }  // namespace
 
 NxString* NxTypeMgr::ConvertToNxStringOld(void* values, char id, unsigned long n) {
+  const NxShortageWatch shortage;
   NxTypeConvertData* strings = ConvertTo(id, values, n);
   if (!strings) return nullptr;
   const NxString separator = UnusedSeparator(*strings);
@@ -287,16 +292,21 @@ NxString* NxTypeMgr::ConvertToNxStringOld(void* values, char id, unsigned long n
     *text += separator;
   }
   delete strings;
-  return text;
+  return static_cast<NxString*>(NxWholeOrNone(text, 1, NxStringDelete, shortage));
 }
 
 void* NxTypeMgr::ConvertFromNxStringOld(NxString* text, char id, unsigned long n) {
+  const NxShortageWatch shortage;
   const NxString separator = text->IsEmpty() ? NxString(",") : text->Right(1);
   unsigned long count;
-  NxString* parts = SplitParts(*text, separator, count);
+  unsigned short consumed;
+  NxString* parts = SplitParts(*text, separator, count, consumed);
   if (!parts) return nullptr;
   NxTypeConvertData record(kStringTypeId, count, parts, this);
-  return ConvertFrom(id, &record, n);
+  if (shortage.Happened()) return nullptr;
+  void* values = ConvertFrom(id, &record, n);
+  if (!shortage.Happened()) CutFront(*text, consumed);
+  return NxWholeOrNone(values, n, Record(id).Delete, shortage);
 }
 
 // ---------------------------------------------------------------------------

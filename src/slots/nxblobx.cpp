@@ -301,6 +301,6 @@ NxTypeConvertData* BlobConvertToNxString(void* values, unsigned long n) {
   });
 }
 void* BlobConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
-  return NxValuesOf<NxBlob>(strings, n, BlobCreate, NxNullOf<NxBlob>(),
+  return NxValuesOf<NxBlob>(strings, n, BlobCreate, BlobDelete, NxNullOf<NxBlob>(),
                             [](const NxString&) { return NxBlob(); });
 }

@@ -34,7 +34,7 @@ bool BeginsWithOne(const NxString& s) {
     return NxTextsOf<Value>(values, n, [](Value v, NxString& s) { s += NxString(static_cast<Wide>(v)); }); \
   }                                                                                                        \
   void* Type##ConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {                           \
-    return NxValuesOf<Value>(strings, n, Type##Create, 0,                                                  \
+    return NxValuesOf<Value>(strings, n, Type##Create, Type##Delete, 0,                                    \
                              [](const NxString& s) { return static_cast<Value>(static_cast<Wide>(s)); });  \
   }
 
@@ -58,7 +58,7 @@ NX_CONVERT_SCALAR(Double, double, double)
     });                                                                                    \
   }                                                                                        \
   void* Type##ConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {           \
-    return NxValuesOf<Type>(strings, n, Type##Create, NxNullOf<Type>(),                    \
+    return NxValuesOf<Type>(strings, n, Type##Create, Type##Delete, NxNullOf<Type>(),      \
                             [](const NxString& s) { return Type(static_cast<long>(s)); }); \
   }
 
@@ -71,7 +71,7 @@ NxTypeConvertData* Int64ConvertToNxString(void* values, unsigned long n) {
   return NxTextsOf<NxInt64>(values, n, [](const NxInt64& v, NxString& s) { v.PrintToNxString(s, nullptr); });
 }
 void* Int64ConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
-  return NxValuesOf<NxInt64>(strings, n, NxInt64Create, NxInt64(), [](const NxString& s) {
+  return NxValuesOf<NxInt64>(strings, n, NxInt64Create, NxInt64Delete, NxInt64(), [](const NxString& s) {
     NxInt64 v;
     if (!s.IsEmpty()) v.ScanFromNxString(s, nullptr);  // an empty text is 0 here, not -1
     return v;
@@ -87,16 +87,16 @@ NxTypeConvertData* BooleanConvertToNxString(void* values, unsigned long n) {
   });
 }
 void* BooleanConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
-  return NxValuesOf<NxBoolean>(strings, n, NxBooleanCreate, NxNullOf<NxBoolean>(), [](const NxString& s) {
-    return NxBoolean(static_cast<long>(BeginsWithOne(s)));
-  });
+  return NxValuesOf<NxBoolean>(
+      strings, n, NxBooleanCreate, NxBooleanDelete, NxNullOf<NxBoolean>(),
+      [](const NxString& s) { return NxBoolean(static_cast<long>(BeginsWithOne(s))); });
 }
 
 NxTypeConvertData* SealConvertToNxString(void* values, unsigned long n) {
   return NxTextsOf<NxSeal>(values, n, [](const NxSeal& v, NxString& s) { v.PrintToNxString(s); });
 }
 void* SealConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
-  return NxValuesOf<NxSeal>(strings, n, NxSealCreate, NxSeal(), [](const NxString& s) {
+  return NxValuesOf<NxSeal>(strings, n, NxSealCreate, NxSealDelete, NxSeal(), [](const NxString& s) {
     NxSeal v;
     v.ScanFromNxString(s);
     return v;

@@ -100,9 +100,10 @@ NxString& PrintWidened(NxString& out, void* value, const char* fmt) {
 template <class T>
 void* ScanWidened(void* value, const NxString& in, const char* fmt) {
   if (!value) return nullptr;
+  const NxShortageWatch shortage;
   NxDateTime whole(NxDateTime::Null());
   NxScanDateTime(whole, in, fmt);
-  *static_cast<T*>(value) = whole;
+  if (!shortage.Happened()) *static_cast<T*>(value) = whole;
   return value;
 }
 
@@ -138,6 +139,7 @@ void* d_IntervalScanFromNxString(void* value, NxString& in, const char* fmt, uns
   // From day 0, and whether or not the fields make a date: it is a length that is read.
   NxDateTime length(NxDateTime::Null());
   const NxScanText text(in);
+  if (text.IsMissing()) return value;
   if (NxBeginsWithNullText(text.String()))
     length.SetNullValue();
   else

@@ -145,7 +145,7 @@ NxTypeConvertData* DaTimeConvertToNxString(void* values, unsigned long n) {
 void* DaTimeConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
   NxDateTime null = Zero();
   null.SetNullValue();
-  return NxValuesOf<NxDateTime>(strings, n, NxDateTimeCreate, null, [](const NxString& s) {
+  return NxValuesOf<NxDateTime>(strings, n, NxDateTimeCreate, NxDateTimeDelete, null, [](const NxString& s) {
     const NxDaysAndSeconds text(s);
     return NxDateTime(text.days ? NxDate(*text.days) : Zero().date, NxTime(text.seconds.value_or(0)));
   });

@@ -20,9 +20,7 @@ template <class T>
 struct NxObjectForm {
   static void* Create(unsigned long n) {
     if (n > 1) return NxNewZeroArray<T>(n);
-    T* object = new (std::nothrow) T();
-    if (!object) NxCallMemoryHandler(sizeof(T));
-    return object;
+    return NxNewObject<T>();
   }
   static int Delete(void* values, unsigned long n) {
     if (n > 1)

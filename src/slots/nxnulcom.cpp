@@ -136,7 +136,7 @@ double CalcRange(unsigned short relation, const NxNull_NxInt64& key, const NxNul
 /// The key of a term and the ends of the index's range, which are null without one.
 template <class T, class V, class H>
 NxTerm<T> ReadTerm(const NxIdxBounds* indexRange, const void* key, unsigned char format) {
-  return NxTerm<T>(indexRange, key, NxNullImage<V>::kBytes,
+  return NxTerm<T>(indexRange, key, ElementSize<T, V>(format),
                    [format](const void* image) { return ReadElement<T, V, H>(image, format); });
 }
 

@@ -122,7 +122,7 @@ NxTypeConvertData* NxNullTypeConvertToNxString(void* values, unsigned long count
 template <class T, class V>
 void* NxNullTypeConvertFromNxString(NxTypeConvertData* strings, unsigned long count, T* = nullptr,
                                     V* = nullptr) {
-  return NxValuesOf<T>(strings, count, NxObjectForm<T>::Create, T(),
+  return NxValuesOf<T>(strings, count, NxObjectForm<T>::Create, NxObjectForm<T>::Delete, T(),
                        [](const NxString& s) { return T(NumberOf<V>(s)); });
 }
 
@@ -165,6 +165,7 @@ void* NxNullTypeScanFromNxString(void* value, NxString& text, const char* format
                                  T* = nullptr, V* = nullptr) {
   if (!value) return nullptr;
   const NxScanText input(text);
+  if (input.IsMissing()) return value;
   const long length = input.String().Len();
   return Scan<T>(value, length == 0 || NxBeginsWithNullText(input.String()),
                  [&](V& number) { MySscanf(input.Chars(), length, format, 1, &number); });
@@ -181,6 +182,7 @@ NxString& NxNull_NxInt64PrintToNxString(NxString& text, void* value, const char*
 void* NxNull_NxInt64ScanFromNxString(void* value, NxString& text, const char* format, unsigned long n) {
   if (!value) return nullptr;
   const NxScanText input(text);
+  if (input.IsMissing()) return value;
   return Scan<NxNull_NxInt64>(value, !*input.Chars() || NxBeginsWithNullText(input.String()),
                               [&](NxInt64& number) { Int64ScanFromNxString(&number, text, format, n); });
 }

@@ -63,7 +63,7 @@ template <class T>
 void* ValuesOf(NxTypeConvertData* strings, unsigned long n) {
   T null;
   null.SetNullValue();
-  return NxValuesOf<T>(strings, n, T::Create, null, [](const NxString& s) {
+  return NxValuesOf<T>(strings, n, T::Create, T::Delete, null, [](const NxString& s) {
     T v;
     v.ScanFromNxString(s, nullptr);
     return v;

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 
@@ -45,11 +44,8 @@ namespace {
 
 /// A new copy of the key as a bound that its holder frees.
 void SetBound(void*& bound, unsigned char& boundLength, const void* key, unsigned long size) {
-  void* image = std::malloc(size != 0 ? size : 1);
-  if (!image) {
-    NxCallMemoryHandler(size);
-    return;
-  }
+  void* image = NxAllocate(size);
+  if (!image) return;
   bound = std::memcpy(image, key, size);
   boundLength = static_cast<unsigned char>(size);
 }

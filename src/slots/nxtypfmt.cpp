@@ -69,7 +69,8 @@ NxString& PrintInteger(NxString& out, const char* fmt, NxFormatArg kind, int val
 
 template <class T>
 void* ScanNumber(void* value, NxString& in, const char* fmt) {
-  if (value) MySscanf(NxScanText(in).Chars(), 0, fmt, 1, static_cast<T*>(value));
+  const NxScanText text(in);
+  if (value && !text.IsMissing()) MySscanf(text.Chars(), 0, fmt, 1, static_cast<T*>(value));
   return value;
 }
 
@@ -215,6 +216,17 @@ class OrderTextPrinter {
   const char* format_;
 };
 
+/// Lets print(string) fill an empty string that `out` then becomes. For want of memory it
+/// stays as it was.
+template <class Print>
+NxString& PrintWhole(NxString& out, Print print) {
+  const NxShortageWatch shortage;
+  NxString printed(out._nCodeSet, out._nLanguage);
+  print(printed);
+  if (!shortage.Happened()) out.Destruct(printed);
+  return out;
+}
+
 NxString& PrintText(NxString& out, const char* text, const char* fmt) {
   return out = TextArea(fmt, std::strlen(text)).Print(text);
 }
@@ -224,12 +236,13 @@ template <class Alpha>
 NxString& PrintAlpha(NxString& out, const Alpha& value, const char* fmt) {
   if (!value._pStr || !*value._pStr) return out = "";
   if (!NxPrintFormatFits(fmt, {NxFormatArg::kText})) return RefuseFormat(out, fmt);
-  return PrintText(out, value._pStr, fmt);
+  return PrintWhole(out, [&](NxString& printed) { PrintText(printed, value._pStr, fmt); });
 }
 
 template <class Alpha>
 void* ScanAlpha(void* value, NxString& in) {
-  if (value) *static_cast<Alpha*>(value) = NxScanText(in).Chars();
+  const NxScanText text(in);
+  if (value && !text.IsMissing()) *static_cast<Alpha*>(value) = text.Chars();
   return value;
 }
 
@@ -238,11 +251,12 @@ void* ScanAlpha(void* value, NxString& in) {
 // ---------------------------------------------------------------------------
 // Characters
 
-NxString& CharPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long n) {
-  if (!NxPrintFormatFits(fmt, {NxFormatArg::kByte})) return RefuseFormat(out, fmt);
-  NxString text("");  // out may hold the format or the chars
-  NxPieceWriter pieces(text);
-  const char* chars = static_cast<const char*>(value);
+namespace {
+
+void PrintChars(NxString& out, const void* value, const char* fmt, unsigned long n) {
+  out = "";
+  NxPieceWriter pieces(out);
+  const auto* chars = static_cast<const char*>(value);
   for (unsigned long i = 0; i < n; ++i) {
     char work[kWorkBytes];
     const int byte = static_cast<unsigned char>(chars[i]);
@@ -251,9 +265,13 @@ NxString& CharPrintToNxString(NxString& out, void* value, const char* fmt, unsig
                                                          : std::snprintf(work, sizeof work, "0x%02x", byte);
     if (length > 0) pieces.Add(work);
   }
-  pieces.Flush();
-  out.Destruct(text);
-  return out;
+}
+
+}  // namespace
+
+NxString& CharPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long n) {
+  if (!NxPrintFormatFits(fmt, {NxFormatArg::kByte})) return RefuseFormat(out, fmt);
+  return PrintWhole(out, [&](NxString& printed) { PrintChars(printed, value, fmt, n); });
 }
 
 void* CharScanFromNxString(void* value, NxString& in, const char* fmt, unsigned long n) {
@@ -315,16 +333,9 @@ void* DoubleScanFromNxString(void* value, NxString& in, const char* fmt, unsigne
 // ---------------------------------------------------------------------------
 // Strings
 
-NxString& NxStringPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long n) {
-  NxString& string = *static_cast<NxString*>(value);
-  if (&out == &string) {
-    NxString copy(string);
-    return NxStringPrintToNxString(out, &copy, fmt, n);
-  }
-  if (string.IsNullValue()) return out = __NullPrintString;
-  if (string.IsEmpty()) return out = string;
-  const TextFormat format(fmt);
-  if (!format.Fits()) return RefuseFormat(out, fmt);
+namespace {
+
+void PrintCharacters(NxString& out, NxString& string, const TextFormat& format) {
   if (string._nCodeSet == kCodeSetOrderValues) {
     OrderTextPrinter(out, string, format.Text(), format.Mode()).Print();
   } else if (string._nCodeSet == kCodeSetUnicode) {
@@ -336,7 +347,17 @@ NxString& NxStringPrintToNxString(NxString& out, void* value, const char* fmt, u
   } else {
     PrintText(out, string.StrGet(), format.Text()).SetCodeSet(string._nCodeSet);
   }
-  return out;
+}
+
+}  // namespace
+
+NxString& NxStringPrintToNxString(NxString& out, void* value, const char* fmt, unsigned long /*n*/) {
+  NxString& string = *static_cast<NxString*>(value);
+  if (string.IsNullValue()) return out = __NullPrintString;
+  if (string.IsEmpty()) return out = string;
+  const TextFormat format(fmt);
+  if (!format.Fits()) return RefuseFormat(out, fmt);
+  return PrintWhole(out, [&](NxString& printed) { PrintCharacters(printed, string, format); });
 }
 
 void* NxStringScanFromNxString(void* value, NxString& in, const char* /*fmt*/, unsigned long /*n*/) {
@@ -374,7 +395,7 @@ NxString& Int64PrintToNxString(NxString& out, void* value, const char* fmt, unsi
 }
 
 void* Int64ScanFromNxString(void* value, NxString& in, const char* fmt, unsigned long /*n*/) {
-  if (value) NxScanInt64(*static_cast<NxInt64*>(value), NxScanText(in).Chars(), fmt);
+  if (value) static_cast<NxInt64*>(value)->ScanFromNxString(in, fmt);
   return value;
 }
 
@@ -391,6 +412,7 @@ void* BooleanScanFromNxString(void* value, NxString& in, const char* /*fmt*/, un
   if (!value) return nullptr;
   NxBoolean& boolean = *static_cast<NxBoolean*>(value);
   const NxScanText text(in);
+  if (text.IsMissing()) return value;
   if (NxBeginsWithNullText(text.String())) {
     boolean.SetNullValue();
     return value;
@@ -407,7 +429,8 @@ NxString& SealPrintToNxString(NxString& out, void* value, const char* /*fmt*/, u
 }
 
 void* SealScanFromNxString(void* value, NxString& in, const char* /*fmt*/, unsigned long /*n*/) {
-  if (value) static_cast<NxSeal*>(value)->ScanFromNxString(NxScanText(in).String());
+  const NxScanText text(in);
+  if (value && !text.IsMissing()) static_cast<NxSeal*>(value)->ScanFromNxString(text.String());
   return value;
 }
 

@@ -339,7 +339,7 @@ NxTypeConvertData* d_DateConvertToNxString(void* values, unsigned long n) {
   return NxTextsOf<d_Date>(values, n, [](const d_Date& v, NxString& s) { s += NxString(DayOf(v)); });
 }
 void* d_DateConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
-  return NxValuesOf<d_Date>(strings, n, d_DateCreate, d_Date(0, 0, 0),
+  return NxValuesOf<d_Date>(strings, n, d_DateCreate, d_DateDelete, d_Date(0, 0, 0),
                             [](const NxString& s) { return DateOfDay(static_cast<long>(s)); });
 }
 
@@ -347,7 +347,7 @@ NxTypeConvertData* d_TimeConvertToNxString(void* values, unsigned long n) {
   return NxTextsOf<d_Time>(values, n, [](const d_Time& v, NxString& s) { s += NxString(LocalSecond(v)); });
 }
 void* d_TimeConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
-  return NxValuesOf<d_Time>(strings, n, d_TimeCreate, d_Time(0L),
+  return NxValuesOf<d_Time>(strings, n, d_TimeCreate, d_TimeDelete, d_Time(0L),
                             [](const NxString& s) { return d_Time(static_cast<long>(s)); });
 }
 
@@ -358,10 +358,11 @@ NxTypeConvertData* d_TimestampConvertToNxString(void* values, unsigned long n) {
 }
 void* d_TimestampConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
   const d_Date none(0, 0, 0);
-  return NxValuesOf<d_Timestamp>(strings, n, d_TimestampCreate, {none, 0L}, [none](const NxString& s) {
-    const NxDaysAndSeconds text(s);
-    return d_Timestamp(text.days ? DateOfDay(*text.days) : none, text.seconds.value_or(0));
-  });
+  return NxValuesOf<d_Timestamp>(
+      strings, n, d_TimestampCreate, d_TimestampDelete, {none, 0L}, [none](const NxString& s) {
+        const NxDaysAndSeconds text(s);
+        return d_Timestamp(text.days ? DateOfDay(*text.days) : none, text.seconds.value_or(0));
+      });
 }
 
 NxTypeConvertData* d_IntervalConvertToNxString(void* values, unsigned long n) {
@@ -372,9 +373,10 @@ NxTypeConvertData* d_IntervalConvertToNxString(void* values, unsigned long n) {
   });
 }
 void* d_IntervalConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
-  return NxValuesOf<d_Interval>(strings, n, d_IntervalCreate, d_Interval(), [](const NxString& s) {
-    d_Interval iv;
-    iv.value = static_cast<float>(static_cast<double>(s));
-    return iv;
-  });
+  return NxValuesOf<d_Interval>(strings, n, d_IntervalCreate, d_IntervalDelete, d_Interval(),
+                                [](const NxString& s) {
+                                  d_Interval iv;
+                                  iv.value = static_cast<float>(static_cast<double>(s));
+                                  return iv;
+                                });
 }

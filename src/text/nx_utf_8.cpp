@@ -135,8 +135,9 @@ int TextDecoder::DecodeOne(unsigned short& unit) const {
   return nx_mbtowc(&unit, reinterpret_cast<const char*>(at), left);
 }
 
-/// Gives `out` the decoded units, which are followed by room for a zero. Beyond what a string
-/// can hold, the pieces of 256 that fit are kept and the next is appended for the report.
+/// Gives the empty `out` the decoded units, which are followed by room for a zero. Beyond what
+/// a string can hold, the pieces of 256 that fit are kept and the next is appended for the
+/// report.
 void TakeUnits(NxString& out, char* buffer, unsigned long room, unsigned long count) {
   constexpr unsigned long kPiece = 256;
   constexpr unsigned long kMostUnits = kMaxStringBytes / 2 - 1;
@@ -356,14 +357,9 @@ int NxMultiByteStr2WCharStr(unsigned short* dst, int dstLen, const char* src, in
 }
 
 long NxMBS2NxString(const char* s, NxString& out, long len) {
-  char* const old = out._pBuffer;  // s may be in it
-  const unsigned char language = out._nLanguage;
-  out._pBuffer = nullptr;
-  out.Destroy();
-  out._nLanguage = language;
-  out._nCodeSet = kCodeSetUnicode;
-
-  constexpr unsigned long kSlack = 8;  // so that the last character is not cut
+  const NxShortageWatch shortage;
+  NxString decoded(kCodeSetUnicode, out._nLanguage);  // s may be the text of out
+  constexpr unsigned long kSlack = 8;                 // so that the last character is not cut
   long result = 0;
   if (s && len != 0) {
     const unsigned long length =
@@ -375,12 +371,13 @@ long NxMBS2NxString(const char* s, NxString& out, long len) {
       TextDecoder decoder(text, length, reinterpret_cast<unsigned short*>(buffer), room);
       result = decoder.Run();
       if (decoder.Count() > 0)
-        TakeUnits(out, buffer, room, decoder.Count());
+        TakeUnits(decoded, buffer, room, decoder.Count());
       else
         delete[] buffer;
     }
   }
-  delete[] old;
+  if (shortage.Happened()) return 0;
+  out.Destruct(decoded);
   return result;
 }
 

@@ -15,8 +15,10 @@ bool NxBeginsWithNullText(const NxString& in) {
     const char* nullText = __NullPrintString.StrGet();
     return std::strncmp(in.StrGet(), nullText, std::strlen(nullText)) == 0;
   }
+  const NxShortageWatch shortage;
   NxString wanted(in._nCodeSet, in._nLanguage);
   wanted += __NullPrintString;
+  if (shortage.Happened()) return false;
   const unsigned long length = wanted.Len();
   return in.Len() >= length && std::memcmp(in.StrGet(), wanted.StrGet(), length * width) == 0;
 }

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "base/nxthreads.h"
 #include "nxbase.h"
 #include "nxlang.h"
 #include "nxstritr.h"
@@ -50,6 +51,14 @@ NxString& AppendText(NxString& s, const char* text) {
 /// The order value that code set 1 gives to a character.
 unsigned short OrderInLatin1(unsigned char c) {
   return NxLanguageContext::QueryCodeSet(kCodeSetLatin1)->CharTable()->Find(c)->order;
+}
+
+/// A wildcard's order value, asked for once. Threads that ask for the first time at once
+/// all find the same.
+unsigned short Determined(unsigned short& wildcard, unsigned char c) {
+  unsigned short order = NxLoadRelaxed(wildcard);
+  if (order == 0) NxStoreRelaxed(wildcard, order = OrderInLatin1(c));
+  return order;
 }
 
 }  // namespace
@@ -163,18 +172,9 @@ unsigned char NxString::GetDefault16CodeSet() { return Default16(); }
 unsigned short NxString::GetDefaultCmpOp() { return NxLanguageContext::GetDefaultCmpOp(); }
 int NxString::SetDefaultCmpOp(unsigned short op) { return NxLanguageContext::SetDefaultCmpOp(op); }
 
-unsigned short NxString::GetAsterisk() {
-  if (_nAsterisk == 0) _nAsterisk = OrderInLatin1('*');
-  return _nAsterisk;
-}
-unsigned short NxString::GetQuestion() {
-  if (_nQuestion == 0) _nQuestion = OrderInLatin1('?');
-  return _nQuestion;
-}
-unsigned short NxString::GetEscape() {
-  if (_nEscape == 0) _nEscape = OrderInLatin1('\\');
-  return _nEscape;
-}
+unsigned short NxString::GetAsterisk() { return Determined(_nAsterisk, '*'); }
+unsigned short NxString::GetQuestion() { return Determined(_nQuestion, '?'); }
+unsigned short NxString::GetEscape() { return Determined(_nEscape, '\\'); }
 
 int NxString::SetAsterisk(const NxChar& c) { return SetAQE(c, _nAsterisk); }
 int NxString::SetQuestion(const NxChar& c) { return SetAQE(c, _nQuestion); }
@@ -204,9 +204,11 @@ NxString& NxString::operator+=(const NxString& s) {
 }
 
 NxString operator+(const NxString& a, const NxString& b) {
+  const NxShortageWatch shortage;
   NxString sum(a._nCodeSet, a._nLanguage);
   sum += a;
   sum += b;
+  if (shortage.Happened()) NxAttach(sum, nullptr, 0);  // the whole text or none
   return sum;
 }
 

@@ -14,14 +14,20 @@
 class NxScanText {
  public:
   explicit NxScanText(const NxString& in) : in_(in) {
-    if (NxCharWidth(in._nCodeSet) == 2) copy_.emplace() += in;
+    if (NxCharWidth(in._nCodeSet) == 1) return;
+    const NxShortageWatch shortage;
+    copy_.emplace() += in;
+    missing_ = shortage.Happened();
   }
+  /// No memory for it: what is to be scanned stays as it is.
+  bool IsMissing() const { return missing_; }
   const NxString& String() const { return copy_ ? *copy_ : in_; }
   const char* Chars() const { return String().StrGet(); }
 
  private:
   const NxString& in_;
   std::optional<NxString> copy_;
+  bool missing_ = false;
 };
 
 /// Whether a text begins with the null text, which `NxTypeMgr::GetNullPrintString`

@@ -8,10 +8,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <utility>
 
-#include "nxbase.h"
+#include "base/nxalloc.h"
 #include "nxstring.h"
 
 namespace {
@@ -30,11 +29,7 @@ void CopyBytes(void* dst, const void* src, unsigned long n) {
 
 // New data; null when memory is short for them or for their bytes.
 
-NxBlobData* NewData() {
-  auto* data = new (std::nothrow) NxBlobData;
-  if (!data) NxCallMemoryHandler(sizeof(NxBlobData));
-  return data;
-}
+NxBlobData* NewData() { return NxNewObject<NxBlobData>(); }
 
 NxBlobData* KeepIf(bool complete, NxBlobData* data) {
   if (complete) return data;
@@ -80,9 +75,11 @@ NxBlobData::~NxBlobData() { Hold(nullptr, 0); }
 /// long, so larger buffers are refused.
 unsigned char* NxBlobData::Allocate(unsigned long n) {
   if (n == 0) return nullptr;
-  void* bytes = n <= LONG_MAX ? std::malloc(n) : nullptr;
-  if (!bytes) NxCallMemoryHandler(n);
-  return static_cast<unsigned char*>(bytes);
+  if (n > LONG_MAX) {
+    NxReportShortage(n);
+    return nullptr;
+  }
+  return static_cast<unsigned char*>(NxAllocate(n));
 }
 
 /// Releases the buffer for another one, of n bytes.

@@ -70,5 +70,6 @@ NxString& NxInt64::PrintToNxString(NxString& out, const char* format) const {
 }
 
 void NxInt64::ScanFromNxString(const NxString& text, const char* format) {
-  NxScanInt64(*this, NxScanText(text).Chars(), format);
+  const NxScanText input(text);
+  if (!input.IsMissing()) NxScanInt64(*this, input.Chars(), format);
 }

@@ -210,6 +210,7 @@ NxString& Print(NxString& out, const T& value, const char* format) {
 template <class T>
 void Scan(T& value, const NxString& in, const char* format) {
   const NxScanText text(in);
+  if (text.IsMissing()) return;
   if (NxBeginsWithNullText(text.String())) {
     value.SetNullValue();  // of a reference only the object
     return;

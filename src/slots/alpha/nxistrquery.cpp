@@ -3,10 +3,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 #include "alpha/nxalpha.h"
+#include "base/nxalloc.h"
 #include "base/nxclosedcopy.h"
 #include "nxtypcmp.h"
 #include "nxtypevl.h"
@@ -320,11 +320,8 @@ class AlphaBounds {
   /// An image of the first `count` keys, of which `open` makes the last the highest.
   void* KeyImage(unsigned long count, bool open, unsigned char& length) const {
     const unsigned long size = kHeadSize + count + 1;
-    auto* image = static_cast<unsigned char*>(std::malloc(size));
-    if (!image) {
-      NxCallMemoryHandler(size);
-      return nullptr;
-    }
+    auto* image = static_cast<unsigned char*>(NxAllocate(size));
+    if (!image) return nullptr;
     const auto total = static_cast<unsigned short>(count + 1);
     image[0] = kKeyHeader;
     ShortStore(image + 1, &total, format_, 1);

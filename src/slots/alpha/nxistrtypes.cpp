@@ -14,6 +14,7 @@
 #include "nxlang.h"
 #include "nxstring.h"
 #include "nxtypes.h"
+#include "slots/nxconvkit.h"
 #include "slots/nxfixed.h"
 #include "slots/nxlife.h"
 
@@ -104,12 +105,16 @@ int Store(void* image, const void* values, unsigned char format, unsigned long n
 /// Gives a value the text that `stored` is in the disk code set.
 template <class Text>
 void SetDecoded(Text& value, NxTextSpan stored) {
-  value = nullptr;
-  if (!stored.HasByte()) return;
-  value._pStr = NxNewArray<char>(stored.Size() + 1);
-  if (!value._pStr) return;
-  char* end = std::transform(stored.at, stored.end, value._pStr, _NxConvertFromDiskFormat);
+  if (!stored.HasByte()) {
+    value = nullptr;
+    return;
+  }
+  char* text = NxNewArray<char>(stored.Size() + 1);
+  if (!text) return;
+  char* end = std::transform(stored.at, stored.end, text, _NxConvertFromDiskFormat);
   *end = 0;
+  value = nullptr;
+  value._pStr = text;
 }
 
 /// Loads from an image of `length` bytes; values for which it has no text become
@@ -142,6 +147,7 @@ int Load(void* values, const void* image, unsigned long n) {
 
 template <class Text>
 NxTypeConvertData* ConvertTo(void* values, unsigned long n) {
+  const NxShortageWatch shortage;
   auto* texts = static_cast<const Text*>(values);
   auto* strings = static_cast<NxString*>(NxStringCreate(n));
   for (unsigned long i = 0; strings && i < n; ++i) {
@@ -150,17 +156,18 @@ NxTypeConvertData* ConvertTo(void* values, unsigned long n) {
     text.SetCodeSetCode(kCodeSetNone);
     strings[i] += text;
   }
-  return NxTypeConvertData::Make(kStringTypeId, n, strings, nullptr);
+  return NxStringArray(strings, n, shortage);
 }
 
 template <class Text>
 void* ConvertFrom(NxTypeConvertData* strings, unsigned long n) {
+  const NxShortageWatch shortage;
   auto* values = static_cast<Text*>(NxObjectForm<Text>::Create(n));
   for (unsigned long i = 0; values && i < n; ++i) {
     NxString* s = strings ? strings->GetString(static_cast<int>(i)) : nullptr;
     if (s && !s->IsNullValue()) values[i] = s->StrGet();
   }
-  return values;
+  return NxWholeOrNone(values, n, NxObjectForm<Text>::Delete, shortage);
 }
 
 // ---------------------------------------------------------------------------
@@ -222,7 +229,7 @@ int KeyFromValues(Bytes dst, unsigned char dstForm, unsigned long dstLength, con
 int ValueFromKey(NxCaseIString& value, const void* src, unsigned char srcForm, unsigned long srcLength) {
   const NxAlphaImage image(src, srcLength, srcForm);
   const unsigned long length = image.texts.Size();
-  value = nullptr;
+  if (length == 0) value = nullptr;
   Bytes work = length ? NxNewZeroArray<unsigned char>(2 * (length + 1)) : nullptr;
   if (work) {
     Bytes keys = work, text = work + length + 1;

@@ -7,9 +7,9 @@
 // handed in are never written to.
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
+#include "base/nxalloc.h"
 #include "base/nxclosedcopy.h"
 #include "base/nxstored.h"
 #include "nxbase.h"
@@ -222,11 +222,8 @@ class StringBounds {
     }
     if (!oldForm_ && !image.capped) image.bytes[image.used + 1] = NxStoredString::kLastByte;
     if (size > NxINDEX_MAX_KEYLEN) NEXO_assert("actualLen <= NxINDEX_MAX_KEYLEN", "src/nxtypevl", line);
-    bound = std::malloc(size);
-    if (!bound) {
-      NxCallMemoryHandler(size);
-      return;
-    }
+    bound = NxAllocate(size);
+    if (!bound) return;
     std::memcpy(bound, image.bytes, size);
     boundLength = static_cast<unsigned char>(size);
   }

@@ -7,6 +7,7 @@
 #include "nxconv.h"
 #include "nxtypes.h"
 #include "nxtypevl.h"
+#include "slots/nxconvkit.h"
 #include "slots/nxlife.h"
 #include "text/nxstrbuild.h"
 
@@ -144,12 +145,14 @@ void* NxStringDefaultValue(unsigned long n, int asNull) {
 // String arrays
 
 NxTypeConvertData* NxStringConvertToNxString(void* values, unsigned long n) {
-  void* strings = NxStringCreate(n);
+  const NxShortageWatch shortage;
+  NxString* strings = Strings(NxStringCreate(n));
   if (strings) NxStringAssignment(strings, values, n, 0);
-  return NxTypeConvertData::Make(kStringTypeId, n, strings, nullptr);
+  return NxStringArray(strings, n, shortage);
 }
 
 void* NxStringConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
+  const NxShortageWatch shortage;
   NxString* values = Strings(NxStringCreate(n));
   if (!values) return nullptr;
   for (unsigned long i = 0; i < n; ++i) {
@@ -158,7 +161,7 @@ void* NxStringConvertFromNxString(NxTypeConvertData* strings, unsigned long n) {
     else
       values[i].SetNullValue();
   }
-  return values;
+  return NxWholeOrNone(values, n, NxStringDelete, shortage);
 }
 
 // ---------------------------------------------------------------------------
