@@ -144,7 +144,7 @@ inline std::string Value(const TypeRow& row, const std::string& word) {
         std::memcpy(&value[2 * i], &unit, 2);
       }
     else
-      std::memcpy(&value[0], &number, std::min<std::size_t>(row.size, 8));
+      std::memcpy(&value[0], &number, std::min(row.Has('n') ? row.ImageSize() - 1 : row.size, 8UL));
     return value;
   }
   // Fields one after another in their widths, "*" for -1; a year may be negative.
