@@ -125,11 +125,16 @@ TEST_F(Texts, LongRunsKeepTheirDistances) {
 
 TEST_F(Texts, EveryFormHasTheSameKey) {
   for (int round = 0; round < 2000; ++round) {
-    const Case made = Make(round % 2 ? Pick(hostile, 300) : Pick("aB\xe4\xc9z9", 110), 1, 1 + round % 4);
-    std::string levels(made.key.size(), '\0');
-    NxKeyWriter writer(levels.data(), levels.size());
-    NxWriteTextKeyByLevels({1, made.text._nLanguage, made.text.StrGet(), 1}, writer);
-    ASSERT_EQ(levels, made.key);
+    Case made = Make(round % 2 ? Pick(hostile, 300) : Pick("aB\xe4\xc9z9", 110), 1, 1 + round % 4);
+    const unsigned char codeSets[] = {1, 1, 1, 253, 0};
+    made.text.SetCodeSet(codeSets[random() % 5]);
+    made.key = KeyOf(kStringTypeId, &made.text, 8);
+    if (made.text._nCodeSet != 0) {
+      std::string levels(made.key.size(), '\0');
+      NxKeyWriter writer(levels.data(), levels.size());
+      NxWriteTextKeyByLevels({made.text._nCodeSet, made.text._nLanguage, made.text.StrGet(), 1}, writer);
+      ASSERT_EQ(levels, made.key);
+    }
     for (unsigned char format : {1, 2}) {
       const std::string image = ImageOf(kStringTypeId, &made.text, format);
       ASSERT_EQ(KeyOf(kStringTypeId, image.data(), format, image.size()), made.key);
@@ -151,6 +156,9 @@ TEST_F(Texts, NullComesFirstAndDescendingTurnsTheOrder) {
   const std::string nullKey = KeyOf(kStringTypeId, &null, 8);
   Case last = Make("", 1, 1);
   EXPECT_LT(nullKey, last.key);
+  EXPECT_LT(nullKey, Make("", 0, 1).key);
+  for (int round = 0; round < 1000; ++round)  // byte by byte, the lowest ones escaped
+    Check(Make(Pick("\x01\x02\x03y", 4), 0, 1), Make(Pick("\x01\x02\x03y", 4), 0, 1));
   for (int round = 0; round < 1000; ++round) {
     const Case a = Make(Pick(hostile, 4), 1, 1);
     const int order = Sign(a.text.Compare(last.text, -1, kWildcardsOff));
