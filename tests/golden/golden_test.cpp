@@ -245,9 +245,12 @@ std::string FromTexts(Type& type, const std::string& word) {
   NxTypeConvertData record(11, word == "missing" ? 1 : 2, strings, nullptr);
   void* values = type.mgr.ConvertFrom(type.row.id, &record, 2);
   record.mgr = nullptr;  // the texts stay here
-  const std::string raw(static_cast<char*>(values) + type.row.size, type.row.size);
+  const char* const raw = static_cast<char*>(values) + type.row.size;
+  std::string value(type.row.size, '\0');  // what is stored of it
+  for (const TypeRow::Field& field : type.row.image)
+    std::memcpy(&value[field.offset], raw + field.offset, field.width);
   type.mgr.Delete(type.row.id, values, 2);
-  return raw;
+  return value;
 }
 
 void Array(const Words& in, const Words& out) {
