@@ -592,6 +592,17 @@ void AlphaKeys(const Words& in, const Words& out) {
   EXPECT_EQ(keys[n], 0xEE);
 }
 
+/// weigh i|case BYTES = for each byte its key and what sets it apart from those that share it
+void Weigh(const Words& in, const Words& out) {
+  std::string weights;
+  for (const char byte : FromHex(in[2].substr(1))) {
+    unsigned char extra = 0xEE;
+    weights += static_cast<char>((in[1] == "i" ? _NxIMapByte : _NxCaseIMapByte)(byte, extra));
+    weights += static_cast<char>(extra);
+  }
+  EXPECT_EQ(ToHex(weights), ToHex(FromHex(out[0].substr(1))));
+}
+
 /// capitals 'text' LIMIT = what the keys of a text turn back into, and the count
 void Capitals(const Words& in, const Words& out) {
   const TypeRow row{21, "", 0, false, {}, false, "", "", "", "", ""};
@@ -649,6 +660,7 @@ const std::map<std::string, void (*)(const Words&, const Words&)> kVerbs = {
     {"print", Print},
     {"scan", Scan},
     {"translate", Translate},
+    {"weigh", Weigh},
 };
 
 class Golden : public testing::TestWithParam<std::string> {};
