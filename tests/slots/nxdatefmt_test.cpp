@@ -150,16 +150,6 @@ TEST(DateText, StandardTypesAreLocal) {
   d_TimeScanFromNxString(&t, in, "%H:%M:%S", 1);
   EXPECT_TRUE(t.hour == 25 && t.tz_hour == 2 && t.second == 58 && t.hundredths == 0);
   d_Time::set_default_Time_Zone(d_Time::Utc);
-
-  d_Interval iv(2, 3, 4, 5);
-  EXPECT_EQ(Print(d_IntervalPrintToNxString, &iv, "%e %H:%M:%S"), "02 03:04:05");
-  iv.value = -5400.5F;
-  EXPECT_EQ(Print(d_IntervalPrintToNxString, &iv, "%e %H:%M:%S"), "00 -01:-30:00");
-  NxString none("{NULL}"), span("10:20:30");
-  d_IntervalScanFromNxString(&iv, span, "%H:%M:%S", 1);
-  EXPECT_EQ(iv.value, 37230);
-  d_IntervalScanFromNxString(&iv, none, "%H", 1);  // it has no null state: the fields of null
-  EXPECT_EQ(iv.value, -128.F * (86400 + 3600 + 60 + 1));
 }
 
 TEST(IntegerText, AsTheCLibrary) {
