@@ -14,11 +14,9 @@
 
 #include "nxbase.h"
 #include "nxlang.h"
-#include "nxoption.h"
 #include "nxrefx.h"
 #include "nxseal.h"
 #include "nxstring.h"
-#include "nxtypevl.h"
 #include "nxtypmgr.h"
 
 namespace {
@@ -222,29 +220,6 @@ TEST(Texts, MembersHaveFormatsOfTheirOwn) {
 // ---------------------------------------------------------------------------
 // Slots
 
-TEST(Order, OfImagesIsThatOfTheirBytes) {
-  const struct {
-    const NxTypeTab& record;
-    Bytes a, b;
-    long order;
-  } rows[] = {
-      {NxObjIdTab, {9, 9, 9, 9, 1, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 1, 0, 0, 0, 0, 0}, 0},
-      {NxObjIdTab, {0, 0, 0, 0, 7, 0, 0, 128, 1, 0}, {0, 0, 0, 0, 9, 0, 0, 3, 1, 0}, 125},
-      {NxObjIdTab, {0, 0, 0, 0, 255, 255, 0, 0, 255, 0}, {0, 0, 0, 0, 0, 0, 0, 0, 0, 1}, -1},
-      {NxRefTab, {0, 0, 0, 0, 1, 0, 0, 0, 9, 9, 1, 0, 9, 0}, {0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 3, 0, 0, 0}, -2},
-      {NxClassIdTab, {1, 2, 9, 9}, {9, 1, 0, 0}, 1},
-      {NxClassIdTab, {1, 2, 3, 4}, {1, 2, 5, 4}, -2},
-      {NxClassIdTab, {255, 255, 255, 255}, {0, 0, 0, 0}, -1},
-      {NxClassIdTab, {0, 0, 0, 0}, {255, 255, 255, 255}, 1},
-      {NxClassIdTab, {255, 255, 254, 255}, {0, 0, 0, 0}, 255},
-  };
-  for (auto row : rows) {
-    int error = 1;
-    EXPECT_EQ(row.record.Compare(kFormatBigEndian, 0, row.a.data(), 0, row.b.data(), 0, 1, error), row.order);
-    EXPECT_EQ(error, 0);
-  }
-}
-
 TEST(Slots, TouchTheBytesOfTheirFieldsOnly) {
   unsigned char raw[] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 77, 77};
   NxObjIdConstructor(raw, 1, 0);
@@ -256,39 +231,6 @@ TEST(Slots, TouchTheBytesOfTheirFieldsOnly) {
   NxRef::Store(image, &ref, kFormatBigEndian, 1);
   NxRef::Load(&ref, image, kFormatBigEndian, 1);
   EXPECT_EQ(ref.classId.version, 0);  // the image has none
-}
-
-TEST(Slots, EstimateByNumbers) {
-  unsigned char low[10], high[10], key[14];
-  NxIdxBounds range = {low, high, 10, 10}, bounds = {};
-  const NxObjId ids[] = {Object(0, 0), Object(1, 0), Object(1, 65535)};
-  NxObjId::Store(low, &ids[0], kFormatBigEndian, 1);
-  NxObjId::Store(key, &ids[1], kFormatBigEndian, 1);
-  NxObjId::Store(high, &ids[2], kFormatBigEndian, 1);
-  unsigned short relation = kRelationLess | kRelationEqual | kIgnoreCase;
-  // The high part counts 65535 times: the key is the 65536th of 131071 numbers.
-  EXPECT_FLOAT_EQ(NxObjId::EvalAndBound(&range, relation, key, kFormatBigEndian, 1, nullptr),
-                  65536.0F / 131071);
-  EXPECT_EQ(relation, kRelationLess | kRelationEqual);
-  EXPECT_EQ(NxClassId::EvalAndBound(&range, relation, key, kFormatBigEndian, 1, &bounds), 1);
-  EXPECT_EQ(bounds.lower, nullptr);
-
-  constexpr double kAll = 4294967295.0 * 4294967295.0;
-  const double number = (30000 * 65535.0 + 2) * 4294967295.0 + 1;
-  const NxRef ref = Reference(30000, Object(2, 1));
-  NxRef::Store(key, &ref, kFormatBigEndian, 1);
-  const std::pair<unsigned short, double> rows[] = {
-      {kRelationEqual, 1 / kAll},
-      {kRelationLess, number / kAll},
-      {kRelationGreater, (kAll - (number + 1)) / kAll},
-      {kRelationLess | kRelationGreater, 1},
-  };
-  for (const auto& row : rows) {
-    relation = row.first | kSkipSpaces;
-    EXPECT_FLOAT_EQ(NxRef::EvalAndBound(&range, relation, key, kFormatBigEndian, 1, nullptr),
-                    static_cast<float>(row.second));
-    EXPECT_EQ(relation, row.first);
-  }
 }
 
 }  // namespace
