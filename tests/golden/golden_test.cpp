@@ -263,7 +263,9 @@ void Array(const Words& in, const Words& out) {
   const std::unique_ptr<NxTypeConvertData> strings(type.mgr.ConvertTo(type.row.id, &values[1], 2));
   ASSERT_EQ(strings->count, 2U);
   EXPECT_EQ(Shown(*strings->GetString(1)), Shown(out[0]));
-  EXPECT_EQ(ToHex(FromTexts(type, out[0])), ToHex(value));
+  if (out.size() < 2) {
+    EXPECT_EQ(ToHex(FromTexts(type, out[0])), ToHex(value));
+  }
 }
 
 void FromArray(const Words& in, const Words& out) {

@@ -1,5 +1,5 @@
 // Nullable scalars: flags beyond 0 and 1, arrays across the blocks that are converted at
-// once, string arrays.
+// once.
 
 #include "nxnultyp.h"
 
@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "nxconv.h"
 #include "nxtypmgr.h"
 #include "support/strings.h"
 
@@ -90,28 +89,6 @@ TEST(Nullables, AnyFlagOrdersAndHashesAsWhatItSays) {
         NxString text("1");
         EXPECT_EQ(type->ScanFromNxString(nullptr, text, "%d", 1), nullptr);
       }
-}
-
-TEST(Nullables, StringArrays) {
-  NxTypeMgr mgr(5);
-  NxString texts[] = {NxString("70"), NxString("-1"), NxString("x"), NxString()};
-  texts[3].SetNullValue();
-  NxTypeConvertData strings(kStringTypeId, 4, texts, nullptr);
-  const char* const printed[][2] = {{"F", "\xFF"}, {"70", "255"}, {"70", "-1"}, {"F", "\xFF\xFF"},
-                                    {"70", "-1"},  {"70", "-1"},  {"70", "-1"}, {"70", "4294967295"},
-                                    {"70", "-1"},  {"70", "-1"},  {"70", "-1"}};
-  for (char id = 28; id <= 38; ++id) {
-    SCOPED_TRACE(mgr.NameGet(id, nullptr));
-    void* values = mgr.ConvertFrom(id, &strings, 5);
-    NxTypeConvertData* back = mgr.ConvertTo(id, values, 5);
-    for (int i : {0, 1}) EXPECT_EQ(Text(*back->GetString(i)), printed[id - 28][i]);
-    EXPECT_FALSE(back->GetString(2)->IsNullValue());
-    EXPECT_TRUE(back->GetString(3)->IsNullValue());
-    EXPECT_TRUE(back->GetString(4)->IsNullValue());  // beyond the record
-    delete back;
-    mgr.Delete(id, values, 5);
-  }
-  strings.mgr = nullptr;  // the texts stay ours
 }
 
 }  // namespace
