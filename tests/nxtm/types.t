@@ -292,3 +292,57 @@ Blobs come from files beside the table, and go to files.
   $ try 'a,@huge\n'
   nxtm: in/d:1:3: column 'bytes': in/huge has 209715200 bytes; at most 134217728 can be kept
   [2]
+
+Every kind of number comes back, and its image under high byte first is shown.
+
+  $ for value in 'char -5' 'short -300' 'long -70000' 'NxWord 65535' 'NxDWord 4294967295' 'int -1' \
+  >   'unsigned 4000000000' 'enum 3' 'NxByte 200' 'BlockId 4294967295' 'NxSeal 281474976710655' \
+  >   'NxNull_char 7' 'NxNull_uchar 200' 'NxNull_ushort 65535' 'NxNull_unsigned 4000000000' \
+  >   'NxNull_ulong 4294967295' 'NxNull_NxInt64 -9000000000'; do
+  >   set -- $value
+  >   echo "$(nxtm load $1 "$(nxtm store $1 $2 --format 2)" --format 2)  $(nxtm store $1 $2 --format 2)  $1"
+  > done
+  -5  FB  char
+  -300  FE D4  short
+  -70000  FF FE EE 90  long
+  65535  FF FF  NxWord
+  4294967295  FF FF FF FF  NxDWord
+  -1  FF FF FF FF  int
+  4000000000  EE 6B 28 00  unsigned
+  3  00 00 00 03  enum
+  200  C8  NxByte
+  4294967295  FF FF FF FF  BlockId
+  281474976710655  FF FF FF FF FF FF  NxSeal
+  7  00 07  NxNull_char
+  200  00 C8  NxNull_uchar
+  65535  00 FF FF  NxNull_ushort
+  4000000000  00 EE 6B 28 00  NxNull_unsigned
+  4294967295  00 FF FF FF FF  NxNull_ulong
+  -9000000000  00 E7 8E E6 00 FF FF FF FD  NxNull_NxInt64
+
+What is no value of its type, or no image of one, is named with its reason.
+
+  $ nxtm store NxTime 1
+  nxtm: '1' is not a time of day (hour:minute:second)
+  [2]
+  $ nxtm store NxDateTime x
+  nxtm: 'x' is not a point in time (year-month-dayThour:minute:second)
+  [2]
+  $ nxtm store d_Time 1:2
+  nxtm: '1:2' is not a time (hour:minute:second.25+hour:minute)
+  [2]
+  $ nxtm store d_Timestamp 2004
+  nxtm: '2004' is not a point in time (year-month-dayThour:minute:second.25+hour:minute)
+  [2]
+  $ nxtm store short 70000
+  nxtm: '70000' is outside -32768 to 32767
+  [2]
+  $ nxtm load short AABBCC
+  nxtm: not the image of one short value
+  [2]
+  $ nxtm load NxString 0700
+  nxtm: not the image of one NxString value
+  [2]
+  $ echo 'a NxString codeset=9' >codeset.txt; nxtm import codeset.txt /dev/null codeset.store
+  nxtm: codeset.txt:1:12: there is no code set '9' (0, 1, 2, 3, 4 or 253)
+  [2]
