@@ -1,6 +1,8 @@
 # Libraries of others that the tools and benchmarks use, as 32-bit targets:
 #   nx_library32(lmdb32)       lmdb.h
 #   nx_library32(csv32)        csv.h
+#   nx_library32(xxhash32)     xxhash.h
+#   nx_library32(curl32)       curl/curl.h
 #   nx_library32(benchmark32)  Google Benchmark
 #   nx_library32(icu32)        ICU; its 32-bit libraries come without the links of a
 #                              development package, and each version has its own names
@@ -18,6 +20,14 @@ function(nx_library32 target)
     set(packages "libcsv-dev:i386")
     set(header csv.h)
     set(libraries csv)
+  elseif(target STREQUAL "xxhash32")
+    set(packages "libxxhash-dev:i386")
+    set(header xxhash.h)
+    set(libraries xxhash)
+  elseif(target STREQUAL "curl32")
+    set(packages "libcurl4-openssl-dev:i386")
+    set(header curl/curl.h)
+    set(libraries curl)
   elseif(target STREQUAL "benchmark32")
     set(packages "libbenchmark-dev:i386")
     set(header benchmark/benchmark.h)

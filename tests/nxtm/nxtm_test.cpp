@@ -202,8 +202,9 @@ TEST_F(Workbench, AnIndexFindsWhatAScanFinds) {
     // A full scan by the condition itself, over records that are taken apart already.
     for (unsigned int i = 0; i < records.size(); ++i)
       if (condition.Matches(store->GetSchema(), records[i])) scanned.push_back(i);
-    nxtm::RunQuery(*store, condition, false,
-                   [&](unsigned int number, const std::vector<nxtm::Field>&) { found.push_back(number); });
+    nxtm::RunQuery(*store, condition, false, [&](unsigned int number, const std::vector<nxtm::Field>&) {
+      return found.push_back(number), true;
+    });
     ASSERT_EQ(scanned, found) << query;
   }
 }
@@ -324,8 +325,9 @@ TEST_F(Workbench, AnIndexFindsWhatAScanFindsAmongOddities) {
 
   const auto find = [](Store& store, const Condition& condition, bool scan) {
     std::vector<unsigned int> found;
-    nxtm::RunQuery(store, condition, scan,
-                   [&](unsigned int number, const std::vector<nxtm::Field>&) { found.push_back(number); });
+    nxtm::RunQuery(store, condition, scan, [&](unsigned int number, const std::vector<nxtm::Field>&) {
+      return found.push_back(number), true;
+    });
     return found;
   };
   const auto compare = [&](int rounds) {

@@ -7,10 +7,25 @@
 
 namespace nxtm {
 
-/// Input, a store or a command that is not right. The text says what, and where:
-/// it is printed behind "nxtm: " and the exit status is 2.
+/// Exit statuses of the workbench; 0 is success.
+enum Status { kUsageStatus = 1, kInputStatus = 2, kStoreStatus = 3, kUnreachableStatus = 4 };
+
+/// Input or a command that is not right. The text says what, and where: it is printed
+/// behind "nxtm: ", and the process ends with the status.
 struct Failure : std::runtime_error {
-  using std::runtime_error::runtime_error;
+  explicit Failure(const std::string& text, Status itsStatus = kInputStatus)
+      : std::runtime_error(text), status(itsStatus) {}
+  Status status;
+};
+
+/// A store that is damaged, or a file that cannot be read or written.
+struct StoreFailure : Failure {
+  explicit StoreFailure(const std::string& text) : Failure(text, kStoreStatus) {}
+};
+
+/// Too few machines of a store answered in time.
+struct Unreachable : Failure {
+  explicit Unreachable(const std::string& text) : Failure(text, kUnreachableStatus) {}
 };
 
 /// A Failure at a place of a file: "file:line:column: reason".

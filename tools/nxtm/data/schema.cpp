@@ -153,6 +153,16 @@ unsigned long Schema::Find(const std::string& name) const {
   throw Failure("there is no attribute '" + name + "' (" + names + ")");
 }
 
+std::vector<Converter> ConvertersOf(const Schema& schema, const std::string& folder) {
+  std::vector<Converter> converters;
+  for (const Column& column : schema.Columns()) {
+    TextStyle style = column.style;
+    style.folder = folder;
+    converters.emplace_back(column.type, std::move(style));
+  }
+  return converters;
+}
+
 Field Record::Take(const Column& column, std::string_view& bytes) {
   Field field;
   if (column.HasNullByte()) {

@@ -47,6 +47,9 @@ class Schema {
   std::vector<Column> columns_;
 };
 
+/// A converter for every column; files that blobs name are looked for in the folder.
+std::vector<Converter> ConvertersOf(const Schema& schema, const std::string& folder = "");
+
 /// One attribute where it lies in a record. A null one may have an image, too.
 struct Field {
   std::string_view image;

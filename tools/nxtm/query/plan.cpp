@@ -252,8 +252,7 @@ Access BoundTerm(Store& store, const Term& term, const IndexInfo& index) {
   return access;
 }
 
-QueryReport RunQuery(Store& store, const Condition& condition, bool scan,
-                     const std::function<void(unsigned int, const std::vector<Field>&)>& onRecord) {
+QueryReport RunQuery(Store& store, const Condition& condition, bool scan, const OnRecord& onRecord) {
   QueryReport report;
   const Schema& schema = store.GetSchema();
   std::vector<Field> fields;

@@ -65,10 +65,11 @@ struct QueryReport {
   unsigned long found = 0;
 };
 
-/// Runs a condition; onRecord gets every record found, in order of number. With
-/// `scan` no index is used.
-QueryReport RunQuery(Store& store, const Condition& condition, bool scan,
-                     const std::function<void(unsigned int, const std::vector<Field>&)>& onRecord);
+/// Gets a record that was found; false ends the query. The fields are valid during the call.
+using OnRecord = std::function<bool(unsigned int number, const std::vector<Field>& fields)>;
+/// Runs a condition; onRecord gets the records found, in order of number. With `scan` no
+/// index is used.
+QueryReport RunQuery(Store& store, const Condition& condition, bool scan, const OnRecord& onRecord);
 
 /// Scan bounds and estimate of a term on an ordered index. A term that selects no
 /// range of the index has no bounds.

@@ -302,4 +302,14 @@ unsigned long CheckIndex(Store& store, const IndexInfo& index) {
   return expected.Sorted().size() + expected.Apart().size();
 }
 
+void RequireSound(Store& store) {
+  store.CheckFile();
+  store.ForEach([](unsigned int, std::string_view) {});
+  for (const IndexInfo& index : store.Indexes()) {
+    if (!index.IsMade()) continue;
+    RequireCurrent(store, index);
+    WalkIndex(store, index);
+  }
+}
+
 }  // namespace nxtm

@@ -65,6 +65,9 @@ void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& f
 /// difference; returns the number of its entries, those apart included.
 unsigned long CheckIndex(Store& store, const IndexInfo& index);
 
+/// Refuses a store that is damaged, which would only be damaged further.
+void RequireSound(Store& store);
+
 }  // namespace nxtm
 
 #endif

@@ -1,0 +1,39 @@
+// Records as lines of CSV.
+
+#include "commands/csvwriter.h"
+
+#include "data/csvfile.h"
+#include "data/file.h"
+
+namespace nxtm {
+
+std::string CsvHeader(const Schema& schema) {
+  std::string line;
+  for (const Column& column : schema.Columns()) line += (line.empty() ? "" : ",") + column.name;
+  return line + '\n';
+}
+
+const std::string& CsvWriter::LineOf(const std::vector<Field>& fields) {
+  line_.clear();
+  ++lines_;
+  for (unsigned long i = 0; i < fields.size(); ++i) {
+    if (i) line_ += ',';
+    if (!fields[i].isNull) AddField(i, fields[i], fields.size() == 1);
+  }
+  return line_ += '\n';
+}
+
+void CsvWriter::AddField(unsigned long i, const Field& field, bool alone) {
+  const Column& column = schema_.Columns()[i];
+  if (!blobFolder_.empty() && FormOf(column.type).kind == Kind::kBlob) {
+    const std::string path = blobFolder_ + "/" + column.name + "." + std::to_string(lines_);
+    WriteNewFile(path, BytesOfBlob(field.image));
+    line_ += CsvText("@" + path, false);
+    return;
+  }
+  const TextOfValue value = converters_[i].ToText(field.image);
+  // The null state of a type is written like a null of the column.
+  line_ += CsvText(value.text, value.isNull || (value.text.empty() && !column.nullable && !alone));
+}
+
+}  // namespace nxtm

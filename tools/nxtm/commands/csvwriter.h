@@ -1,0 +1,36 @@
+/// Records as lines of CSV.
+#ifndef NXTM_CSVWRITER_H
+#define NXTM_CSVWRITER_H
+
+#include <string>
+#include <vector>
+
+#include "data/schema.h"
+
+namespace nxtm {
+
+/// The names of the columns, with a comma between them and the end of the line.
+std::string CsvHeader(const Schema& schema);
+
+/// Writes records as lines of CSV.
+class CsvWriter {
+ public:
+  /// Blobs go to files of a folder where one is given, else into the lines.
+  explicit CsvWriter(const Schema& schema, const std::string& blobFolder = "")
+      : schema_(schema), converters_(ConvertersOf(schema)), blobFolder_(blobFolder) {}
+
+  const std::string& LineOf(const std::vector<Field>& fields);
+
+ private:
+  void AddField(unsigned long i, const Field& field, bool alone);
+
+  const Schema& schema_;
+  std::vector<Converter> converters_;
+  std::string blobFolder_;
+  unsigned long lines_ = 0;
+  std::string line_;
+};
+
+}  // namespace nxtm
+
+#endif
