@@ -90,12 +90,9 @@ TEST_F(Workbench, AnIndexOfOtherCollationDataIsRefused) {
   ASSERT_EQ(0, Run("import s d store").status);
   {
     auto store = Store::Open(Path("store"), Store::Mode::kWrite);
-    nxtm::BuildIndex(*store, {0, false, 0});
-    nxtm::BuildIndex(*store, {1, false, 0});
     for (unsigned long attribute : {0, 1}) {
-      nxtm::IndexInfo index = *store->FindIndex(attribute, false);
-      index.collation = NxCollationVersion() + 1;
-      store->AddIndex(index);
+      nxtm::BuildIndex(*store, attribute, false);
+      store->Describe(attribute, false).collation = NxCollationVersion() + 1;
     }
     store->Commit();
   }
@@ -138,13 +135,15 @@ TEST_F(Workbench, DamagedStoresAnswerRightOrNotAtAll) {
       const Outcome outcome = Run(commands[i]);
       sound = outcome.status == 0;
       reported += !sound;
-      ASSERT_TRUE(sound ? outcome.output == right[i] : outcome.status == 2) << round << ": " << commands[i];
+      ASSERT_TRUE(sound ? outcome.output == right[i] : outcome.status == 3) << round << ": " << commands[i];
     }
     const Outcome import = Run("import s one damaged");
-    ASSERT_TRUE(import.status == 0 || import.status == 2) << round << ": " << import.status;
+    ASSERT_TRUE(import.status == 0 || import.status == 3) << round << ": " << import.status;
     if (import.status != 0) continue;
-    ASSERT_EQ(0, Run("check damaged").status) << round;
-    ASSERT_EQ(right[0] + "one,1,,2,c\n", Run("export damaged").output) << round;
+    // It relies on what it touches alone: damage elsewhere stays, and is told as before.
+    ASSERT_EQ(sound ? 0 : 3, Run("check damaged").status) << round;
+    const Outcome after = Run("export damaged");
+    ASSERT_TRUE(after.status == 3 || after.output == right[0] + "one,1,,2,c\n") << round;
   }
   EXPECT_GT(reported, kRounds / 2);
 }
@@ -174,6 +173,7 @@ TEST_F(Workbench, AnIndexFindsWhatAScanFinds) {
   std::vector<std::vector<nxtm::Field>> records;
   store->ForEach([&](unsigned int, std::string_view record) {
     nxtm::Record::Split(store->GetSchema(), record, records.emplace_back());
+    return true;
   });
   const char* kOptions[] = {"",
                             "ignoring case",

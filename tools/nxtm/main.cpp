@@ -169,6 +169,12 @@ void AddWorkingCommands(CLI::App& app, Arguments& a) {
   AddWritingOption(drop, a);
   drop->callback([&] { DropIndex(a.store, a.attribute, a.hash, a.WaitOrNot()); });
 
+  auto* deleting = app.add_subcommand("delete", "take the records away that a condition selects");
+  deleting->add_option("STORE", a.store)->required();
+  deleting->add_option("CONDITION", a.condition, "such as: word = \"Haus*\"")->required();
+  AddWritingOption(deleting, a);
+  deleting->callback([&] { Delete(a.store, a.condition, a.WaitOrNot()); });
+
   auto* compact = app.add_subcommand("compact", "give the free pages of a store back");
   compact->add_option("STORE", a.store)->required();
   AddWritingOption(compact, a);
@@ -216,7 +222,8 @@ int main(int argc, char** argv) {
   } catch (const std::exception& error) {
     std::fflush(stdout);
     std::fprintf(stderr, "nxtm: %s\n", error.what());
-    status = 2;
+    const auto* const failure = dynamic_cast<const Failure*>(&error);
+    status = failure ? failure->status : kInputStatus;
   }
   if ((std::fflush(stdout) != 0 || std::ferror(stdout)) && status == 0) {
     // What is written to a store is there, whatever becomes of the line that says so.

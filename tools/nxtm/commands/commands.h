@@ -54,6 +54,8 @@ void MakeIndex(const std::string& storeFile, const std::string& attribute, bool 
                Wait wait = Wait::kForever);
 void Reindex(const std::string& storeFile, Wait wait);
 void DropIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait);
+/// Takes the records away that a condition selects; the others get the numbers before them.
+void Delete(const std::string& storeFile, const std::string& condition, Wait wait);
 void Compact(const std::string& storeFile, Wait wait);
 
 struct QueryOptions {

@@ -98,7 +98,7 @@ std::unique_ptr<Store> OpenForImport(const std::string& schemaFile, const std::s
   if (store->IsNew()) return store;
   if (store->GetSchema().Text() != schema.Text())
     throw Failure(storeFile + ": has another schema than " + schemaFile + ":\n" + store->GetSchema().Text());
-  RequireSound(*store);
+  store->Engine().Check();
   return store;
 }
 
@@ -133,7 +133,7 @@ void Import(const std::string& schemaFile, const std::string& dataFile, const st
   double seconds = watch.Seconds();
   std::printf("%lu records imported in %.2f s (%.0f a second), %.2f MB in, store %.2f MB\n", added, seconds,
               static_cast<double>(added) / seconds, static_cast<double>(data.size()) / 1e6,
-              static_cast<double>(store->FileSize()) / 1e6);
+              static_cast<double>(store->Engine().Size()) / 1e6);
 }
 
 }  // namespace nxtm

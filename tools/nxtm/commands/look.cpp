@@ -29,7 +29,7 @@ struct Look {
   Image ImageOf(const std::string& text) const {
     return Converter(type, style).ToImage(text, format, Pattern::kFields);
   }
-  Image KeyOf(const std::string& text) const { return OrderedKey(type, ImageOf(text), format); }
+  Image KeyOf(const std::string& text) const { return KeyImageOf(type, ImageOf(text), format); }
 
   char type;
   TextStyle style;

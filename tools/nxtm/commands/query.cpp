@@ -14,41 +14,22 @@ namespace nxtm {
 
 namespace {
 
-void PrintBound(const char* name, const Image& bound, const Column& column) {
-  const char type = column.type;
-  if (bound.empty()) {
-    std::printf("--   %s open\n", name);
-    return;
-  }
-  std::string text;
-  if (type == kStringTypeId) {
-    NxString key;
-    Manager().Translate(type, &key, kFormatMemory, 0, const_cast<char*>(bound.data()),
-                        kFormatKey | kFormatNative, bound.size(), 1);
-    for (NxStringIterator it(key); unsigned short order = it.GetNextOrder(1);) {
-      unsigned char ch = 0;
-      NxConvertOrderToChar(order, it._nCollation, ch, 1, nullptr);
-      text += order >= kFirstHanOrder ? "\xE2\x80\xA6" : Utf8OfString(NxString(static_cast<char>(ch)));
-    }
-  } else if (!IsText(type)) {
-    text = Converter(type, column.style).ToText(bound).text;
-  }
-  std::printf("--   %s %s  %s\n", name, text.c_str(), Hex(bound).c_str());
+void PrintBound(const char* name, const std::string& bound) {
+  std::printf("--   %s %s\n", name, bound.empty() ? "open" : Hex(bound).c_str());
 }
 
 void Explain(const Store& store, const QueryReport& report, double seconds) {
   for (const Access& access : report.considered) {
     const Column& column = store.GetSchema().Columns()[access.index.attribute];
     auto used = std::find_if(report.used.begin(), report.used.end(),
-                             [&](const Access& other) { return other.term == access.term; });
+                             [&](const Access& other) { return other.IsFor(access.terms[0]); });
     std::printf("-- %s: %s index of %s, estimated fraction %.6f (%.0f records)%s\n",
-                access.term->text.c_str(), access.index.hash ? "hash" : "ordered", column.name.c_str(),
+                access.terms[0]->text.c_str(), access.index.hash ? "hash" : "ordered", column.name.c_str(),
                 access.fraction, access.fraction * static_cast<double>(store.Count()),
                 used == report.used.end() ? ", not used" : "");
     if (!access.index.hash) {
-      PrintBound("from", access.lower, column);
-      PrintBound("to  ", access.upper, column);
-      if (access.plainToo) std::printf("--   and all texts in plain order\n");
+      PrintBound("sort keys from", access.lower);
+      PrintBound("below         ", access.upper);
     }
     if (used != report.used.end()) std::printf("--   %lu entries read\n", used->entriesRead);
   }

@@ -8,6 +8,7 @@
 #include "commands/stopwatch.h"
 #include "data/failure.h"
 #include "data/progress.h"
+#include "query/query.h"
 #include "store/index.h"
 #include "store/store.h"
 
@@ -24,15 +25,21 @@ void Export(const std::string& storeFile, bool header, const std::string& blobFo
       Record::Split(store->GetSchema(), record, fields);
       const std::string& line = writer.LineOf(fields);
       std::fwrite(line.data(), 1, line.size(), stdout);
+      return true;
     } catch (const Failure& failure) {
-      throw Failure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
+      throw StoreFailure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
     }
   });
 }
 
 void Check(const std::string& storeFile) {
   auto store = Store::Open(storeFile, Store::Mode::kRead);
-  store->CheckFile();
+  if (store->Engine().LeftUnfinished()) {
+    store.reset();
+    Store::Open(storeFile, Store::Mode::kWrite);  // which sweeps
+    store = Store::Open(storeFile, Store::Mode::kRead);
+  }
+  store->Engine().Check();
   Progress progress("checking", store->Count());
   std::vector<Field> fields;
   std::vector<Converter> converters = ConvertersOf(store->GetSchema());
@@ -42,37 +49,41 @@ void Check(const std::string& storeFile) {
       for (unsigned long i = 0; i < fields.size(); ++i)
         if (!fields[i].isNull) converters[i].ToText(fields[i].image);
     } catch (const Failure& failure) {
-      throw Failure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
+      throw StoreFailure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
     }
     progress.At(number);
+    return true;
   });
   std::printf("%lu records: sound\n", store->Count());
   for (const IndexInfo& index : store->Indexes()) {
-    const std::string found = index.IsMade()
-                                  ? ", " + std::to_string(CheckIndex(*store, index)) + " entries: sound"
-                                  : ": emptied, to be made anew by nxtm reindex";
-    std::printf("%s index of %s%s\n", index.hash ? "hash" : "ordered",
-                store->GetSchema().Columns()[index.attribute].name.c_str(), found.c_str());
+    const char* const kind = index.hash ? "hash" : "ordered";
+    const char* const name = store->GetSchema().Columns()[index.attribute].name.c_str();
+    if (index.IsMade()) {
+      CheckIndex(*store, index);
+      std::printf("%s index of %s, %lu entries: sound\n", kind, name, index.entries);
+    } else {
+      std::printf("%s index of %s: emptied, to be made anew by nxtm reindex\n", kind, name);
+    }
   }
 }
 
 void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait) {
   Stopwatch watch;
   auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
-  store->CheckFile();
+  store->Engine().Check();
   const unsigned long place = store->GetSchema().Find(attribute);
   if (!hash && FormOf(store->GetSchema().Columns()[place].type).kind == Kind::kBlob)
     throw Failure("blobs have no ordered index; --hash makes one for exact matches");
-  BuildIndex(*store, IndexInfo{place, hash, 0});
+  BuildIndex(*store, place, hash);
   store->Commit();
   std::printf("%s index of %s made in %.2f s, store %.2f MB\n", hash ? "hash" : "ordered", attribute.c_str(),
-              watch.Seconds(), static_cast<double>(store->FileSize()) / 1e6);
+              watch.Seconds(), static_cast<double>(store->Engine().Size()) / 1e6);
 }
 
 void Reindex(const std::string& storeFile, Wait wait) {
   Stopwatch watch;
   auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
-  store->CheckFile();
+  store->Engine().Check();
   RebuildIndexes(*store);
   const unsigned long made = store->Indexes().size();
   store->Commit();
@@ -81,20 +92,36 @@ void Reindex(const std::string& storeFile, Wait wait) {
 
 void DropIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait) {
   auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
-  store->CheckFile();
+  store->Engine().Check();
   const unsigned long place = store->GetSchema().Find(attribute);
-  if (!store->DropIndex({place, hash, 0}))
+  if (!store->DropIndex(place, hash))
     throw Failure(storeFile + ": there is no " + (hash ? "hash" : "ordered") + " index of " + attribute);
   store->Commit();
   std::printf("%s index of %s dropped\n", hash ? "hash" : "ordered", attribute.c_str());
 }
 
+void Delete(const std::string& storeFile, const std::string& condition, Wait wait) {
+  auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
+  store->Engine().Check();
+  const Condition parsed = Condition::Parse(condition, store->GetSchema());
+  std::vector<unsigned int> numbers;
+  RunQuery(*store, parsed, false, [&](unsigned int number, const std::vector<Field>&) {
+    numbers.push_back(number);
+    return true;
+  });
+  if (!numbers.empty()) {
+    RemoveRecords(*store, numbers);
+    store->Commit();
+  }
+  std::printf("%lu records deleted, %lu left\n", static_cast<unsigned long>(numbers.size()), store->Count());
+}
+
 void Compact(const std::string& storeFile, Wait wait) {
   auto store = Store::Open(storeFile, Store::Mode::kAlone, wait);
-  const unsigned long long before = store->FileSize();
-  RequireSound(*store);
-  store->Compact();
-  std::printf("%.2f MB, %.2f MB before\n", static_cast<double>(store->FileSize()) / 1e6,
+  const unsigned long long before = store->Engine().Size();
+  store->Engine().Check();
+  store->Engine().Compact();
+  std::printf("%.2f MB, %.2f MB before\n", static_cast<double>(store->Engine().Size()) / 1e6,
               static_cast<double>(before) / 1e6);
 }
 

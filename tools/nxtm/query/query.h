@@ -47,14 +47,16 @@ struct Condition {
   bool Matches(const Schema& schema, const std::vector<Field>& fields) const;
 };
 
-/// A way through an index to the records that one term may select.
+/// A way through an index to the records that a term may select, or several terms that all
+/// have to.
 struct Access {
-  const Term* term = nullptr;
+  std::vector<const Term*> terms;
   IndexInfo index;
-  double fraction = 1.0;  // estimated part of the index, 0 to 1
-  Image lower, upper;     // scan bounds; empty when open
-  bool plainToo = false;  // texts in plain order are read, too: they sort behind all bounds
+  double fraction = 1.0;     // estimated part of the index, 0 to 1
+  std::string lower, upper;  // keys of the entries: from, and below; empty when open
   unsigned long entriesRead = 0;
+
+  bool IsFor(const Term* term) const;
 };
 
 /// What a query read and found.
@@ -71,9 +73,9 @@ using OnRecord = std::function<bool(unsigned int number, const std::vector<Field
 /// index is used.
 QueryReport RunQuery(Store& store, const Condition& condition, bool scan, const OnRecord& onRecord);
 
-/// Scan bounds and estimate of a term on an ordered index. A term that selects no
-/// range of the index has no bounds.
-Access BoundTerm(Store& store, const Term& term, const IndexInfo& index);
+/// Bounds and estimate of a term on an ordered index. A term that selects no range of the
+/// index has no bounds.
+Access BoundTerm(const Store& store, const Term& term, const IndexInfo& index);
 
 }  // namespace nxtm
 

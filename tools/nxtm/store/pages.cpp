@@ -85,7 +85,7 @@ class Walk {
 
  private:
   [[noreturn]] void Fail(std::uint32_t page, const char* what) const {
-    throw Failure(path_ + ": the store is damaged: page " + std::to_string(page) + " " + what);
+    throw StoreFailure(path_ + ": the store is damaged: page " + std::to_string(page) + " " + what);
   }
 
   void Own(std::uint32_t page) {
