@@ -135,10 +135,12 @@ TEST_F(Workbench, DamagedStoresAnswerRightOrNotAtAll) {
       const Outcome outcome = Run(commands[i]);
       sound = outcome.status == 0;
       reported += !sound;
-      ASSERT_TRUE(sound ? outcome.output == right[i] : outcome.status == 3) << round << ": " << commands[i];
+      ASSERT_TRUE(sound ? outcome.output == right[i] : outcome.status == 3 || outcome.status == 2)
+          << round << ": " << commands[i] << " ends with " << outcome.status;
     }
     const Outcome import = Run("import s one damaged");
-    ASSERT_TRUE(import.status == 0 || import.status == 3) << round << ": " << import.status;
+    ASSERT_TRUE(import.status == 0 || import.status == 2 || import.status == 3)
+        << round << ": " << import.status;
     if (import.status != 0) continue;
     // It relies on what it touches alone: damage elsewhere stays, and is told as before.
     ASSERT_EQ(sound ? 0 : 3, Run("check damaged").status) << round;

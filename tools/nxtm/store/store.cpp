@@ -81,11 +81,11 @@ std::string Store::RootText() const {
 
 void Store::ReadRoot() {
   const std::string& root = engine_->Root();
-  if (root.rfind(kKind, 0) != 0)
-    throw Failure(path_ + ": a store of another version; make it anew with nxtm import");
   const unsigned long end = std::min(root.rfind("sum "), root.size());
   if (root.substr(end) != "sum " + std::to_string(SumOf(root.substr(0, end))) + '\n')
     throw StoreFailure(path_ + ": the store's root is damaged");
+  if (root.rfind(kKind, 0) != 0)
+    throw Failure(path_ + ": a store of another version; make it anew with nxtm import");
   std::istringstream text(root.substr(0, end));
   std::string line, word;
   std::getline(text, line);
