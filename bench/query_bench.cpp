@@ -107,6 +107,7 @@ class Attribute {
     const char type = store.GetSchema().Columns()[place_].type;
     store.ForEach([&](unsigned int, std::string_view record) {
       values_.emplace_back(nxtm::FieldOf(store.GetSchema(), record, place_).image);
+      return true;
     });
     std::sort(values_.begin(), values_.end(), [type](Image a, Image b) {
       int error;

@@ -140,7 +140,6 @@ class Parser {
       if (FormOf(column.type).kind == Kind::kDate) {
         // Without a "*" a field of -1 is a year like any other.
         if (pattern == Pattern::kNone || value.find('*') == std::string::npos) term.options |= kWildcardsOff;
-        term.anyYear = !(term.options & kWildcardsOff) && value[0] == '*';
       }
     } catch (const Failure& failure) {
       Fail(valueAt, failure.what());

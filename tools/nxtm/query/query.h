@@ -32,7 +32,6 @@ struct Term {
   unsigned short options = 0;
   Image key;              // the value compared with, as a stored image
   bool wantNull = false;  // of a test of null: whether null matches
-  bool anyYear = false;   // of a date: "*" stands for the year
   std::string text;       // as it was written
 };
 

@@ -221,7 +221,10 @@ IndexInfo& Store::Describe(unsigned long attribute, bool hash) {
   IndexInfo index;
   index.attribute = attribute;
   index.hash = hash;
-  return indexes_.emplace_back(index);
+  const auto behind = std::find_if(indexes_.begin(), indexes_.end(), [&](const IndexInfo& known) {
+    return std::make_pair(known.attribute, known.hash) > std::make_pair(attribute, hash);
+  });
+  return *indexes_.insert(behind, index);
 }
 
 void Store::EmptyIndex(IndexInfo& index) {
