@@ -28,7 +28,8 @@ class Importer {
       : store_(store),
         schema_(store.GetSchema()),
         file_(file),
-        converters_(ConvertersOf(schema_, FolderOf(file))) {}
+        converters_(ConvertersOf(schema_, FolderOf(file))),
+        reader_(schema_) {}
 
   /// The first row names the columns, in the order of the schema.
   void TakeHeader(const CsvRow& row) {
@@ -47,8 +48,8 @@ class Importer {
     try {
       const unsigned int number = store_.Append(record_);
       if (store_.Indexes().empty()) return;
-      Record::Split(schema_, record_, fields_);
-      AddToIndexes(store_, number, fields_);
+      reader_.Begin(record_);
+      AddToIndexes(store_, number, reader_.All());
     } catch (const Failure& failure) {
       Fail(row, 0, "a record of " + std::to_string(record_.size()) + " bytes: " + failure.what());
     }
@@ -89,7 +90,7 @@ class Importer {
   const std::string& file_;
   std::vector<Converter> converters_;
   std::string record_;
-  std::vector<Field> fields_;
+  RecordReader reader_;
 };
 
 std::unique_ptr<Store> OpenForImport(const std::string& schemaFile, const std::string& storeFile, Wait wait) {

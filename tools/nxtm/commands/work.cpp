@@ -18,12 +18,12 @@ void Export(const std::string& storeFile, bool header, const std::string& blobFo
   auto store = Store::Open(storeFile, Store::Mode::kRead);
   if (!blobFolder.empty()) std::filesystem::create_directories(blobFolder);
   if (header) std::fputs(CsvHeader(store->GetSchema()).c_str(), stdout);
-  std::vector<Field> fields;
+  RecordReader reader(store->GetSchema());
   CsvWriter writer(store->GetSchema(), blobFolder);
   store->ForEach([&](unsigned int number, std::string_view record) {
     try {
-      Record::Split(store->GetSchema(), record, fields);
-      const std::string& line = writer.LineOf(fields);
+      reader.Begin(record);
+      const std::string& line = writer.LineOf(reader.All());
       std::fwrite(line.data(), 1, line.size(), stdout);
       return true;
     } catch (const Failure& failure) {
@@ -41,11 +41,12 @@ void Check(const std::string& storeFile) {
   }
   store->Engine().Check();
   Progress progress("checking", store->Count());
-  std::vector<Field> fields;
+  RecordReader reader(store->GetSchema());
   std::vector<Converter> converters = ConvertersOf(store->GetSchema());
   store->ForEach([&](unsigned int number, std::string_view record) {
     try {
-      Record::Split(store->GetSchema(), record, fields);
+      reader.Begin(record);
+      const std::vector<Field>& fields = reader.All();
       for (unsigned long i = 0; i < fields.size(); ++i)
         if (!fields[i].isNull) converters[i].ToText(fields[i].image);
     } catch (const Failure& failure) {

@@ -200,13 +200,13 @@ Access BoundTerm(const Store& store, const Term& term, const IndexInfo& index) {
 QueryReport RunQuery(Store& store, const Condition& condition, bool scan, const OnRecord& onRecord) {
   QueryReport report;
   const Schema& schema = store.GetSchema();
-  std::vector<Field> fields;
+  RecordReader reader(schema);
   const auto test = [&](unsigned int number, std::string_view record) {
     ++report.recordsRead;
-    Record::Split(schema, record, fields);
-    if (!condition.Matches(schema, fields)) return true;
+    reader.Begin(record);
+    if (!condition.Matches(schema, reader)) return true;
     ++report.found;
-    return onRecord(number, fields);
+    return onRecord(number, reader.All());
   };
   if (!scan) report.used = Planner(store, report).Plan(condition);
   if (report.used.empty()) {

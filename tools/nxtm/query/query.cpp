@@ -239,15 +239,15 @@ Condition Condition::Parse(const std::string& text, const Schema& schema) {
   return Parser(text, schema).Whole();
 }
 
-bool Condition::Matches(const Schema& schema, const std::vector<Field>& fields) const {
-  auto matches = [&](const Condition& part) { return part.Matches(schema, fields); };
+bool Condition::Matches(const Schema& schema, RecordReader& record) const {
+  const auto matches = [&](const Condition& part) { return part.Matches(schema, record); };
   switch (kind) {
     case Kind::kAnd:
       return std::all_of(parts.begin(), parts.end(), matches);
     case Kind::kOr:
       return std::any_of(parts.begin(), parts.end(), matches);
     default:
-      return TermMatches(term, schema.Columns()[term.attribute].type, fields[term.attribute]);
+      return TermMatches(term, schema.Columns()[term.attribute].type, record[term.attribute]);
   }
 }
 

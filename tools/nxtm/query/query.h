@@ -43,7 +43,7 @@ struct Condition {
 
   /// Throws a Failure that names the place in the text and what was expected there.
   static Condition Parse(const std::string& text, const Schema& schema);
-  bool Matches(const Schema& schema, const std::vector<Field>& fields) const;
+  bool Matches(const Schema& schema, RecordReader& record) const;
 };
 
 /// A way through an index to the records that a term may select, or several terms that all

@@ -123,25 +123,43 @@ void IndexBuilder::Take(unsigned int number, std::string_view record) {
   if (field.isNull) return;
   const std::string key = OrderKey(index_, type_, field.image);
   WidenEdges(index_, type_, key, field.image);
-  unsigned long long prefix = 0;
-  for (unsigned long i = 0; i < sizeof prefix; ++i)
-    prefix = prefix << 8 | (i < key.size() ? static_cast<unsigned char>(key[i]) : 0U);
   const unsigned long at = keys_.size();
   keys_.append(key).append(NumberKey(number));
-  entries_.push_back({prefix, at, static_cast<unsigned short>(keys_.size() - at)});
+  entries_.push_back({0, at, static_cast<unsigned short>(keys_.size() - at)});
   ++index_.entries;
   index_.sum += SumOf(std::string_view(keys_).substr(at));
 }
 
-void IndexBuilder::Sort() {
-  std::sort(entries_.begin(), entries_.end(), [this](const Key& a, const Key& b) {
-    return a.prefix != b.prefix ? a.prefix < b.prefix : KeyOf(a) < KeyOf(b);
-  });
+/// Has the memory fetch a key that is soon read: in their order keys lie anywhere.
+void IndexBuilder::FetchAhead(Keys::iterator entry, Keys::iterator last) const {
+  constexpr long kAhead = 8;
+  if (last - entry > kAhead) __builtin_prefetch(keys_.data() + entry[kAhead].at);
+}
+
+/// Sorts entries whose keys have the same bytes before `from`: by the next eight bytes, which
+/// compare as one number, and those that share them by what follows.
+void IndexBuilder::Sort(Keys::iterator first, Keys::iterator last, unsigned long from) {
+  for (auto entry = first; entry != last; ++entry) {
+    FetchAhead(entry, last);
+    const std::string_view next = KeyOf(*entry).substr(std::min<unsigned long>(from, entry->size));
+    entry->part = 0;
+    for (unsigned long i = 0; i < sizeof entry->part; ++i)
+      entry->part = entry->part << 8 | (i < next.size() ? static_cast<unsigned char>(next[i]) : 0U);
+  }
+  std::sort(first, last, [](const Key& a, const Key& b) { return a.part < b.part; });
+  while (first != last) {
+    const auto end = std::find_if(first, last, [&](const Key& other) { return other.part != first->part; });
+    if (end - first > 1) Sort(first, end, from + sizeof first->part);
+    first = end;
+  }
 }
 
 void IndexBuilder::Write(Store& store) {
-  Sort();
-  for (const Key& entry : entries_) store.Engine().Put(index_.table, KeyOf(entry), {});
+  Sort(entries_.begin(), entries_.end(), 0);
+  for (auto entry = entries_.begin(); entry != entries_.end(); ++entry) {
+    FetchAhead(entry, entries_.end());
+    store.Engine().Put(index_.table, KeyOf(*entry), {});
+  }
   index_.collation = NxCollationVersion();
   store.Describe(index_.attribute, index_.hash) = index_;
 }
@@ -151,7 +169,7 @@ void IndexBuilder::Compare(Store& store) {
   const IndexInfo& described = store.Describe(index_.attribute, index_.hash);
   if (described.entries != index_.entries || described.sum != index_.sum)
     throw StoreFailure(where + " is described wrong");
-  Sort();
+  Sort(entries_.begin(), entries_.end(), 0);
   auto expected = entries_.begin();
   store.Engine().Range(index_.table, {}, {}, [&](std::string_view key, std::string_view) {
     if (expected == entries_.end()) throw StoreFailure(where + " has an entry too many");

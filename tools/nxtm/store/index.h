@@ -54,18 +54,20 @@ class IndexBuilder {
 
  private:
   struct Key {
-    unsigned long long prefix;  // the first bytes, which mostly decide
-    unsigned long at;           // of the key among the keys
+    unsigned long long part;  // of the key, which is compared
+    unsigned long at;         // of the key among the keys
     unsigned short size;
   };
+  using Keys = std::vector<Key>;
   std::string_view KeyOf(const Key& key) const { return std::string_view(keys_).substr(key.at, key.size); }
-  void Sort();
+  void FetchAhead(Keys::iterator entry, Keys::iterator last) const;
+  void Sort(Keys::iterator first, Keys::iterator last, unsigned long from);
 
   const Schema& schema_;
   IndexInfo index_;
   char type_;
   std::string keys_;
-  std::vector<Key> entries_;
+  Keys entries_;
 };
 
 /// Makes an index anew from the records.
