@@ -99,6 +99,12 @@ unsigned long ReadEntries(Store& store, const IndexInfo& index, std::string_view
       FailDamaged(store, index);
     return true;
   });
+  if (read == 0 && index.entries != 0) {
+    bool any = false;  // of a table that is lost nothing tells
+    store.Engine().Range(index.table, {}, {},
+                         [&](std::string_view, std::string_view) { return any = true, false; });
+    if (!any) FailDamaged(store, index);
+  }
   return read;
 }
 

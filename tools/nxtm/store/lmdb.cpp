@@ -112,6 +112,7 @@ class LmdbKeyValue : public KeyValue {
   void WriteRoot();
   MDB_dbi RootTable(unsigned int flags);
   OpenTable* Find(Table table, unsigned int flags);
+  int FileOf() const;
   void RequireFits(const MDB_val& value) const;
   void RequirePlace(MDB_dbi handle, std::string_view key);
   [[noreturn]] void FailDamaged() const { throw StoreFailure(path_ + ": the store is damaged"); }
@@ -127,7 +128,8 @@ class LmdbKeyValue : public KeyValue {
   unsigned long long largest_ = 0;  // that a value can be
   std::map<Table, OpenTable> tables_;
   std::string root_;
-  Snapshot snapshot_;  // of an existing store, as it was opened
+  Snapshot snapshot_;       // of an existing store, as it was opened
+  bool isChanged_ = false;  // since then
 };
 
 /// A cursor that closes itself.
@@ -171,6 +173,7 @@ LmdbKeyValue::LmdbKeyValue(const std::string& path, Mode mode, Wait wait)
   }
   unfinished_ = std::make_unique<NewFile>(path);
   file_ = unfinished_->Name();
+  isChanged_ = true;
   OpenEnvironment(MDB_NOLOCK);  // nobody else knows of it
   Begin();
 }
@@ -220,13 +223,11 @@ void LmdbKeyValue::Begin() {
 /// Begins a transaction and finds the state of the file that it sees, which later ones of
 /// other processes may hide.
 void LmdbKeyValue::BeginFromSnapshot() {
-  int file;
-  CheckMdb(mdb_env_get_fd(env_, &file), path_);
   constexpr int kTries = 100;
   for (int i = 0; i < kTries; ++i) {
     Begin();
     const auto seen = static_cast<std::uint32_t>(mdb_txn_id(txn_)) - (mode_ == Mode::kRead ? 0 : 1);
-    const std::optional<Snapshot> found = FindSnapshot(file, seen);
+    const std::optional<Snapshot> found = FindSnapshot(FileOf(), seen);
     if (found) {
       snapshot_ = *found;
       return;
@@ -234,6 +235,12 @@ void LmdbKeyValue::BeginFromSnapshot() {
     mdb_txn_abort(std::exchange(txn_, nullptr));
   }
   FailDamaged();
+}
+
+int LmdbKeyValue::FileOf() const {
+  int file;
+  CheckMdb(mdb_env_get_fd(env_, &file), path_);
+  return file;
 }
 
 /// LMDB maps the file without asking whether all of its pages are there.
@@ -293,6 +300,7 @@ void LmdbKeyValue::WriteRoot() {
 }
 
 void LmdbKeyValue::Commit(const std::string& root) {
+  isChanged_ = true;
   root_ = root;
   WriteRoot();
   CheckMdb(mdb_txn_commit(std::exchange(txn_, nullptr)), path_);
@@ -321,17 +329,10 @@ LmdbKeyValue::OpenTable* LmdbKeyValue::Find(Table table, unsigned int flags) {
 void LmdbKeyValue::Range(Table table, std::string_view from, std::string_view to, const OnEntry& onEntry) {
   const OpenTable* const open = Find(table, 0);
   if (!open) return;
+  if (!isChanged_) CheckRange(FileOf(), snapshot_, std::to_string(table), from, to, path_);
   Cursor cursor(*this, open->handle);
   MDB_val key = Val(from), data;
   bool found = cursor.Get(key, data, from.empty() ? MDB_FIRST : MDB_SET_RANGE);
-  if (!from.empty()) {
-    // What stands before tells that nothing was passed over.
-    Cursor before(*this, open->handle);
-    MDB_val keyBefore = Val(from), dataBefore;
-    const bool placed = before.Get(keyBefore, dataBefore, MDB_SET_RANGE);
-    if (before.Get(keyBefore, dataBefore, placed ? MDB_PREV : MDB_LAST) && View(keyBefore) >= from)
-      FailDamaged();
-  }
   std::string_view last;
   for (; found; found = cursor.Get(key, data, MDB_NEXT)) {
     if (View(key) <= last) FailDamaged();
@@ -355,6 +356,7 @@ void LmdbKeyValue::GetMany(Table table, const std::vector<std::string>& keys, co
 }
 
 void LmdbKeyValue::Put(Table table, std::string_view key, std::string_view value) {
+  isChanged_ = true;
   OpenTable& open = *Find(table, MDB_CREATE);
   MDB_val k = Val(key), data = Val(value);
   if (open.last < key) {
@@ -385,6 +387,7 @@ void LmdbKeyValue::RequirePlace(MDB_dbi handle, std::string_view key) {
 void LmdbKeyValue::Remove(Table table, std::string_view key) {
   const OpenTable* const open = Find(table, 0);
   if (!open) return;
+  isChanged_ = true;
   MDB_val k = Val(key);
   const int code = mdb_del(txn_, open->handle, &k, nullptr);
   if (code != MDB_NOTFOUND) CheckMdb(code, path_);
@@ -393,6 +396,7 @@ void LmdbKeyValue::Remove(Table table, std::string_view key) {
 void LmdbKeyValue::Drop(Table table) {
   const OpenTable* const open = Find(table, 0);
   if (!open) return;
+  isChanged_ = true;
   CheckMdb(mdb_drop(txn_, open->handle, 1), path_);
   tables_.erase(table);
 }
@@ -401,10 +405,7 @@ void LmdbKeyValue::Drop(Table table) {
 // The whole file
 
 void LmdbKeyValue::Check() {
-  if (file_ != path_) return;  // it is being made
-  int file;
-  CheckMdb(mdb_env_get_fd(env_, &file), path_);
-  CheckPages(file, snapshot_, path_);
+  if (!isChanged_) CheckPages(FileOf(), snapshot_, path_);
 }
 
 void LmdbKeyValue::Compact() {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace nxtm {
 
@@ -24,6 +25,11 @@ std::optional<Snapshot> FindSnapshot(int file, std::uint32_t transaction);
 /// that it cannot have, or belongs to two owners or to none: what is written to such a file
 /// could overwrite other pages.
 void CheckPages(int file, const Snapshot& snapshot, const std::string& path);
+
+/// The same of the pages on which a table's keys lie from one on, below another one (empty:
+/// to the last): none of them is missing from the table's tree. `table` is its name.
+void CheckRange(int file, const Snapshot& snapshot, const std::string& table, std::string_view from,
+                std::string_view to, const std::string& path);
 
 }  // namespace nxtm
 
