@@ -64,8 +64,9 @@ class Record {
   static Field Take(const Column& column, std::string_view& bytes);
   /// Takes a record apart; `fields` may be those of another one. Throws a Failure as Take does.
   static void Split(const Schema& schema, std::string_view bytes, std::vector<Field>& fields);
-  /// Appends an attribute to a record under construction.
-  static void Append(std::string& bytes, const Column& column, std::string_view image);
+  /// Appends what stands before an attribute's image to a record under construction.
+  static void AppendHead(std::string& bytes, const Column& column);
+  /// Appends an attribute that is null.
   static void AppendNull(std::string& bytes, const Column& column);
 };
 
