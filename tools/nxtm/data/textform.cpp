@@ -201,7 +201,7 @@ void ParseDate(void* value, std::string_view text, const TextStyle&, Pattern pat
   auto& date = As<NxDate>(value);
   Fields fields(text);
   const bool read = ReadDate(fields, date, pattern) && fields.AtEnd();
-  const bool any = text.find('*') != std::string_view::npos;
+  const bool any = pattern == Pattern::kFields && text.find('*') != std::string_view::npos;
   if (!read || !(any || date.IsDate())) throw Failure(Shown(text) + " is not a date (year-month-day)");
 }
 std::string PrintDate(const void* value) { return TextOfDate(As<NxDate>(value)); }
@@ -239,7 +239,7 @@ void ParseStandardDate(void* value, std::string_view text, const TextStyle&, Pat
   auto& date = As<d_Date>(value);
   Fields fields(text);
   const bool read = ReadDate(fields, date, pattern) && fields.AtEnd();
-  const bool any = text.find('*') != std::string_view::npos;
+  const bool any = pattern == Pattern::kFields && text.find('*') != std::string_view::npos;
   if (!read || !(any || Exists(date))) throw Failure(Shown(text) + " is not a date (year-month-day)");
 }
 std::string PrintStandardDate(const void* value) { return TextOfDate(As<d_Date>(value)); }

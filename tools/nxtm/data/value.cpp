@@ -96,9 +96,24 @@ char NullableTypeOf(char type) {
 
 bool IsText(char type) { return IsUsable(type) && IsText(FormOf(type).kind); }
 
+Box::Box(char type)
+    : type_(type),
+      value_(Manager().DefaultValue(type, 1, 0)),
+      fixedSize_(Manager().IsFixed(type) ? ImageSize(kFormatNative) : 0) {}
+
+unsigned long Box::ImageSize(unsigned char format) const {
+  return static_cast<unsigned>(Manager().DiskLenGet(type_, value_, format, 1, kFormatMemory));
+}
+
 void Box::Store(Image& bytes, unsigned char format) const {
+  char image[16];
+  if (fixedSize_ != 0 && fixedSize_ <= sizeof image) {
+    Manager().Store(type_, image, value_, format, 1);
+    bytes.append(image, fixedSize_);
+    return;
+  }
   const unsigned long at = bytes.size();
-  bytes.resize(at + static_cast<unsigned>(Manager().DiskLenGet(type_, value_, format, 1, kFormatMemory)));
+  bytes.resize(at + ImageSize(format));
   Manager().Store(type_, bytes.data() + at, value_, format, 1);
 }
 
@@ -147,7 +162,8 @@ std::string Converter::Print() const {
 
 void Converter::Append(Image& bytes, std::string_view text, unsigned char format, Pattern pattern) {
   // A pattern is written as without a format, which could not read it.
-  if (form_.kind != Kind::kDate || text.find('*') == std::string_view::npos) pattern = Pattern::kNone;
+  if (form_.kind != Kind::kDate || pattern == Pattern::kNone || text.find('*') == std::string_view::npos)
+    pattern = Pattern::kNone;
   const unsigned long at = bytes.size();
   Parse(text, pattern);
   box_->Store(bytes, format);

@@ -33,7 +33,7 @@ struct TextOfValue {
 /// A value in memory, made and released by the type manager.
 class Box {
  public:
-  explicit Box(char type) : type_(type), value_(Manager().DefaultValue(type, 1, 0)) {}
+  explicit Box(char type);
   Box(const Box&) = delete;
   Box& operator=(const Box&) = delete;
   ~Box() { Manager().Delete(type_, value_, 1); }
@@ -43,8 +43,11 @@ class Box {
   void Store(Image& bytes, unsigned char format) const;
 
  private:
+  unsigned long ImageSize(unsigned char format) const;
+
   char type_;
   void* value_;
+  unsigned long fixedSize_;  // of every image; 0: of a value's own
 };
 
 /// Turns the texts of one type and style into stored images and back. It keeps the memory
