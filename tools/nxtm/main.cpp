@@ -132,10 +132,16 @@ void AddWorkingCommands(CLI::App& app, Arguments& a) {
       ->add_option("SCHEMA", a.schema,
                    "a line per column: name type [nullable] [format=F] [language=L] [codeset=C]")
       ->required();
-  importing->add_option("DATA", a.data, "CSV in UTF-8; a field that is empty and not quoted is null")
+  importing
+      ->add_option("DATA", a.data, "CSV, - for standard input; a field that is empty and not quoted is null")
       ->required();
   importing->add_option("STORE", a.store)->required();
-  importing->add_flag("--header", a.import.header, "the first row names the columns");
+  importing->add_flag("--header", a.import.header, "the first row names the columns, in any order");
+  importing->add_option("--delimiter", a.import.delimiter, "the byte between fields; tab is one, too")
+      ->capture_default_str();
+  importing->add_option("--encoding", a.import.encoding, "utf-8, latin1, windows-1252, latin9 or latin2")
+      ->capture_default_str();
+  importing->add_option("--skip-bad", a.import.badRows, "set rows that are not right aside in a new file");
   AddWritingOption(importing, a);
   importing->callback([&] {
     a.import.wait = a.WaitOrNot();

@@ -42,9 +42,13 @@ void ShowScanned(const std::string& type, const std::string& text, const LookOpt
 // Working on stores.
 
 struct ImportOptions {
-  bool header = false;  // the first row names the columns
+  bool header = false;          // the first row names the columns, in any order
+  std::string delimiter = ",";  // a byte, or "tab"
+  std::string encoding = "utf-8";
+  std::string badRows;  // a new file for rows that are not right; empty: one is a Failure
   Wait wait = Wait::kForever;
 };
+/// Adds the rows of a CSV file, "-" for standard input, all or none.
 void Import(const std::string& schemaFile, const std::string& dataFile, const std::string& storeFile,
             const ImportOptions& options = {});
 /// Blobs go to new files of a folder where one is named.

@@ -106,10 +106,13 @@ class Sorter {
     // Attributes lie one behind the other, and null ones may have no image.
     std::string record;
     for (unsigned long i = 0; i < fields.size(); ++i) {
-      if (fields[i].isNull)
-        Record::AppendNull(record, schema_.Columns()[i]);
-      else
-        Record::Append(record, schema_.Columns()[i], fields[i].image);
+      const Column& column = schema_.Columns()[i];
+      if (fields[i].isNull) {
+        Record::AppendNull(record, column);
+      } else {
+        Record::AppendHead(record, column);
+        record += fields[i].image;
+      }
     }
     records_.emplace_back(std::move(key), std::move(record));
   }

@@ -130,7 +130,10 @@ Schema Schema::Parse(const std::string& text, const std::string& file) {
   return schema;
 }
 
-Schema Schema::Read(const std::string& file) { return Parse(ReadFile(file), file); }
+Schema Schema::Read(const std::string& file) {
+  constexpr unsigned long kLongest = 1UL << 20;  // a thousand columns and comments have less
+  return Parse(ReadFile(file, kLongest), file);
+}
 
 std::string Schema::Text() const {
   std::string text;
@@ -193,9 +196,8 @@ const std::vector<Field>& RecordReader::All() {
   return fields_;
 }
 
-void Record::Append(std::string& bytes, const Column& column, std::string_view image) {
+void Record::AppendHead(std::string& bytes, const Column& column) {
   if (column.HasNullByte()) bytes += '\0';
-  bytes += image;
 }
 
 void Record::AppendNull(std::string& bytes, const Column& column) {
