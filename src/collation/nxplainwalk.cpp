@@ -60,7 +60,10 @@ int NxCompareByWalk(const NxComparison& c, const NxTables& tables) {
 }
 
 int NxWalkBytes(const NxOrderTable& table, unsigned char codeSet, unsigned char language, const char* a,
-                const char* b, unsigned same, unsigned short op, unsigned char byteOrder, int* outPos) {
+                const char* b, unsigned short op, unsigned char byteOrder, int* outPos) {
+  // Spaces and symbols are compared as a row, a contraction as a whole.
+  unsigned same = NxStops(NxFindStops(a, b, NxZeroEnds())).First();
+  while (same > 0 && !table.EntryOf(a[same - 1]).equalsItself) --same;
   const NxComparison c = {{codeSet, language, a}, {codeSet, language, b}, op, kWholeText, byteOrder, outPos};
   return WalkAndCompare<unsigned char>(c, {&table, &table}, same);
 }

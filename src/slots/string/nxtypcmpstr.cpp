@@ -283,6 +283,11 @@ bool IsWhole(const char* image, unsigned long length, unsigned char format) {
   return NxUnitAt<unsigned short>(image + n) == NxStoredString::kTrailer;
 }
 
+NxKnownEnds EndsOf(const char* a, const char* b, unsigned char format) {
+  const unsigned n = std::min(NxStoredString::LengthOf(a, format), NxStoredString::LengthOf(b, format));
+  return {a + n + NxStoredString::kLengthSize};
+}
+
 /// Compares two of them; kUnsuited for texts that must be taken out first.
 NxVerdict CompareWhole(const char* a, const char* b, unsigned short options, unsigned char format,
                        long& result, int& error) {
@@ -296,7 +301,10 @@ NxVerdict CompareWhole(const char* a, const char* b, unsigned short options, uns
   if (const NxOrderTable* const table = NxTableOfBoth(codeSet1, language1, codeSet2, language2, options)) {
     NxNoteRoad(NxRoad::kPlainBytes);
     error = 0;
-    result = NxCompareAlike(*table, codeSet1, language1, text1, text2, options, code, nullptr);
+    int order;
+    if (NxCompareAlike(*table, text1, text2, EndsOf(a, b, format), options, order) == NxVerdict::kUnsuited)
+      order = NxWalkBytes(*table, codeSet1, language1, text1, text2, options, code, nullptr);
+    result = order;
     return NxVerdict::kDecided;
   }
   if (NxCharWidth(codeSet1) == 1 && NxCharWidth(codeSet2) == 1) {
