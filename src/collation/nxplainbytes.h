@@ -70,9 +70,10 @@ int NxWalkBytes(const NxOrderTable& table, unsigned char codeSet, unsigned char 
 template <class Ends>
 inline NxVerdict NxCompareAlike(const NxOrderTable& table, const char* a, const char* b, Ends ends,
                                 unsigned short op, int& result) {
-  if (a[0] != b[0] &&  // as in most steps of a search
-      __builtin_expect(NxCompareBaseLetters(table, a, b, 0, result) == NxVerdict::kDecided, 1))
-    return NxVerdict::kDecided;
+  if (a[0] != b[0]) {  // as in most steps of a search
+    const NxVerdict verdict = NxCompareBaseLetters(table, a, b, 0, result);
+    if (__builtin_expect(verdict != NxVerdict::kOpen, 1)) return verdict;
+  }
   const NxStops stops(NxFindStops(a, b, ends));
   const NxVerdict verdict = NxCompareBaseLetters(table, a, b, stops.First(), result);
   if (__builtin_expect(verdict != NxVerdict::kOpen, 1)) return verdict;

@@ -123,15 +123,6 @@ bool CanWalk(const NxComparison& c, const NxTables& tables) {
 
 }  // namespace
 
-int NxStrCmpUndecided(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2,
-                      unsigned char lang2, const char* s2, unsigned short op, short len,
-                      unsigned char byteOrder, int* outPos) {
-  if (len == kWholeText && s1 && s2)
-    if (const NxOrderTable* const table = NxTableOfBoth(cs1, lang1, cs2, lang2, op))
-      return NxWalkBytes(*table, cs1, lang1, s1, s2, op, byteOrder, outPos);
-  return CompareUnlike({{cs1, lang1, s1}, {cs2, lang2, s2}, op, len, byteOrder, outPos}, false);
-}
-
 int NxStrCmp(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2, unsigned char lang2,
              const char* s2, unsigned short op, short len, unsigned char byteOrder, int* outPos) {
   if (len == kWholeText && s1 && s2) {
@@ -139,9 +130,10 @@ int NxStrCmp(unsigned char cs1, unsigned char lang1, const char* s1, unsigned ch
       NxNoteRoad(NxRoad::kPlainBytes);
       int result;
       if (NxCompareAlike(*table, s1, s2, NxZeroEnds(), op, result) == NxVerdict::kDecided) return result;
+      return NxWalkBytes(*table, cs1, lang1, s1, s2, op, byteOrder, outPos);
     }
   }
-  return NxStrCmpUndecided(cs1, lang1, s1, cs2, lang2, s2, op, len, byteOrder, outPos);
+  return CompareUnlike({{cs1, lang1, s1}, {cs2, lang2, s2}, op, len, byteOrder, outPos}, false);
 }
 
 int NxStrCmpGeneral(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2,

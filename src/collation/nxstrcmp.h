@@ -56,12 +56,6 @@ inline void NxNoteRoad(NxRoad /*road*/) {}
 /// The road kWalk. The code sets are not 0, the texts not null and the tables there.
 int NxCompareByWalk(const NxComparison& c, const NxTables& tables);
 
-/// What NxStrCmp does not decide at its entry. It has the parameters of NxStrCmp, and a place of
-/// its own, so that a call of it moves nothing.
-[[gnu::noinline]] int NxStrCmpUndecided(unsigned char cs1, unsigned char lang1, const char* s1,
-                                        unsigned char cs2, unsigned char lang2, const char* s2,
-                                        unsigned short op, short len, unsigned char byteOrder, int* outPos);
-
 /// NxStrCmp by the level comparison alone, wherever a text is read, and without tables.
 int NxStrCmpGeneral(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2,
                     unsigned char lang2, const char* s2, unsigned short op, short len,
