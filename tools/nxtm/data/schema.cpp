@@ -82,8 +82,7 @@ void ChooseStoredForm(Column& column) {
     column.type = NullableTypeOf(column.type);
     if (Manager().SupportsNullValue(column.type)) column.nullImage = NullImage(column.type);
   }
-  const Kind kind = FormOf(column.type).kind;
-  if (!IsText(kind) && kind != Kind::kBlob) column.imageSize = Box(column.type).Store(kFormatNative).size();
+  column.imageSize = Box(column.type).FixedSize();
 }
 
 Column ParseColumn(const std::vector<Word>& words, Word& place) {

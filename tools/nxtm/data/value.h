@@ -41,6 +41,8 @@ class Box {
   void* Get() const { return value_; }
   /// Appends the value's image.
   void Store(Image& bytes, unsigned char format) const;
+  /// Bytes of the image of every value of the type; 0 where they have sizes of their own.
+  unsigned long FixedSize() const { return fixedSize_; }
 
  private:
   unsigned long ImageSize(unsigned char format) const;
