@@ -112,6 +112,18 @@ TEST_F(Texts, OrderAsTheComparisonOverCodeSetsAndLanguages) {
   }
 }
 
+TEST_F(Texts, OrderAsTheComparisonInOrderValues) {
+  const std::u16string values = u"\u4061\u4060\u8000\u8001\u9abc\ufffe";
+  std::vector<Case> all;
+  for (const char16_t a : values)
+    for (const char16_t b : values) {
+      const char16_t units[] = {a, b};
+      all.push_back(Make({reinterpret_cast<const char*>(units), sizeof units}, 254, 1));
+    }
+  for (const Case& a : all)
+    for (const Case& b : all) Check(a, b);
+}
+
 TEST_F(Texts, LongRunsKeepTheirDistances) {
   for (int round = 0; round < 20000; ++round) {
     std::string a, b;
