@@ -42,8 +42,21 @@ class NxOrderTable {
            NxLoadRelaxed(NxString::_nQuestion) < kFirstDigitOrder;
   }
 
-  const Entry& EntryOf(char c) const { return entries[static_cast<unsigned char>(c)]; }
+  /// Whether the wildcards are the bytes "*" and "?" and no others.
+  bool WildcardsAreUsual() const {
+    return NxLoadRelaxed(NxString::_nAsterisk) == EntryOf('*').order &&
+           NxLoadRelaxed(NxString::_nQuestion) == EntryOf('?').order;
+  }
 
+  const Entry& EntryOf(char c) const { return entries[static_cast<unsigned char>(c)]; }
+  /// Whether a character may make one with what follows it.
+  bool Contracts(char c) const {
+    const NxCharInfo* const record = records[static_cast<unsigned char>(c)];
+    return (EntryOf(c).key & kNeedsIterator) && !(record && !record->followers);
+  }
+
+  /// Whether any character may, or one of ASCII needs the iterator.
+  bool contracts;
   Entry entries[256];
   /// The records of the characters that are marked kNeedsIterator and whose key without
   /// marks is that of their first order value; else null.

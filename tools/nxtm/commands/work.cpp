@@ -8,6 +8,7 @@
 #include "commands/stopwatch.h"
 #include "data/failure.h"
 #include "data/progress.h"
+#include "nxlang.h"
 #include "query/query.h"
 #include "store/index.h"
 #include "store/store.h"
@@ -17,9 +18,9 @@ namespace nxtm {
 void Export(const std::string& storeFile, bool header, const std::string& blobFolder) {
   auto store = Store::Open(storeFile, Store::Mode::kRead);
   if (!blobFolder.empty()) std::filesystem::create_directories(blobFolder);
-  if (header) std::fputs(CsvHeader(store->GetSchema()).c_str(), stdout);
+  if (header) std::fputs(CsvHeader(store->GetSchema(), AllColumns(store->GetSchema())).c_str(), stdout);
   RecordReader reader(store->GetSchema());
-  CsvWriter writer(store->GetSchema(), blobFolder);
+  CsvWriter writer(store->GetSchema(), AllColumns(store->GetSchema()), blobFolder);
   store->ForEach([&](unsigned int number, std::string_view record) {
     try {
       reader.Begin(record);
@@ -66,6 +67,22 @@ void Check(const std::string& storeFile) {
       std::printf("%s index of %s: emptied, to be made anew by nxtm reindex\n", kind, name);
     }
   }
+}
+
+void Info(const std::string& storeFile) {
+  auto store = Store::Open(storeFile, Store::Mode::kRead);
+  std::printf("%s\nrecords    %lu\nbytes      %llu\ncollation  %lu, this is %lu\n\n%s", store->Kind().c_str(),
+              store->Count(), store->Engine().Size(), store->Collation(), NxCollationVersion(),
+              store->GetSchema().Text().c_str());
+  for (const IndexInfo& index : store->Indexes()) {
+    const std::string state = !index.IsMade() ? "emptied, to be made anew by nxtm reindex"
+                              : index.collation == store->Collation()
+                                  ? std::to_string(index.entries) + " entries"
+                                  : "made with collation " + std::to_string(index.collation);
+    std::printf("\n%s index of %s: %s", index.hash ? "hash" : "ordered",
+                store->GetSchema().Columns()[index.attribute].name.c_str(), state.c_str());
+  }
+  if (!store->Indexes().empty()) std::printf("\n");
 }
 
 void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait) {

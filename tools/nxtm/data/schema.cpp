@@ -82,8 +82,7 @@ void ChooseStoredForm(Column& column) {
     column.type = NullableTypeOf(column.type);
     if (Manager().SupportsNullValue(column.type)) column.nullImage = NullImage(column.type);
   }
-  const Kind kind = FormOf(column.type).kind;
-  if (!IsText(kind) && kind != Kind::kBlob) column.imageSize = Box(column.type).Store(kFormatNative).size();
+  column.imageSize = Box(column.type).FixedSize();
 }
 
 Column ParseColumn(const std::vector<Word>& words, Word& place) {
@@ -130,7 +129,10 @@ Schema Schema::Parse(const std::string& text, const std::string& file) {
   return schema;
 }
 
-Schema Schema::Read(const std::string& file) { return Parse(ReadFile(file), file); }
+Schema Schema::Read(const std::string& file) {
+  constexpr unsigned long kLongest = 1UL << 20;  // a thousand columns and comments have less
+  return Parse(ReadFile(file, kLongest), file);
+}
 
 std::string Schema::Text() const {
   std::string text;
@@ -193,9 +195,8 @@ const std::vector<Field>& RecordReader::All() {
   return fields_;
 }
 
-void Record::Append(std::string& bytes, const Column& column, std::string_view image) {
+void Record::AppendHead(std::string& bytes, const Column& column) {
   if (column.HasNullByte()) bytes += '\0';
-  bytes += image;
 }
 
 void Record::AppendNull(std::string& bytes, const Column& column) {

@@ -63,8 +63,9 @@ class Record {
   /// Takes the attribute of a column off the front of a record's bytes. Throws a Failure
   /// that names the attribute whose image is damaged.
   static Field Take(const Column& column, std::string_view& bytes);
-  /// Appends an attribute to a record under construction.
-  static void Append(std::string& bytes, const Column& column, std::string_view image);
+  /// Appends what stands before an attribute's image to a record under construction.
+  static void AppendHead(std::string& bytes, const Column& column);
+  /// Appends an attribute that is null.
   static void AppendNull(std::string& bytes, const Column& column);
 };
 

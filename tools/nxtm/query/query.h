@@ -5,10 +5,13 @@
 ///   born < 1960-01-01
 ///   name = "what?" literally
 ///
-/// Relations: = != < <= > >=. Texts stand in quotes, which are doubled inside. In a
-/// text "*" stands for any characters and "?" for one, unless `literally` follows;
-/// `ignoring` takes case, accents, symbols and spaces. In a date "*" stands for any
-/// year, month or day. Null matches nothing but `is null`.
+///   not (length between 3 and 5) and word in ("der", "die", "das")
+///
+/// Relations: = != < <= > >=; `in` a list, and `between` two values, which belong to it. `not`
+/// selects what the condition behind it does not, but for nulls. Texts stand in quotes, which are doubled
+/// inside. In a text "*" stands for any characters and "?" for one, unless `literally` follows; `ignoring`
+/// takes case, accents, symbols and spaces. In a date "*" stands for any year, month or day. Null matches
+/// nothing but `is null`.
 #ifndef NXTM_QUERY_H
 #define NXTM_QUERY_H
 

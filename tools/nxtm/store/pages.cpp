@@ -31,18 +31,11 @@ struct Node {
 };
 static_assert(sizeof(Node) == 8);
 
-struct Tree {
-  std::uint32_t pad;  // of the first tree of a meta page: the size of pages
-  std::uint16_t flags;
-  std::uint16_t depth;
-  std::uint32_t branchPages, leafPages, overflowPages, entries;
-  std::uint32_t root;
-};
-static_assert(sizeof(Tree) == 28);
+static_assert(sizeof(PageTree) == 28);
 
 struct Meta {
   std::uint32_t magic, version, address, mapSize;
-  Tree free, tables;
+  PageTree free, tables;
   std::uint32_t lastPage;
   std::uint32_t transaction;
 };
@@ -143,10 +136,13 @@ class Walk : PageReader {
 
   void All() {
     for (std::uint32_t page = 0; page < kMetaPages; ++page) Own(page);
+    constexpr std::uint16_t kFreeFlags = 0x4008;  // keys are numbers; the store is one file
+    if (snapshot_.free.flags != kFreeFlags || snapshot_.tables.flags != 0)
+      Fail(snapshot_.transaction % kMetaPages, "has trees of other kinds");
     inFreeList_ = true;
-    WalkTree(snapshot_.freeRoot, 0);
+    WalkTree(snapshot_.free, 0);
     inFreeList_ = false;
-    WalkTree(snapshot_.tableRoot, 0);
+    WalkTree(snapshot_.tables, 0);
     for (std::uint32_t page = 0; page <= snapshot_.lastPage; ++page)
       if (!owned_[page]) Fail(page, "belongs to nothing");
   }
@@ -158,35 +154,49 @@ class Walk : PageReader {
     owned_[page] = true;
   }
 
-  void WalkTree(std::uint32_t number, int depth) {
-    if (number == kNoPage) return;
+  /// A whole tree, which must be as it is described.
+  void WalkTree(const PageTree& tree, std::uint32_t describedOn) {
+    PageTree found{};
+    if (tree.root != kNoPage) WalkPage(tree.root, 0, found);
+    if (tree.depth != found.depth || tree.branchPages != found.branchPages ||
+        tree.leafPages != found.leafPages || tree.overflowPages != found.overflowPages ||
+        tree.entries != found.entries)
+      Fail(describedOn, "does not describe a tree as it is");
+  }
+
+  void WalkPage(std::uint32_t number, int depth, PageTree& tree) {
     Own(number);
     const TreePage page = ReadTreePage(number, depth);
+    ++(page.isBranch ? tree.branchPages : tree.leafPages);
+    tree.depth = std::max(tree.depth, static_cast<std::uint16_t>(depth + 1));
     for (unsigned long i = 0; i < page.places.size(); ++i) {
       if (page.isBranch)
-        WalkTree(page.NodeAt(i).size, depth + 1);
+        WalkPage(page.NodeAt(i).size, depth + 1, tree);
       else
-        WalkData(page, i, depth);
+        WalkData(page, i, tree);
     }
   }
 
-  void WalkData(const TreePage& page, unsigned long i, int depth) {
+  void WalkData(const TreePage& page, unsigned long i, PageTree& tree) {
     const Node node = page.NodeAt(i);
     const unsigned long at = page.DataPlace(i);
+    ++tree.entries;
     if (node.flags & kOnOtherPages)
-      WalkOverflow(ReadAs<std::uint32_t>(page.bytes, at), node.size);
+      tree.overflowPages += WalkOverflow(ReadAs<std::uint32_t>(page.bytes, at), node.size);
     else if (inFreeList_)
       OwnFreePages(page.number, page.bytes.substr(at, node.size));
     else if (node.flags & kTree)
-      WalkTree(ReadAs<Tree>(page.bytes, at).root, depth + 1);
+      WalkTree(ReadAs<PageTree>(page.bytes, at), page.number);
   }
 
-  void WalkOverflow(std::uint32_t page, std::uint32_t size) {
+  /// Returns how many pages it has.
+  std::uint32_t WalkOverflow(std::uint32_t page, std::uint32_t size) {
     const std::uint32_t pages = (sizeof(PageHead) - 1 + size) / snapshot_.pageSize + 1;
     for (std::uint32_t i = 0; i < pages; ++i) Own(page + i);
     const std::string bytes = Read(page, inFreeList_ ? pages : 1);
     if (!(ReadAs<PageHead>(bytes, 0).flags & kOverflow)) Fail(page, "is no page of long data");
     if (inFreeList_) OwnFreePages(page, bytes.substr(sizeof(PageHead), size));
+    return pages;
   }
 
   /// A number of pages, and their numbers.
@@ -206,7 +216,7 @@ class RangeWalk : PageReader {
   using PageReader::PageReader;
 
   void Table(const std::string& name, std::string_view from, std::string_view to) {
-    std::uint32_t number = snapshot_.tableRoot;
+    std::uint32_t number = snapshot_.tables.root;
     for (int depth = 0; number != kNoPage; ++depth) {
       const TreePage page = ReadTreePage(number, depth);
       const unsigned long i = Find(page, name);
@@ -216,7 +226,7 @@ class RangeWalk : PageReader {
         continue;
       }
       if (page.Key(i) != name) return;
-      const auto tree = ReadAs<Tree>(page.bytes, page.DataPlace(i));
+      const auto tree = ReadAs<PageTree>(page.bytes, page.DataPlace(i));
       levels_ = tree.depth;
       WalkTree({tree.root, {}, {}, 0}, from, to);
       return;
@@ -269,9 +279,11 @@ std::optional<Snapshot> FindSnapshot(int file, std::uint32_t transaction) {
   const auto first = ReadAs<Meta>(ReadBytes(file, sizeof(PageHead), sizeof(Meta)), 0);
   const std::uint32_t pageSize = first.free.pad;
   const auto second = ReadAs<Meta>(ReadBytes(file, pageSize + sizeof(PageHead), sizeof(Meta)), 0);
+  const bool follow =
+      std::max(first.transaction, second.transaction) - std::min(first.transaction, second.transaction) == 1;
   for (const Meta& meta : {first, second}) {
-    if (meta.magic != kMagic || meta.transaction != transaction) continue;
-    return Snapshot{pageSize, meta.lastPage, meta.free.root, meta.tables.root, meta.transaction};
+    if (!follow || meta.magic != kMagic || meta.transaction != transaction) continue;
+    return Snapshot{pageSize, meta.lastPage, meta.free, meta.tables, meta.transaction};
   }
   return std::nullopt;
 }

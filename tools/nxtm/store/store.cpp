@@ -47,6 +47,11 @@ unsigned int SumOf(std::string_view bytes, unsigned int seed) {
 // ---------------------------------------------------------------------------
 // Opening, and the root
 
+Store::Store(const std::string& path, std::unique_ptr<KeyValue> engine)
+    : path_(path), engine_(std::move(engine)), collation_(NxCollationVersion()) {}
+
+std::string Store::Kind() { return kKind; }
+
 std::unique_ptr<Store> Store::Open(const std::string& path, Mode mode, Wait wait) {
   std::unique_ptr<Store> store(new Store(path, KeyValue::Open(path, mode, wait)));
   store->ReadRoot();
@@ -66,8 +71,8 @@ std::unique_ptr<Store> Store::OpenOrCreate(const std::string& path, const Schema
 
 std::string Store::RootText() const {
   std::ostringstream text;
-  text << kKind << "\ncollation " << NxCollationVersion() << "\nrecords " << records_ << ' ' << count_
-       << "\ntables " << nextTable_ << '\n';
+  text << kKind << "\ncollation " << collation_ << "\nrecords " << records_ << ' ' << count_ << "\ntables "
+       << nextTable_ << '\n';
   for (const IndexInfo& index : indexes_) {
     text << "index " << index.attribute << ' ' << index.hash << ' ' << index.collation << ' ' << index.table
          << ' ' << index.entries << ' ' << index.sum;
@@ -94,6 +99,8 @@ void Store::ReadRoot() {
       text >> records_ >> count_;
     } else if (word == "tables") {
       text >> nextTable_;
+    } else if (word == "collation") {
+      text >> collation_;
     } else if (word == "index") {
       IndexInfo index;
       text >> index.attribute >> index.hash >> index.collation >> index.table >> index.entries >> index.sum;

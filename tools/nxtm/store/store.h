@@ -65,6 +65,9 @@ class Store {
   const Schema& GetSchema() const { return schema_; }
   unsigned long Count() const { return count_; }
   const std::string& Path() const { return path_; }
+  /// The kind and version of its format, and the collation data that it was made with.
+  static std::string Kind();
+  unsigned long Collation() const { return collation_; }
   /// The engine, for its own checks and figures, and for the tables of indexes.
   KeyValue& Engine() const { return *engine_; }
 
@@ -98,8 +101,7 @@ class Store {
   void Commit() { engine_->Commit(RootText()); }
 
  private:
-  Store(const std::string& path, std::unique_ptr<KeyValue> engine)
-      : path_(path), engine_(std::move(engine)) {}
+  Store(const std::string& path, std::unique_ptr<KeyValue> engine);
   void ReadRoot();
   std::string RootText() const;
   IndexInfo* FindDescribed(unsigned long attribute, bool hash);
@@ -109,6 +111,7 @@ class Store {
   std::string path_;
   std::unique_ptr<KeyValue> engine_;
   Schema schema_;
+  unsigned long collation_;
   unsigned long count_ = 0;
   KeyValue::Table records_ = 0;
   KeyValue::Table nextTable_ = 1;
