@@ -82,6 +82,7 @@ void ChooseStoredForm(Column& column) {
     column.type = NullableTypeOf(column.type);
     if (Manager().SupportsNullValue(column.type)) column.nullImage = NullImage(column.type);
   }
+  column.kind = FormOf(column.type).kind;
   column.imageSize = Box(column.type).FixedSize();
 }
 
@@ -179,7 +180,7 @@ Field Record::Take(const Column& column, std::string_view& bytes) {
   }
   unsigned long size = column.imageSize;
   if (size == 0)
-    size = ImageSize(column.type, bytes);
+    size = ImageSize(column.type, column.kind, bytes);
   else if (size > bytes.size())
     size = 0;
   if (size == 0) throw Failure("attribute '" + column.name + "' is damaged");

@@ -25,7 +25,8 @@ struct Column {
   char type = 0;  // of its images: of a nullable scalar the nullable type
   bool nullable = false;
   TextStyle style;
-  Image nullImage;              // of the null state of a nullable column's type; empty where it has none
+  Image nullImage;  // of the null state of a nullable column's type; empty where it has none
+  Kind kind = Kind::kPlain;
   unsigned long imageSize = 0;  // of its images where all have one size, else 0
 
   /// Whether a byte before the image tells null.

@@ -206,7 +206,10 @@ Image NullImage(char type, unsigned char format) {
 }
 
 unsigned long ImageSize(char type, std::string_view data, unsigned char format) {
-  const Kind kind = FormOf(type).kind;
+  return ImageSize(type, FormOf(type).kind, data, format);
+}
+
+unsigned long ImageSize(char type, Kind kind, std::string_view data, unsigned char format) {
   const unsigned long head = SizeHead(kind);
   if (data.size() < head) return 0;
   const auto size =

@@ -88,6 +88,7 @@ Image NullImage(char type, unsigned char format = kFormatNative);
 
 /// Bytes of the image at the start of data, or 0 when none fits in it.
 unsigned long ImageSize(char type, std::string_view data, unsigned char format = kFormatNative);
+unsigned long ImageSize(char type, Kind kind, std::string_view data, unsigned char format = kFormatNative);
 
 /// The text that the library prints of a value, and the value, written in its own form,
 /// that the library reads from a text; without a format under the type's own.

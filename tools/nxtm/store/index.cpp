@@ -90,6 +90,7 @@ void RequireCurrent(const Store& store, const IndexInfo& index) {
 unsigned long ReadEntries(Store& store, const IndexInfo& index, std::string_view from, std::string_view to,
                           std::vector<Entry>& entries) {
   unsigned long read = 0;
+  store.Engine().RequireWhole(index.table, from, to);
   store.Engine().Range(index.table, from, to, [&](std::string_view key, std::string_view) {
     ++read;
     const unsigned int number = key.size() > sizeof number ? NumberAtEnd(key) : ~0U;
