@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -33,7 +34,7 @@ TEST(Csv, ARowThatDoesNotEndIsRefusedAndNamed) {
   bool first = true;
   const auto source = [&](char* room, unsigned long size) {
     std::memset(room, '\n', size);
-    if (first) std::memcpy(room, "a\n\"", 3);
+    if (first) std::string_view("a\n\"").copy(room, size);
     first = false;
     return size;
   };

@@ -3,6 +3,8 @@
 #include "data/value.h"
 
 #include <strings.h>
+
+#include <charconv>
 #include <cstring>
 #include <utility>
 
@@ -251,17 +253,15 @@ std::string Hex(std::string_view bytes, const char* between) {
 }
 
 Image FromHex(std::string_view text) {
-  constexpr std::string_view digits = "0123456789ABCDEFabcdef";
   Image bytes;
   bytes.reserve(text.size() / 2);
   int high = -1;
   for (unsigned long i = 0; i < text.size(); ++i) {
     if (text[i] == ' ') continue;
-    const unsigned long found = digits.find(text[i]);
-    if (found == std::string_view::npos)
+    int digit = 0;
+    if (std::from_chars(&text[i], &text[i] + 1, digit, 16).ec != std::errc())
       throw Failure("character " + std::to_string(i + 1) + " of " + Shown(text) +
                     " is not a hexadecimal digit");
-    const int digit = static_cast<int>(found < 16 ? found : found - 6);
     if (high >= 0) bytes += static_cast<char>(high << 4 | digit);
     high = high < 0 ? digit : -1;
   }
