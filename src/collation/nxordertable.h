@@ -62,10 +62,6 @@ class NxOrderTable {
   /// marks is that of their first order value; else null.
   const NxCharInfo* records[256];
 
-  /// The compare key of a character of one order value, as hashes take it in; kNeedsIterator
-  /// for any other one and for the end of a text.
-  unsigned hashKeys[256];
-
   /// What sort keys have of a plain digit or letter of the first selector. See nxtextkey.h.
   struct SortBytes {
     unsigned char letter;  // 0 for other characters

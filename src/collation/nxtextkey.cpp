@@ -247,11 +247,14 @@ class PlainTextKey {
     constexpr unsigned kAround = 4;  // three bytes between the levels, and a letter that is no longer read
     const unsigned long room = key.Room();
     if (room < kAround) return false;
-    PlainTextKey plain(key.Place());
-    if (!plain.ReadBaseLetters(table, text, std::min((room - kAround) / kBytesOfLetter, kLongest)))
-      return false;
-    plain.WriteAccents();
-    plain.WriteCase();
+    PlainTextKey plain(table, text, key.Place());
+    if (!plain.ReadBaseLetters(std::min((room - kAround) / kBytesOfLetter, kLongest))) return false;
+    if (plain.marked_ == 0) {
+      *plain.end_++ = kEnd;
+    } else {
+      plain.WriteAccents();
+      plain.WriteCase();
+    }
     key.TakeUpTo(plain.end_);
     return true;
   }
@@ -260,66 +263,58 @@ class PlainTextKey {
   static constexpr unsigned long kBytesOfLetter = 4;  // itself, an accent of two bytes, case
   static constexpr unsigned long kLongest = 100;      // no distance then needs more than its byte
 
-  explicit PlainTextKey(unsigned char* key) : begin_(key) {}
+  PlainTextKey(const NxOrderTable& table, const char* text, unsigned char* key)
+      : sortBytes_(table.sortBytes), text_(text), end_(key) {}
 
-  bool ReadBaseLetters(const NxOrderTable& table, const char* text, unsigned long longest) {
+  bool ReadBaseLetters(unsigned long longest) {
+    const char* const text = text_;
+    const NxOrderTable::SortBytes* const sortBytes = sortBytes_;
+    unsigned char* const key = end_;
     unsigned length = 0;
     unsigned marked = 0;
-    unsigned all = 0;
     for (;; ++length) {
-      const NxOrderTable::SortBytes& sort = table.sortBytes[static_cast<unsigned char>(text[length])];
+      const NxOrderTable::SortBytes sort = sortBytes[static_cast<unsigned char>(text[length])];
       if (sort.letter == 0) break;
       if (length == longest) return false;
-      begin_[length] = sort.letter;
-      marks_[marked] = {static_cast<unsigned char>(length), sort.mark};
+      key[length] = sort.letter;
+      places_[marked] = static_cast<unsigned char>(length);
       marked += sort.mark != 0;
-      all |= sort.mark;
     }
     length_ = length;
     marked_ = marked;
-    all_ = all;
-    end_ = begin_ + length;
+    end_ = key + length;
     return text[length] == 0;
   }
+  unsigned MarkAt(unsigned place) const { return sortBytes_[static_cast<unsigned char>(text_[place])].mark; }
+
   void WriteAccents() {
-    if (!(all_ & kSortAccent)) return;
-    *end_++ = kAccents;
     unsigned end = length_;
     for (unsigned i = marked_; i-- > 0;) {
-      const Mark mark = marks_[i];
-      if (!(mark.value & kSortAccent)) continue;
-      *end_++ = static_cast<unsigned char>(0xFF - (end - 1 - mark.place));
-      *end_++ = mark.value & kSortAccent;
-      end = mark.place;
+      const unsigned accent = MarkAt(places_[i]) & kSortAccent;
+      if (accent == 0) continue;
+      if (end == length_) *end_++ = kAccents;
+      *end_++ = static_cast<unsigned char>(0xFF - (end - 1 - places_[i]));
+      *end_++ = static_cast<unsigned char>(accent);
+      end = places_[i];
     }
   }
   void WriteCase() {
-    if (!(all_ & kSortCapital)) {
-      *end_++ = kEnd;
-      return;
-    }
-    *end_++ = kHighCase;
     unsigned begin = 0;
     for (unsigned i = 0; i < marked_; ++i) {
-      const Mark mark = marks_[i];
-      if (!(mark.value & kSortCapital)) continue;
-      *end_++ = static_cast<unsigned char>(0xFF - (mark.place - begin));
-      begin = mark.place + 1U;
+      if (!(MarkAt(places_[i]) & kSortCapital)) continue;
+      if (begin == 0) *end_++ = kHighCase;
+      *end_++ = static_cast<unsigned char>(0xFF - (places_[i] - begin));
+      begin = places_[i] + 1U;
     }
-    *end_++ = kCaseEnd;
+    *end_++ = begin == 0 ? kEnd : kCaseEnd;
   }
 
-  struct Mark {
-    unsigned char place;
-    unsigned char value;
-  };
-
-  unsigned char* const begin_;
-  unsigned char* end_ = nullptr;
+  const NxOrderTable::SortBytes* const sortBytes_;
+  const char* const text_;
+  unsigned char* end_;
   unsigned length_ = 0;
-  unsigned marked_ = 0;  // letters with an accent, or capitals
-  unsigned all_ = 0;     // marks of all of them
-  Mark marks_[kLongest + 1];
+  unsigned marked_ = 0;                 // letters with an accent, or capitals
+  unsigned char places_[kLongest + 1];  // of them
 };
 
 NxStringIterator Open(const NxKeyText& text) {
@@ -337,8 +332,10 @@ bool NxWriteTextKey(const NxKeyText& text, NxKeyWriter& key) {
     WritePlainBytes(text.text ? text.text : "", key);
     return true;
   }
-  const NxOrderTable* const table =
-      text.codeSet < NxOrderTable::kCodeSets ? NxOrderTable::Find(text.codeSet, text.language) : nullptr;
+  const NxOrderTable* table = nullptr;
+  if (text.codeSet < NxOrderTable::kCodeSets &&
+      !(table = NxOrderTable::FindBuilt(text.codeSet, text.language)))
+    table = NxOrderTable::Find(text.codeSet, text.language);
   if (table && text.text && PlainTextKey::Write(*table, text.text, key)) return true;
   return NxWriteTextKeyByLevels(text, key);
 }
