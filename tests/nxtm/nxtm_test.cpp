@@ -1,5 +1,5 @@
-// What transcripts cannot say of the workbench: damaged stores are reported, indexes of
-// other collation data refused, and indexes find what a full scan finds.
+// What transcripts cannot say of the workbench: indexes of other collation data are
+// refused, and indexes find what a full scan finds.
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -48,10 +47,6 @@ class Workbench : public testing::Test {
   void Write(const std::string& name, const std::string& bytes) const {
     std::ofstream(Path(name), std::ios::binary) << bytes;
   }
-  std::string Read(const std::string& name) const {
-    std::ifstream in(Path(name), std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-  }
 
   /// Runs nxtm with arguments as a shell reads them.
   Outcome Run(const std::string& arguments) const {
@@ -75,13 +70,6 @@ class Workbench : public testing::Test {
   std::string dir_;
 };
 
-const char kSchema[] =
-    "name NxString nullable language=german\n"
-    "age short nullable\n"
-    "born NxDate nullable\n"
-    "weight double\n"
-    "code NxCaseIString\n";
-
 }  // namespace
 
 TEST_F(Workbench, AnIndexOfOtherCollationDataIsRefused) {
@@ -102,113 +90,6 @@ TEST_F(Workbench, AnIndexOfOtherCollationDataIsRefused) {
   ASSERT_EQ(0, Run("reindex store").status);
   EXPECT_EQ("a,1\n", Run("query store 'word = a'").output);
   EXPECT_EQ(0, Run("check store").status);
-}
-
-TEST_F(Workbench, DamagedStoresAnswerRightOrNotAtAll) {
-  Write("s", kSchema);
-  std::string rows;
-  for (int i = 0; i < 600; ++i) rows += "name" + std::to_string(i * 7919 % 600) + ",1,,2,c\n";
-  Write("d", rows);
-  Write("one", "one,1,,2,c\n");
-  ASSERT_EQ(0, Run("import s d whole").status);
-  for (const char* index : {"name", "name --hash", "age"})
-    ASSERT_EQ(0, Run(std::string("index whole ") + index).status);
-  ASSERT_EQ(0, Run("import s one whole").status);  // with a list of free pages
-  const std::string whole = Read("whole");
-  const std::vector<std::string> commands = {"export damaged", "query damaged 'name > \"name58\"'",
-                                             "query damaged 'name = name17'", "check damaged"};
-  std::vector<std::string> right;
-  Write("damaged", whole);
-  for (const std::string& command : commands) right.push_back(Run(command).output);
-
-  std::mt19937 random(17);
-  int reported = 0;
-  for (int round = 0; round < kRounds; ++round) {
-    std::string bytes = whole;
-    if (round % 3 == 0)
-      bytes.resize(random() % bytes.size());
-    else
-      for (int i = random() % 20; i >= 0; --i) bytes[random() % bytes.size()] ^= 1 << random() % 8;
-    Write("damaged", bytes);
-    bool sound = true;
-    for (std::size_t i = 0; i < commands.size(); ++i) {
-      const Outcome outcome = Run(commands[i]);
-      sound = outcome.status == 0;
-      reported += !sound;
-      ASSERT_TRUE(sound ? outcome.output == right[i] : outcome.status == 3 || outcome.status == 2)
-          << round << ": " << commands[i] << " ends with " << outcome.status;
-    }
-    const Outcome import = Run("import s one damaged");
-    ASSERT_TRUE(import.status == 0 || import.status == 2 || import.status == 3)
-        << round << ": " << import.status;
-    if (import.status != 0) continue;
-    // It relies on what it touches alone: damage elsewhere stays, and is told as before.
-    ASSERT_EQ(sound ? 0 : 3, Run("check damaged").status) << round;
-    const Outcome after = Run("export damaged");
-    ASSERT_TRUE(after.status == 3 || after.output == right[0] + "one,1,,2,c\n") << round;
-  }
-  EXPECT_GT(reported, kRounds / 2);
-}
-
-TEST_F(Workbench, AnIndexFindsWhatAScanFinds) {
-  // Real words where they are installed, else made ones.
-  std::vector<std::string> words;
-  std::ifstream list("/usr/share/dict/ngerman");
-  for (std::string word; std::getline(list, word) && words.size() < 400000;) words.push_back(word);
-  std::mt19937 random(23);
-  const char* kSyllables[] = {"Haus", "tür", "ß",   "en", "-",  "Ä",  "schiff",
-                              "e",    "é",   "ung", " ",  "aa", "Zoo"};
-  while (words.size() < 20000) {
-    std::string word;
-    for (int n = 1 + random() % 4; n > 0; --n) word += kSyllables[random() % 13];
-    words.push_back(word);
-  }
-  if (kRounds < 200) words.resize(20000);
-  std::string rows;
-  for (const std::string& word : words) rows += word + "\n";
-  Write("s", "word NxString language=german\n");
-  Write("d", rows);
-  ASSERT_EQ(0, Run("import s d store").status);
-  ASSERT_EQ(0, Run("index store word").status);
-
-  auto store = Store::Open(Path("store"), Store::Mode::kRead);
-  std::vector<std::string> records;
-  store->ForEach([&](unsigned int, std::string_view record) { return records.emplace_back(record), true; });
-  const char* kOptions[] = {"",
-                            "ignoring case",
-                            "ignoring accents",
-                            "ignoring case, accents",
-                            "ignoring symbols",
-                            "ignoring spaces, case",
-                            "literally"};
-  const char* kRanges[] = {"<", "<=", ">", ">="};
-  for (int round = 0; round < 500; ++round) {
-    // A word with characters cut off, replaced by wildcards, or in the wrong case.
-    NxString pattern = nxtm::StringOfUtf8(words[random() % words.size()]);
-    for (int edits = random() % 3; edits > 0 && pattern.Len() > 0; --edits) {
-      auto at = static_cast<unsigned short>(random() % pattern.Len());
-      if (at == 0 && random() % 4) continue;
-      if (random() % 2)
-        pattern.Cut(at, -1) += NxString("*");
-      else
-        pattern.Replace(NxString(random() % 2 ? "?" : "*"), at);
-    }
-    std::string text = nxtm::Utf8OfString(random() % 4 ? pattern : NxString(pattern).ToUpper());
-    std::string query = std::string("word ") + (random() % 4 ? "=" : kRanges[random() % 4]) + " \"" + text +
-                        "\" " + kOptions[random() % 7];
-    Condition condition = Condition::Parse(query, store->GetSchema());
-    std::vector<unsigned int> scanned, found;
-    // A full scan by the condition itself.
-    nxtm::RecordReader reader(store->GetSchema());
-    for (unsigned int i = 0; i < records.size(); ++i) {
-      reader.Begin(records[i]);
-      if (condition.Matches(store->GetSchema(), reader)) scanned.push_back(i);
-    }
-    nxtm::RunQuery(*store, condition, false, [&](unsigned int number, const std::vector<nxtm::Field>&) {
-      return found.push_back(number), true;
-    });
-    ASSERT_EQ(scanned, found) << query;
-  }
 }
 
 /// Values that indexes and planners stumble over, and terms made of their likes.

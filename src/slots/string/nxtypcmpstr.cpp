@@ -10,6 +10,7 @@
 #include "collation/nxplainbytes.h"
 #include "collation/nxstrcmp.h"
 #include "collation/nxstrcmpkeys.h"
+#include "collation/nxstrhash.h"
 #include "nxlang.h"
 #include "nxstring.h"
 #include "nxtypcmp.h"
@@ -398,9 +399,10 @@ unsigned long StringHash(unsigned char format, unsigned long len, void* value, u
   if (count == 1 && format != kFormatMemory && IsWhole(image, len, format) &&
       NxCharWidth(NxStoredString::CodeSetOf(image)) == 1) {
     error = 0;
+    const unsigned long length = NxStoredString::LengthOf(image, format) - NxStoredString::kEmptyLength;
     const unsigned long hash =
-        HashString(NxStoredString::CodeSetOf(image), NxStoredString::LanguageOf(image),
-                   NxStoredString::TextOf(image), kWholeText, format & kFormatCodeMask);
+        NxHashBytes(NxStoredString::CodeSetOf(image), NxStoredString::LanguageOf(image),
+                    NxStoredString::TextOf(image), length, format & kFormatCodeMask);
     return hash * kHashMultiplier;
   }
   return StringHashCommon(format, len, value, count, error, 0);

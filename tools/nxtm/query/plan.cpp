@@ -58,8 +58,11 @@ double Estimate(char type, const Term& term, IndexInfo index) {
   NxIdxBounds range = ends, bounds{};
   Image key = term.key;
   auto relation = static_cast<unsigned short>(term.relation | term.options);
+  // Of an estimate alone an odd condition is no news to the user.
+  const NxAssertHandler before = NxSetAssertHandler([](const char*, const char*, int) {});
   const float fraction =
       Manager().EvalAndBound(type, &range, relation, key.data(), kFormatNative, 1, &bounds, nullptr);
+  NxSetAssertHandler(before);
   std::free(bounds.lower);
   std::free(bounds.upper);
   return std::isnan(fraction) ? 1.0 : std::clamp(static_cast<double>(fraction), 0.0, 1.0);
