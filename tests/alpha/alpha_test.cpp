@@ -344,6 +344,14 @@ TEST(AlphaSlots, CaseKeysTurnBackIntoValues) {
   EXPECT_EQ(mgr.Translate(20, &plain, 0x88, 0, &plain, 8, 0, 1), 0) << "no keys in memory";
 }
 
+TEST(AlphaSlots, KeysInMemoryMeetPatternsUpToTheWildcard) {
+  NxCaseIString keys("\x5B\x5E\x61"), pattern("b*x");  // the keys of "bcd"
+  keys._nForm = kAlphaKeys;
+  int error = 77;
+  EXPECT_EQ(NxTypeMgr(5).Cmp(21, 8, &keys, 8, &pattern, 0, 1, 8, error), 0);
+  EXPECT_EQ(error, kPastBuffer);
+}
+
 TEST(AlphaSlots, NothingIsReadBehindTheValueThatDecides) {
   NxCaseIString values[] = {"a", ""}, others[] = {"b", ""};
   int error = 77;

@@ -10,7 +10,6 @@
 #include "nxchar.h"
 #include "nxstritr.h"
 #include "nxtypcmp.h"
-#include "ord2str.h"
 #include "strwild.h"
 #include "support/block.h"
 #include "support/strings.h"
@@ -20,22 +19,6 @@ namespace {
 int Compare(const std::string& a, const std::string& b, unsigned short op = 0, short len = -1,
             unsigned char language = 1) {
   return NxStrCmp(1, language, a.c_str(), 1, language, b.c_str(), op, len, 1, nullptr);
-}
-
-TEST(NxStrCmp, AnswersTheDecidingDifference) {
-  const unsigned a = NxCompareKey(NxChar('a', 1, 1).GetOrder(), 1);
-  const unsigned b = NxCompareKey(NxChar('b', 1, 1).GetOrder(), 1);
-  const unsigned capital = NxCompareKey(NxChar('A', 1, 1).GetOrder(), 1);
-  const unsigned acute = NxCompareKey(NxChar('\xE1', 1, 1).GetOrder(), 1);
-  const int hyphen = NxChar('-', 1, 1).GetOrder();
-  EXPECT_EQ(Compare("xA", "xb"), static_cast<int>((a & ~127u) - (b & ~127u)));
-  EXPECT_EQ(Compare("xa", "xA"), static_cast<int>((capital & ~31u) - (a & ~31u)));
-  EXPECT_EQ(Compare("\xE1", "a"), static_cast<int>((acute & ~96u) - (a & ~96u)));
-  EXPECT_EQ(Compare("ab-", "ab"), hyphen);
-  EXPECT_EQ(Compare("ab", "-ab"), -hyphen);
-  EXPECT_EQ(Compare("a", "b", kOrderValuesOnly), static_cast<int>(a - b));
-  EXPECT_EQ(Compare("a", "a*b"), -static_cast<int>(b & ~127u));
-  EXPECT_EQ(Compare("a", "a*?"), -1);
 }
 
 TEST(NxStrCmp, LimitsAndReport) {

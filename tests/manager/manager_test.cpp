@@ -242,7 +242,6 @@ TEST(Text, Arrays) {
   EXPECT_EQ(Text(mgr.PrintToNxString(7, out, values, "%d", 3)), "1,2,3");
   EXPECT_EQ(Text(mgr.PrintToNxString(7, out, values, "%d", 1)), "1");
   char letters[] = {'A', '\n', 'z'};
-  EXPECT_EQ(Text(mgr.PrintToNxString(0, out, letters, nullptr, 3)), "A0x0az");
   // The output may hold the format, or be one of the values.
   NxString format("<%c>");
   EXPECT_EQ(Text(mgr.PrintToNxString(0, format, letters, format.StrGet(), 2)), "<A>0x0a");
@@ -316,7 +315,7 @@ TEST(Text, ManyValuesInALongText) {
   mgr.Delete(11, parts, 2);
 }
 
-TEST(Context, DefaultManagerAndOptions) {
+TEST(Context, DefaultManager) {
   EXPECT_EQ(DefaultTypeMgr(nullptr), nullptr);
   ___NxTypemgrContext(1);
   ASSERT_NE(DefaultTypeMgr(nullptr), nullptr);
@@ -326,11 +325,6 @@ TEST(Context, DefaultManagerAndOptions) {
   EXPECT_EQ(DefaultTypeMgr(own), own);
   ___NxTypemgrContext(0);  // releases whatever is there
   EXPECT_EQ(DefaultTypeMgr(nullptr), nullptr);
-
-  EXPECT_EQ(static_cast<int>(NxString("010")), 8);
-  *___NxTypeMgrOptions() = kOptionDecimalOnly;
-  EXPECT_EQ(static_cast<int>(NxString("010")), 10);
-  *___NxTypeMgrOptions() = 0;
 }
 
 TEST(Identity, NamesAndVersion) {

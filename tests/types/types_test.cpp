@@ -8,13 +8,13 @@
 
 #include "nxbase.h"
 #include "nxconv.h"
-#include "nxsortkey.h"
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "nxtypevl.h"
 #include "nxtypmgr.h"
 #include "support/block.h"
 #include "support/strings.h"
+#include "support/terms.h"
 #include "support/typerows.h"
 
 namespace {
@@ -327,6 +327,39 @@ TEST_P(Types, BoundsAndShares) {
     }
 }
 
+TEST_P(Types, SortKeysOrderAsTheImagesDo) {
+  // Any image whose order is total: the truth values, and no floating field that is no number.
+  const auto pick = [&] {
+    Block image(row.ImageSize());
+    for (unsigned long i = 0; i < image.Size(); ++i)
+      image.Data()[i] = "\0\1\x7f\x80\xff\xfe\2"[Below(Below(2) ? 7 : 2)];
+    if (row.Has('o')) *image.Data() = "\0\1\xff"[Below(3)];
+    if (row.order[0] == 'f' || row.order[0] == 'd') image.Data()[image.Size() - 1] &= 0xC0;
+    return image;
+  };
+  for (int round = 0; round < 10000; ++round) {
+    const Block a = pick(), b = pick();
+    const auto order = [&](unsigned short op) {
+      int error;
+      return Sign(mgr.Cmp(id, a.Size(), a.Data(), b.Size(), b.Data(), op, 1, 1, error));
+    };
+    const std::string keyA = KeyOf(id, a.Data(), 1, a.Size()), keyB = KeyOf(id, b.Data(), 1, b.Size());
+    ASSERT_EQ(Sign(keyA.compare(keyB)), order(kWildcardsOff));
+    ASSERT_FALSE(IsPrefix(keyA, keyB) || IsPrefix(keyB, keyA));
+    const unsigned short relation = 1 + Below(6), op = Below(2) * kWildcardsOff;
+    NxSortKeyRange range;
+    ASSERT_EQ(NxSortKeyBounds(id, b.Data(), 1, b.Size(), relation | op, range), 1);
+    ASSERT_TRUE(!Selects(order(op), relation) || LiesWithin(range, keyA));
+    std::free(range.lower);
+    std::free(range.upper);
+    const Block value(size), swapped(a.Size());
+    mgr.Load(id, value.Data(), a.Data(), 1, 1);
+    mgr.Store(id, swapped.Data(), value.Data(), 2, 1);
+    ASSERT_EQ(KeyOf(id, value.Data(), 8), keyA);
+    ASSERT_EQ(KeyOf(id, swapped.Data(), 2, swapped.Size()), keyA);
+  }
+}
+
 TEST_P(Types, SortKeysNeedWholeImages) {
   for (int round = 0; round < 20; ++round)
     for (unsigned char format : {1, 2}) {
@@ -379,5 +412,37 @@ std::vector<TypeRow> FixedTypes() {
 }
 INSTANTIATE_TEST_SUITE_P(All, Types, testing::ValuesIn(FixedTypes()),
                          [](const auto& info) { return info.param.name; });
+
+// ---------------------------------------------------------------------------
+// Bounds of fixed size that are not made anew
+
+TEST(Boundaries, ThatAreThereStay) {
+  unsigned char key[] = {1, 2, 3}, present = 9;
+  SetBoundaries(nullptr, key, kRelationEqual, 3);
+  NxIdxBounds bounds{&present, nullptr, 1, 0};
+  SetBoundaries(&bounds, key, kRelationEqual, 2);
+  EXPECT_EQ(bounds.lower, &present);
+  EXPECT_EQ(bounds.lowerLen, 1);
+  EXPECT_EQ(static_cast<unsigned char*>(bounds.upper)[1], 2);
+  std::free(bounds.upper);
+}
+
+TEST(Dates, ImagesTooShortStay) {
+  Bytes key(4, 0xFF);
+  for (unsigned long length : {1UL, 3UL, 4UL}) {
+    Bytes lower(length, 7), upper(length, 7);
+    NxIdxBounds bounds{lower.data(), upper.data(), static_cast<unsigned char>(length),
+                       static_cast<unsigned char>(length)};
+    unsigned short relation = kRelationEqual;
+    DateEvalAndBound(nullptr, relation, key.data(), 1, 1, &bounds);
+    EXPECT_EQ(lower[0] == 7, length < 4);
+    EXPECT_EQ(upper[0] == 7, length < 4);
+  }
+  NxIdxBounds bounds{};
+  unsigned short relation = kRelationEqual;
+  DateEvalAndBound(nullptr, relation, key.data(), 1, 0, &bounds);  // images of no date
+  std::free(bounds.lower);
+  std::free(bounds.upper);
+}
 
 }  // namespace

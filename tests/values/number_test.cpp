@@ -129,17 +129,6 @@ TEST(NxBoolean, AnyNumberButZeroIsTrue) {
   EXPECT_TRUE(Byte(2) > Byte(1) && !(Byte(1) < Byte(2))) << "greater, but no lower";
 }
 
-TEST(NxSeal, OrdersByItsWords) {
-  const NxSeal high = {1, 0, 0}, low = {0, 0xFFFF, 0xFFFF};
-  EXPECT_EQ(high != low, 1);
-  EXPECT_EQ(low != high, -1);
-  EXPECT_EQ((NxSeal{1, 2, 3} != NxSeal{1, 0xFFFF, 0}), 2 - 0xFFFF);
-  EXPECT_EQ((NxSeal{1, 2, 3} != NxSeal{1, 2, 0}), 3);
-  EXPECT_EQ((NxSeal{1, 2, 3} != NxSeal{1, 2, 3}), 0);
-  EXPECT_TRUE((NxSeal{1, 2, 3} == NxSeal{1, 2, 3}));
-  EXPECT_FALSE((NxSeal{1, 2, 3} == NxSeal{0, 2, 3}));
-}
-
 TEST(NxSeal, IsANumber) {
   NxInt64 number;
   NxSeal({1, 2, 3}).ConvertTo(number);

@@ -137,6 +137,7 @@ TEST(Blob, TextsAndNumbers) {
   EXPECT_EQ(static_cast<double>(NxBlob(2.5)), 2.5);
   EXPECT_EQ(static_cast<double>(NxBlob("2.55", 3)), 2.5);
   EXPECT_EQ(static_cast<int>(NxBlob(42)), 42);
+  EXPECT_EQ(static_cast<int>(NxBlob()), 0);
   EXPECT_EQ(static_cast<short>(NxBlob(65537)), 1);
   EXPECT_EQ(static_cast<long>(NxBlob("12345", 3)), 123);  // no zero behind it
   const char counted[] = "\3\0\0\0abcd";
