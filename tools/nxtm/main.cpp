@@ -267,7 +267,7 @@ int Run(CLI::App& app, int argc, char** argv) {
     std::fflush(stdout);
     std::fprintf(stderr, "nxtm: %s\n", error.what());
     const auto* const failure = dynamic_cast<const Failure*>(&error);
-    return failure ? failure->status : kInputStatus;
+    return failure ? failure->status : kStoreStatus;
   }
 }
 
