@@ -181,12 +181,15 @@ What is asked wrongly.
   CONDITION is required
   Run with --help for more information.
   [1]
+  $ nxtm help | grep -cE '^  (import|query|types|help) '
+  4
   $ nxtm help | tail -3
   Exit status: 0 success, 1 a command line that is not right, 2 input that is not right,
   3 a store or file that is damaged or cannot be read or written, 4 a store on other
   machines that cannot be reached.
-  $ nxtm help drop | grep -c -- --hash
-  1
+  $ nxtm help drop | grep -E -- 'Usage|--hash'
+  Usage: nxtm drop [OPTIONS] STORE ATTRIBUTE
+    --hash                      the one by hash, in place of the ordered one
   $ nxtm --version | grep -cE '^nxtm [0-9]+(\.[0-9]+)+$'
   1
   $ nxtm manual | grep -c '^.TP'
