@@ -196,3 +196,7 @@ What is asked wrongly.
   21
   $ nxtm completion >complete && . ./complete && COMP_WORDS=(nxtm ind) COMP_CWORD=1 && _nxtm && echo ${COMPREPLY[@]}
   index
+  $ COMP_WORDS=(nxtm help q) COMP_CWORD=2 && _nxtm && echo ${COMPREPLY[@]}
+  query
+  $ COMP_WORDS=(nxtm query --o) COMP_CWORD=2 && _nxtm && echo ${COMPREPLY[@]}
+  --order-by --output
