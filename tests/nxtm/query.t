@@ -122,6 +122,29 @@ Rows as they are asked for.
   5,a,-3,-1e+300,"c, d"
   $ nxtm query five 'n = 77' --max n,word
   ,
+  $ nxtm query five 'n > 0' --count --output json
+  nxtm: --count, --min and --max print one row of CSV and go with no other form of records
+  [1]
+  $ printf 'b NxInt64\nh long format=%%lx\nd NxDate format=%%Y\nt NxTime format=%%H\n' >s4
+  $ printf '9007199254740992,10,2004,11\n-9007199254740993,ff,1999,12\n' >d4
+  $ nxtm import s4 d4 four >log && nxtm query four 'b != 0' --output json
+  [
+    {"b": 9007199254740992, "h": "10", "d": "2004", "t": "11"},
+    {"b": "-9007199254740993", "h": "ff", "d": "1999", "t": "12"}
+  ]
+  $ printf 'name NxString\nnote NxString\n' >s2; echo 'Görlitz,a note that is longer than the line' >d2
+  $ nxtm import s2 d2 two >log
+  $ script -qec "stty cols 20; nxtm query two 'name > a' --output table" /dev/null </dev/null | tr -d '\r'
+  name     note
+  Görlitz  a note tha\xe2\x80\xa6 (esc)
+  $ seq 5000 | shuf --random-source=/dev/zero >d1; echo 'n long' >s1; nxtm import s1 d1 one >log
+  $ nxtm query one 'n > 0' --order-by 'n desc' --limit 3
+  5000
+  4999
+  4998
+  $ nxtm query one 'n > 0' >/dev/full
+  nxtm: the output cannot be written
+  [3]
   $ nxtm query five 'n = 2' --output xml
   nxtm: 'xml' is no form of rows (csv, json, table)
   [1]
@@ -158,13 +181,22 @@ What is asked wrongly.
   CONDITION is required
   Run with --help for more information.
   [1]
+  $ nxtm help | grep -cE '^  (import|query|types|help) '
+  4
   $ nxtm help | tail -3
   Exit status: 0 success, 1 a command line that is not right, 2 input that is not right,
   3 a store or file that is damaged or cannot be read or written, 4 a store on other
   machines that cannot be reached.
-  $ nxtm help drop | grep -c -- --hash
+  $ nxtm help drop | grep -E -- 'Usage|--hash'
+  Usage: nxtm drop [OPTIONS] STORE ATTRIBUTE
+    --hash                      the one by hash, in place of the ordered one
+  $ nxtm --version | grep -cE '^nxtm [0-9]+(\.[0-9]+)+$'
   1
   $ nxtm manual | grep -c '^.TP'
   21
   $ nxtm completion >complete && . ./complete && COMP_WORDS=(nxtm ind) COMP_CWORD=1 && _nxtm && echo ${COMPREPLY[@]}
   index
+  $ COMP_WORDS=(nxtm help q) COMP_CWORD=2 && _nxtm && echo ${COMPREPLY[@]}
+  query
+  $ COMP_WORDS=(nxtm query --o) COMP_CWORD=2 && _nxtm && echo ${COMPREPLY[@]}
+  --order-by --output

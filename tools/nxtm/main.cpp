@@ -247,8 +247,12 @@ CLI::App* FindCommand(CLI::App& app, const std::string& name) {
 void AddHelp(CLI::App& app, Arguments& a) {
   auto* help = app.add_subcommand("help", "what the commands do, or one of them");
   help->add_option("COMMAND", a.text);
-  help->callback(
-      [&] { std::fputs((a.text.empty() ? &app : FindCommand(app, a.text))->help().c_str(), stdout); });
+  help->callback([&] {
+    // App::help() would tell of the command that was given, which is help.
+    const CLI::App* about = a.text.empty() ? &app : FindCommand(app, a.text);
+    const std::string name = about == &app ? "nxtm" : "nxtm " + about->get_name();
+    std::fputs(app.get_formatter()->make_help(about, name, CLI::AppFormatMode::Normal).c_str(), stdout);
+  });
   auto* manual = app.add_subcommand("manual", "the page of the manual, for man")->group("");
   manual->callback([&] { std::fputs(ManualPage(app).c_str(), stdout); });
   auto* completion = app.add_subcommand("completion", "the completion of commands, for bash")->group("");
@@ -267,7 +271,7 @@ int Run(CLI::App& app, int argc, char** argv) {
     std::fflush(stdout);
     std::fprintf(stderr, "nxtm: %s\n", error.what());
     const auto* const failure = dynamic_cast<const Failure*>(&error);
-    return failure ? failure->status : kInputStatus;
+    return failure ? failure->status : kStoreStatus;
   }
 }
 

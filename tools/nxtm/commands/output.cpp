@@ -43,10 +43,15 @@ class Cells {
     const Field& field = fields[columns_[i]];
     return field.isNull ? TextOfValue{"", true} : converters_[columns_[i]].ToText(field.image);
   }
-  /// Whether the text of a value that is no text or date stands for itself in JSON.
+  /// Whether a text stands for itself in JSON: truth values, and numbers that every reader
+  /// of JSON takes as they are. Those under a format of the column may not be decimal.
   bool IsJsonValue(unsigned long i, const std::string& text) const {
+    constexpr long long kExact = 1LL << 53;
     const Kind kind = FormOf(At(i).type).kind;
-    return (kind == Kind::kPlain || kind == Kind::kReal) && nlohmann::json::accept(text);
+    if ((kind != Kind::kPlain && kind != Kind::kReal) || !At(i).style.format.empty()) return false;
+    const auto value = nlohmann::json::parse(text, nullptr, false);
+    if (!value.is_number_integer()) return !value.is_discarded();
+    return value >= -kExact && value <= kExact;
   }
 
  private:
@@ -72,7 +77,9 @@ class JsonPrinter : public RowPrinter {
   void End() override { Write(any_ ? "\n]\n" : "]\n"); }
 
  private:
-  static std::string Quoted(const std::string& text) { return nlohmann::json(text).dump(); }
+  static std::string Quoted(const std::string& text) {
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  }
 
   Cells cells_;
   bool any_ = false;

@@ -87,7 +87,9 @@ unsigned long FindOrdered(const Schema& schema, const std::string& name) {
 /// Keeps records to print them in the order of some of their attributes.
 class Sorter {
  public:
-  Sorter(const Schema& schema, const std::string& list) : schema_(schema) {
+  /// Of the first `limit` records, 0 meaning all of them.
+  Sorter(const Schema& schema, const std::string& list, unsigned long limit)
+      : schema_(schema), limit_(limit) {
     for (const std::string& item : SplitList(list)) {
       const unsigned long blank = item.find(' ');
       const std::string direction = blank == item.npos ? "" : item.substr(item.find_last_of(' ') + 1);
@@ -115,12 +117,12 @@ class Sorter {
       }
     }
     records_.emplace_back(std::move(key), std::move(record));
+    constexpr unsigned long kSpare = 1000;
+    if (limit_ != 0 && records_.size() / 2 > limit_ + kSpare) Sort();
   }
 
-  void Print(RowPrinter& printer, unsigned long limit) {
-    std::stable_sort(records_.begin(), records_.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-    if (limit != 0 && limit < records_.size()) records_.resize(limit);
+  void Print(RowPrinter& printer) {
+    Sort();
     RecordReader reader(schema_);
     for (const auto& record : records_) {
       reader.Begin(record.second);
@@ -129,7 +131,14 @@ class Sorter {
   }
 
  private:
+  void Sort() {
+    std::stable_sort(records_.begin(), records_.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    if (limit_ != 0 && limit_ < records_.size()) records_.resize(limit_);
+  }
+
   const Schema& schema_;
+  unsigned long limit_;
   std::vector<std::pair<unsigned long, bool>> order_;  // attributes, and whether they descend
   std::vector<std::pair<std::string, std::string>> records_;
 };
@@ -198,8 +207,12 @@ void Query(const std::string& storeFile, const std::string& condition, const Que
   const Condition parsed = Condition::Parse(condition, schema);
   const std::vector<unsigned long> columns = FindColumns(schema, options.select);
   const RowForm form = FindRowForm(options.output);
-  Sorter sorter(schema, options.orderBy);
+  Sorter sorter(schema, options.orderBy, options.limit);
   Figures figures(schema, options);
+  if (figures.AreWanted() &&
+      (form != RowForm::kCsv || sorter.Sorts() || !options.select.empty() || options.limit != 0))
+    throw Failure("--count, --min and --max print one row of CSV and go with no other form of records",
+                  kUsageStatus);
   std::unique_ptr<RowPrinter> printer;
   if (!figures.AreWanted()) printer = RowPrinter::Make(form, schema, columns, options.header);
   Stopwatch watch;
@@ -213,7 +226,7 @@ void Query(const std::string& storeFile, const std::string& condition, const Que
       });
   const double seconds = watch.Seconds();
   if (printer) {
-    sorter.Print(*printer, options.limit);
+    sorter.Print(*printer);
     printer->End();
   } else {
     figures.Print(report.found, options.header);

@@ -70,7 +70,8 @@ std::string BashCompletion(const CLI::App& app) {
       for (const std::string& name : option->get_lnames()) options += (options.empty() ? "--" : " --") + name;
     cases += "      " + command->get_name() + ") words='" + options + "' ;;\n";
   }
-  return "_nxtm() {\n  local word=${COMP_WORDS[COMP_CWORD]} words=\n  if [[ $COMP_CWORD -eq 1 ]]; then\n    "
+  return "_nxtm() {\n  local word=${COMP_WORDS[COMP_CWORD]} words=\n  if [[ $COMP_CWORD -eq 1 || "
+         "${COMP_WORDS[1]} == help ]]; then\n    "
          "words='" +
          names + "'\n  elif [[ $word == -* ]]; then\n    case ${COMP_WORDS[1]} in\n" + cases +
          "    esac\n  else\n    COMPREPLY=($(compgen -f -- \"$word\"))\n    return\n  fi\n"
