@@ -17,6 +17,7 @@
 #include "nxoption.h"
 #include "nxstring.h"
 #include "nxtypes.h"
+#include "strwild.h"
 #include "support/strings.h"
 #include "support/terms.h"
 
@@ -238,7 +239,7 @@ TEST_F(Texts, BoundsHoldWhatAWordListHas) {
     if (round % kCombinations == 0) pattern = MakePattern(words[random() % words.size()].second, random);
     unsigned short op = 0;
     for (unsigned i = 0; i < 6; ++i) op |= round >> i & 1 ? bits[i] : 0;
-    const NxString term = Text(pattern, 1, 2);
+    const NxString term = Make(pattern, 1, 2).text;
     std::size_t begin[7], end[7];
     for (unsigned short relation = 1; relation <= 6; ++relation) {
       NxSortKeyRange range;
