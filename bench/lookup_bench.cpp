@@ -20,6 +20,7 @@
 
 #include "nx_utf_8.h"
 #include "nxlang.h"
+#include "nxsortkey.h"
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "nxtypmgr.h"
@@ -48,6 +49,7 @@ struct Word {
   std::string utf8;
   std::u16string utf16;
   std::string key;  // the image that an index keeps
+  std::string sortKey;
 };
 
 std::string KeyOf(NxString& s) {
@@ -60,6 +62,12 @@ std::string KeyOf(NxString& s) {
   return key;
 }
 
+std::string SortKeyOf(const NxString& s) {
+  std::string key(NxSortKey(kStringTypeId, &s, 8, 0, 0, nullptr, 0), '\0');
+  NxSortKey(kStringTypeId, &s, 8, 0, 0, key.data(), key.size());
+  return key;
+}
+
 /// The words of the list in random order.
 const std::vector<Word>& Words() {
   static const std::vector<Word> words = [] {
@@ -69,7 +77,7 @@ const std::vector<Word>& Words() {
       NxString s(kCodeSetUnicode, kLanguageGerman);
       NxMBS2NxString(line.c_str(), s, static_cast<long>(line.size()));
       const auto* units = reinterpret_cast<const char16_t*>(s.StrGet());
-      made.push_back({line, std::u16string(units, units + s.Len()), KeyOf(s)});
+      made.push_back({line, std::u16string(units, units + s.Len()), KeyOf(s), SortKeyOf(s)});
     }
     if (made.empty()) std::exit((std::fprintf(stderr, "The package wngerman is missing.\n"), 2));
     std::shuffle(made.begin(), made.end(), std::mt19937(1));
@@ -241,6 +249,11 @@ void RegisterKeys(const std::string& group, bool neighbours) {
                 [](const char* a, unsigned n, const char* b, unsigned m) {
                   const MDB_val x = {n, const_cast<char*>(a)}, y = {m, const_cast<char*>(b)};
                   return CompareKeys(&x, &y);
+                });
+  RegisterPairs(group + "/memcmp of sort keys", neighbours, &Word::sortKey,
+                [](const char* a, unsigned n, const char* b, unsigned m) {
+                  const MDB_val x = {n, const_cast<char*>(a)}, y = {m, const_cast<char*>(b)};
+                  return CompareBytes(&x, &y);
                 });
 }
 
