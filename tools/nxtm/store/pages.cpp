@@ -113,6 +113,13 @@ class PageReader {
     return page;
   }
 
+  /// The tree of a table: those of a store order their keys as bytes, and have no options.
+  PageTree TableOn(const TreePage& page, unsigned long at) const {
+    const auto tree = ReadAs<PageTree>(page.bytes, at);
+    if (tree.flags != 0) Fail(page.number, "has a table of another kind");
+    return tree;
+  }
+
   const int file_;
   const Snapshot& snapshot_;
   const std::string& path_;
@@ -186,7 +193,7 @@ class Walk : PageReader {
     else if (inFreeList_)
       OwnFreePages(page.number, page.bytes.substr(at, node.size));
     else if (node.flags & kTree)
-      WalkTree(ReadAs<PageTree>(page.bytes, at), page.number);
+      WalkTree(TableOn(page, at), page.number);
   }
 
   /// Returns how many pages it has.
@@ -226,7 +233,7 @@ class RangeWalk : PageReader {
         continue;
       }
       if (page.Key(i) != name) return;
-      const auto tree = ReadAs<PageTree>(page.bytes, page.DataPlace(i));
+      const PageTree tree = TableOn(page, page.DataPlace(i));
       levels_ = tree.depth;
       WalkTree({tree.root, {}, {}, 0}, from, to);
       return;
