@@ -19,6 +19,7 @@
 namespace {
 
 constexpr std::size_t kValues = 1024;
+constexpr std::size_t kManyValues = 16384;  // whose lengths a processor does not learn to foresee
 constexpr char kIso[] = "%Y-%m-%dT%H:%M:%S";
 constexpr char kLong[] = "%a %e.%b %Y %I:%M:%S %p";
 
@@ -49,10 +50,10 @@ std::vector<std::tm> Calendars() {
 
 /// Numbers of all magnitudes, most of them long.
 template <class Int>
-std::vector<Int> Numbers() {
+std::vector<Int> Numbers(std::size_t count = kValues) {
   std::mt19937_64 random(10);
   std::vector<Int> values;
-  for (std::size_t i = 0; i < kValues; ++i)
+  for (std::size_t i = 0; i < count; ++i)
     values.push_back(static_cast<Int>(static_cast<Int>(random()) >> random() % 24));
   return values;
 }
@@ -111,9 +112,9 @@ void ScanCalendar(benchmark::State& state) {
 }
 
 template <class Int>
-void PrintNumber(benchmark::State& state) {
+void PrintNumber(benchmark::State& state, std::size_t count) {
   char text[32];
-  Measure(state, Numbers<Int>(), [&](Int& value) {
+  Measure(state, Numbers<Int>(count), [&](Int& value) {
     benchmark::DoNotOptimize(std::to_chars(text, text + sizeof text, value).ptr);
     benchmark::DoNotOptimize(text);
   });
@@ -130,9 +131,9 @@ void ScanNumber(benchmark::State& state) {
   });
 }
 
-std::vector<NxInt64> Wide() {
+std::vector<NxInt64> Wide(std::size_t count = kValues) {
   std::vector<NxInt64> values;
-  for (long long v : Numbers<long long>()) values.push_back(NxInt64::FromWide(v));
+  for (long long v : Numbers<long long>(count)) values.push_back(NxInt64::FromWide(v));
   return values;
 }
 
@@ -154,12 +155,16 @@ int main(int argc, char** argv) {
   Register("date-time from ISO text/strptime", ScanCalendar);
   Register("date-time from ISO text/NxDateTime",
            [](State& s) { Scan(s, DateTimes(), DaTimePrintToNxString, DaTimeScanFromNxString, kIso); });
-  Register("int64 to text/to_chars", PrintNumber<long long>);
-  Register("int64 to text/NxInt64", [](State& s) { Print(s, Wide(), Int64PrintToNxString, "%S"); });
+  for (std::size_t count : {kValues, kManyValues}) {
+    const std::string group = "int64 to text, " + std::to_string(count) + " values/";
+    Register((group + "to_chars").c_str(), [=](State& s) { PrintNumber<long long>(s, count); });
+    Register((group + "NxInt64").c_str(),
+             [=](State& s) { Print(s, Wide(count), Int64PrintToNxString, "%S"); });
+  }
   Register("int64 from text/from_chars", ScanNumber<long long>);
   Register("int64 from text/NxInt64",
            [](State& s) { Scan(s, Wide(), Int64PrintToNxString, Int64ScanFromNxString, "%S"); });
-  Register("long to text/to_chars", PrintNumber<long>);
+  Register("long to text/to_chars", [](State& s) { PrintNumber<long>(s, kValues); });
   Register("long to text/slot", [](State& s) { Print(s, Numbers<long>(), LongPrintToNxString, "%ld"); });
   Register("long from text/from_chars", ScanNumber<long>);
   Register("long from text/slot",

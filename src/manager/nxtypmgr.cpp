@@ -13,6 +13,8 @@
 #include "nxtypes.h"
 #include "nxtypfmt.h"
 #include "slots/nxconvkit.h"
+#include "strwild.h"
+#include "text/nxstrbuild.h"
 
 namespace {
 
@@ -228,19 +230,54 @@ namespace {
 
 constexpr unsigned short kNoSeparator = 65535;
 
-/// Where the separator stands in text from pos on; kNoSeparator for nowhere. What is found
-/// may be a character that begins like the separator, as a quarter does like a raised one.
-unsigned short FindSeparator(const NxString& text, const NxString& separator, unsigned short pos) {
-  for (;; ++pos) {
-    pos = static_cast<unsigned short>(text.Find(separator, pos, kWildcardsOff));
-    if (pos == kNoSeparator || text.Copy(pos, 1).EqualsIgnoreLanguage(separator)) return pos;
+/// The places of a separator in a text. It is looked for as NxString::Find does, which may
+/// find a character that begins like the separator, as a quarter does like a raised one: those
+/// are none. What was found of a character holds wherever it stands.
+class SeparatorPlaces {
+ public:
+  SeparatorPlaces(const NxString& text, const NxString& separator)
+      : text_(text), separator_(separator), width_(NxCharWidth(text._nCodeSet)) {
+    // The sizes in bytes decide where a search ends, whatever the widths.
+    const long last = text._nSize - width_ - (separator._nSize - separator.NullLen());
+    if (text._pBuffer && separator._pBuffer && last >= 0)
+      end_ = std::min<unsigned long>(text.Len(), static_cast<unsigned long>(last / width_ + 1));
   }
-}
+
+  /// The first place from pos on; kNoSeparator for none.
+  unsigned short From(unsigned long pos) {
+    while (pos < end_ && !IsAt(text_._pBuffer + pos * static_cast<unsigned long>(width_))) ++pos;
+    return pos < end_ ? static_cast<unsigned short>(pos) : kNoSeparator;
+  }
+
+ private:
+  static constexpr unsigned kRemembered = 256;
+  enum : unsigned char { kUnknown, kOther, kEqual };
+
+  bool IsAt(const char* place) {
+    const unsigned character = NxCharAt(place, static_cast<unsigned>(width_));
+    unsigned char any = kUnknown, &known = character < kRemembered ? known_[character] : any;
+    if (known == kUnknown) known = Equals(place) ? kEqual : kOther;
+    return known == kEqual &&
+           NxStrCmp(text_._nCodeSet, text_._nLanguage, place, separator_._nCodeSet, separator_._nLanguage,
+                    separator_._pBuffer, kWildcardsOff, 1, kFormatNative, nullptr) == 0;
+  }
+  bool Equals(const char* place) const {
+    NxString character(text_._nCodeSet, text_._nLanguage);
+    NxComposeText(character, place, text_._nCodeSet, 1);
+    return character.EqualsIgnoreLanguage(separator_) != 0;
+  }
+
+  const NxString& text_;
+  const NxString& separator_;
+  long width_;
+  unsigned long end_ = 0;
+  unsigned char known_[kRemembered] = {};
+};
 
 bool AnyContains(NxTypeConvertData& strings, const NxString& separator) {
   int i = 0;
   while (const NxString* s = strings.GetString(i++))
-    if (FindSeparator(*s, separator, 0) != kNoSeparator) return true;
+    if (SeparatorPlaces(*s, separator).From(0) != kNoSeparator) return true;
   return false;
 }
 
@@ -264,16 +301,19 @@ void CutFront(NxString& text, unsigned long n) {
 /// separator ends. The part behind it stays empty.
 NxString* SplitParts(const NxString& text, const NxString& separator, unsigned long& count,
                      unsigned short& pos) {
+  SeparatorPlaces places(text, separator);
   pos = 0;
   count = 1;
-  for (unsigned short at; (at = FindSeparator(text, separator, pos)) != kNoSeparator; ++count) pos = at + 1;
+  for (unsigned short at; (at = places.From(pos)) != kNoSeparator; ++count) pos = at + 1;
 
   auto* parts = static_cast<NxString*>(NxStringCreate(count));
   if (!parts) return nullptr;
   pos = 0;
   for (unsigned long i = 0; i + 1 < count; ++i) {
-    const unsigned short at = FindSeparator(text, separator, pos);
-    parts[i] = text.Copy(pos, static_cast<short>(at - pos));
+    const unsigned short at = places.From(pos);
+    NxString part(text._nCodeSet, text._nLanguage);
+    NxComposeText(part, text._pBuffer + pos * NxCharWidth(text._nCodeSet), text._nCodeSet, at - pos);
+    parts[i] = part;
     pos = at + 1;
   }
   return parts;

@@ -51,8 +51,8 @@ class DecimalText {
   unsigned long Length() const { return lead_ + 9 * nines_; }
   /// Returns the place behind it.
   char* Put(char* place) const {
-    place += lead_;
-    NxPutDecimal(place, part_[nines_]);
+    if (nines_ == 0) return NxPutDecimal(place + lead_, part_[0]) + lead_;
+    place = NxPutLeading(place, part_[nines_], lead_);
     for (unsigned long i = nines_; i-- > 0;) place = NxPutNine(place, part_[i]);
     return place;
   }

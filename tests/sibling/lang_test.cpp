@@ -1,16 +1,11 @@
 // The language library: every character has an order of its own, code sets map
-// there and back, each mechanism of the collation data is at work in a language,
-// and the checked-in tables are what their script makes of Unicode's files.
+// there and back, and each mechanism of the collation data is at work in a language.
 
 #include "nxlang.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -219,39 +214,6 @@ TEST(Mapping, EveryByteGoesToUnicodeAndBack) {
               kNoCharacter)
         << "no 8-bit character is above 255";
   }
-}
-
-// ---------------------------------------------------------------------------
-// The table source
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-/// The Unicode version that follows `mark` in a text.
-std::string VersionAfter(const std::string& text, const std::string& mark) {
-  const std::size_t at = text.find(mark);
-  if (at == std::string::npos) return "none";
-  return text.substr(at + mark.size(), text.find_first_of(";\r\n", at) - at - mark.size());
-}
-
-TEST(TableSource, IsWhatTheScriptMakes) {
-  const std::string source = NX_SOURCE_DIR "/sibling/in/";
-  const std::string unicode = "/usr/share/unicode";
-  const std::string checkedIn = ReadFile(source + "nxlangdata.inc");
-  ASSERT_FALSE(checkedIn.empty());
-  if (std::system("python3 -c '' 2>/dev/null") != 0) GTEST_SKIP() << "python3 is not installed";
-  const std::string found = VersionAfter(ReadFile(unicode + "/allkeys.txt"), "@version ");
-  if (found != VersionAfter(checkedIn, "Unicode ")) GTEST_SKIP() << "Unicode's files here: " << found;
-
-  const std::string made = ::testing::TempDir() + "nxlangdata_made.inc";
-  const std::string command = "python3 '" + source + "make_nxlangdata.py' " + unicode + " '" + made + "'";
-  ASSERT_EQ(std::system(command.c_str()), 0);
-  EXPECT_TRUE(ReadFile(made) == checkedIn) << "run sibling/in/make_nxlangdata.py";
-  std::remove(made.c_str());
 }
 
 }  // namespace
