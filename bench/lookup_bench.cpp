@@ -1,6 +1,7 @@
 // An ordered index of the German words: look-ups in LMDB in random order, with the
-// table compared by the type manager on key images, by ICU on words, and by memcmp;
-// and the comparison of key images by itself, beside ICU's of the words.
+// table compared by ICU on words, by memcmp on words, by the type manager on key images,
+// and on sort keys as LMDB compares and by a short comparator; and the comparison of
+// key images and sort keys by itself, beside ICU's of the words. Keys are ready.
 
 #include <benchmark/benchmark.h>
 #include <lmdb.h>
@@ -20,6 +21,7 @@
 
 #include "nx_utf_8.h"
 #include "nxlang.h"
+#include "nxsortkey.h"
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "nxtypmgr.h"
@@ -47,7 +49,8 @@ const UCollator* Collator() {
 struct Word {
   std::string utf8;
   std::u16string utf16;
-  std::string key;  // the image that an index keeps
+  std::string key;  // its image
+  std::string sortKey;
 };
 
 std::string KeyOf(NxString& s) {
@@ -60,6 +63,12 @@ std::string KeyOf(NxString& s) {
   return key;
 }
 
+std::string SortKeyOf(NxString& s) {
+  std::string key(512, '\0');
+  key.resize(NxSortKey(kStringTypeId, &s, 8, 0, 0, &key[0], key.size()));
+  return key;
+}
+
 /// The words of the list in random order.
 const std::vector<Word>& Words() {
   static const std::vector<Word> words = [] {
@@ -69,7 +78,7 @@ const std::vector<Word>& Words() {
       NxString s(kCodeSetUnicode, kLanguageGerman);
       NxMBS2NxString(line.c_str(), s, static_cast<long>(line.size()));
       const auto* units = reinterpret_cast<const char16_t*>(s.StrGet());
-      made.push_back({line, std::u16string(units, units + s.Len()), KeyOf(s)});
+      made.push_back({line, std::u16string(units, units + s.Len()), KeyOf(s), SortKeyOf(s)});
     }
     if (made.empty()) std::exit((std::fprintf(stderr, "The package wngerman is missing.\n"), 2));
     std::shuffle(made.begin(), made.end(), std::mt19937(1));
@@ -99,6 +108,25 @@ int CompareBytes(const MDB_val* a, const MDB_val* b) {
   return order != 0 ? order : static_cast<int>(a->mv_size) - static_cast<int>(b->mv_size);
 }
 
+unsigned FourBytes(const unsigned char* bytes) {
+  unsigned value;
+  std::memcpy(&value, bytes, sizeof value);
+  return __builtin_bswap32(value);
+}
+
+/// The order of CompareBytes, without a call.
+int CompareInPlace(const MDB_val* a, const MDB_val* b) {
+  const auto* x = static_cast<const unsigned char*>(a->mv_data);
+  const auto* y = static_cast<const unsigned char*>(b->mv_data);
+  const std::size_t n = std::min(a->mv_size, b->mv_size);
+  std::size_t i = 0;
+  for (; i + 4 <= n; i += 4)
+    if (const unsigned v = FourBytes(x + i), w = FourBytes(y + i); v != w) return v < w ? -1 : 1;
+  for (; i < n; ++i)
+    if (x[i] != y[i]) return x[i] - y[i];
+  return static_cast<int>(a->mv_size) - static_cast<int>(b->mv_size);
+}
+
 // ---------------------------------------------------------------------------
 // Look-ups
 
@@ -109,7 +137,7 @@ void Check(int code) {
 MDB_val Val(const std::string& bytes) { return {bytes.size(), const_cast<char*>(bytes.data())}; }
 
 /// A table of the words, each with its number, filled in order; and the words one
-/// behind the other as they are looked up.
+/// behind the other as they are looked up. LMDB compares where `compare` is null.
 class Table {
  public:
   Table(MDB_cmp_func* compare, std::string Word::*key) {
@@ -121,10 +149,10 @@ class Table {
     std::filesystem::remove(file);  // it lives as long as it is open
     Check(mdb_txn_begin(env_, nullptr, 0, &txn_));
     Check(mdb_dbi_open(txn_, nullptr, 0, &table_));
-    Check(mdb_set_compare(txn_, table_, compare));
-    Fill(compare, key);
+    if (compare) Check(mdb_set_compare(txn_, table_, compare));
+    Fill(compare ? compare : CompareBytes, key);
     Check(mdb_txn_begin(env_, nullptr, MDB_RDONLY, &txn_));
-    Check(mdb_set_compare(txn_, table_, compare));
+    if (compare) Check(mdb_set_compare(txn_, table_, compare));
     for (const Word& word : Words()) {
       texts_ += word.*key;
       ends_.push_back(texts_.size());
@@ -242,6 +270,15 @@ void RegisterKeys(const std::string& group, bool neighbours) {
                   const MDB_val x = {n, const_cast<char*>(a)}, y = {m, const_cast<char*>(b)};
                   return CompareKeys(&x, &y);
                 });
+  const auto sortKeys = [&](const char* name, MDB_cmp_func* compare) {
+    RegisterPairs(group + name, neighbours, &Word::sortKey,
+                  [compare](const char* a, unsigned n, const char* b, unsigned m) {
+                    const MDB_val x = {n, const_cast<char*>(a)}, y = {m, const_cast<char*>(b)};
+                    return compare(&x, &y);
+                  });
+  };
+  sortKeys("/sort keys, memcmp", CompareBytes);
+  sortKeys("/sort keys, in place", CompareInPlace);
 }
 
 }  // namespace
@@ -249,8 +286,10 @@ void RegisterKeys(const std::string& group, bool neighbours) {
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   RegisterLookUp("LookUp/ucol_strcollUTF8", CompareByIcu, &Word::utf8);
-  RegisterLookUp("LookUp/memcmp", CompareBytes, &Word::utf8);
+  RegisterLookUp("LookUp/memcmp of the words", nullptr, &Word::utf8);
   RegisterLookUp("LookUp/Cmp", CompareKeys, &Word::key);
+  RegisterLookUp("LookUp/sort keys, memcmp", nullptr, &Word::sortKey);
+  RegisterLookUp("LookUp/sort keys, in place", CompareInPlace, &Word::sortKey);
   RegisterKeys("NeighbourKeys", true);
   RegisterKeys("RandomKeys", false);
   benchmark::RunSpecifiedBenchmarks();

@@ -99,18 +99,20 @@ void MeasureQuery(const Directory& directory) {
 // ---------------------------------------------------------------------------
 // Estimates
 
-/// One indexed attribute and the images of all its values, sorted.
+/// One indexed attribute and all records, sorted by its values.
 class Attribute {
  public:
   Attribute(Store& store, const std::string& name)
-      : store_(store), name_(name), place_(store.GetSchema().Find(name)) {
-    const char type = store.GetSchema().Columns()[place_].type;
+      : store_(store), name_(name), place_(store.GetSchema().Find(name)), reader_(store.GetSchema()) {
     store.ForEach([&](unsigned int, std::string_view record) {
-      values_.emplace_back(nxtm::FieldOf(store.GetSchema(), record, place_).image);
+      records_.emplace_back(record);
+      return true;
     });
-    std::sort(values_.begin(), values_.end(), [type](Image a, Image b) {
+    std::sort(records_.begin(), records_.end(), [this](const std::string& a, const std::string& b) {
+      Image x = Value(a), y = Value(b);
       int error;
-      return nxtm::Manager().Cmp(type, a.size(), &a[0], b.size(), &b[0], kWildcardsOff, 1, 1, error) < 0;
+      const char type = store_.GetSchema().Columns()[place_].type;
+      return nxtm::Manager().Cmp(type, x.size(), &x[0], y.size(), &y[0], kWildcardsOff, 1, 1, error) < 0;
     });
   }
 
@@ -133,9 +135,11 @@ class Attribute {
     const auto first = [&](unsigned short relations) {
       Condition ranged = condition;
       ranged.term.relation = relations;
-      const auto end = std::partition_point(values_.begin(), values_.end(),
-                                            [&](const Image& value) { return Matches(ranged, value); });
-      return static_cast<double>(end - values_.begin()) / static_cast<double>(values_.size());
+      const auto end = std::partition_point(records_.begin(), records_.end(), [&](const std::string& record) {
+        reader_.Begin(record);
+        return ranged.Matches(store_.GetSchema(), reader_);
+      });
+      return static_cast<double>(end - records_.begin()) / static_cast<double>(records_.size());
     };
     const double below = first(kRelationLess), upTo = first(kRelationLess | kRelationEqual);
     if (relation == "<") return below;
@@ -145,16 +149,15 @@ class Attribute {
     if (relation == "=") return upTo - below;
     return 1 - (upTo - below);
   }
-  bool Matches(const Condition& condition, const Image& value) const {
-    std::vector<nxtm::Field> fields(store_.GetSchema().Columns().size());
-    fields[place_] = {value, false};
-    return condition.Matches(store_.GetSchema(), fields);
+  Image Value(const std::string& record) const {
+    return Image(nxtm::FieldOf(store_.GetSchema(), record, place_).image);
   }
 
   Store& store_;
   std::string name_;
   unsigned long place_;
-  std::vector<Image> values_;
+  mutable nxtm::RecordReader reader_;
+  std::vector<std::string> records_;
 };
 
 void MeasureEstimates(const Directory& directory, const std::vector<std::string>& words) {

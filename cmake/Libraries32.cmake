@@ -1,6 +1,5 @@
 # Libraries of others that the tools and benchmarks use, as 32-bit targets:
 #   nx_library32(lmdb32)       lmdb.h
-#   nx_library32(csv32)        csv.h
 #   nx_library32(xxhash32)     xxhash.h
 #   nx_library32(curl32)       curl/curl.h
 #   nx_library32(benchmark32)  Google Benchmark
@@ -16,10 +15,6 @@ function(nx_library32 target)
     set(packages "liblmdb-dev:i386")
     set(header lmdb.h)
     set(libraries lmdb)
-  elseif(target STREQUAL "csv32")
-    set(packages "libcsv-dev:i386")
-    set(header csv.h)
-    set(libraries csv)
   elseif(target STREQUAL "xxhash32")
     set(packages "libxxhash-dev:i386")
     set(header xxhash.h)

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "collation/nxstrcmp.h"
+#include "collation/nxtextkey.h"
 #include "input.h"
 #include "nx_utf_8.h"
 #include "nxbase.h"
@@ -254,6 +255,30 @@ void ConvertUtf8(Input& in) {
 
 int Sign(long order) { return order < 0 ? -1 : order > 0; }
 
+/// Whether texts have a common order with wildcards off: texts without code set have none
+/// with others, and order values alone come without the selectors of the others.
+bool HaveKeys(unsigned char cs1, unsigned char cs2) {
+  return (cs1 == kCodeSetNone) == (cs2 == kCodeSetNone) && cs1 != kCodeSetOrderValues &&
+         cs2 != kCodeSetOrderValues;
+}
+
+/// The bytes of two sort keys order as the texts do, and no key begins another one.
+void CompareKeys(const NxKeyText& a, const NxKeyText& b) {
+  const auto write = [](const NxKeyText& text, void* key, unsigned long room) {
+    NxKeyWriter writer(key, room);
+    Require(NxWriteTextKey(text, writer));
+    return writer.Length();
+  };
+  const Block first(write(a, nullptr, 0)), second(write(b, nullptr, 0));
+  Require(write(a, first.Data(), first.Size()) == first.Size());
+  Require(write(b, second.Data(), second.Size()) == second.Size());
+  const unsigned long n = std::min(first.Size(), second.Size());
+  const int bytes = std::memcmp(first.Data(), second.Data(), n);
+  Require(bytes != 0 || first.Size() == second.Size());
+  Require(Sign(bytes) == Sign(NxStrCmp(a.codeSet, a.language, a.text, b.codeSet, b.language, b.text,
+                                       kWildcardsOff, -1, a.byteOrder, nullptr)));
+}
+
 void CompareTexts(Input& in) {
   const unsigned char cs1 = in.Byte(), lang1 = in.Byte(), cs2 = in.Byte(), lang2 = in.Byte();
   const unsigned short options = in.Word();
@@ -273,6 +298,7 @@ void CompareTexts(Input& in) {
     Require(Sign(order) == -Sign(reverse));
     Require(NxStrCmp(cs1, lang1, Text(a), cs1, lang1, Text(a), options, length, byteOrder, nullptr) == 0);
   }
+  if (HaveKeys(cs1, cs2)) CompareKeys({cs1, lang1, Text(a), byteOrder}, {cs2, lang2, Text(b), byteOrder});
   short bytePosition = 0;
   const int wildcard = NxStrWild(cs2, lang2, Text(b), options & 1, length, &bytePosition, byteOrder);
   Require(wildcard >= -1 && (wildcard >= 0 || bytePosition == -1));

@@ -102,9 +102,8 @@ constexpr CivilDate DateOf(long dayNumber) {
           static_cast<signed char>((monthAndDay & 0xFFFF) / 2141 + 1)};
 }
 
-/// 0 for Monday to 6 for Sunday, for every date from year 1 on. For earlier years a
-/// negative congruence counts as Sunday.
-constexpr int Weekday(long year, long month, long day) {
+/// Weekday for any fields.
+[[gnu::noinline]] constexpr int GeneralWeekday(long year, long month, long day) {
   const long y = year + YearShift(month);
   const long m = month + 10 - (month + 10) / 13 * 12;  // March is 1
   const long century = y / 100;
@@ -112,6 +111,13 @@ constexpr int Weekday(long year, long month, long day) {
   long r = w % 7;
   if (r < 0 && year > 0) r += 7;
   return r <= 0 ? 6 : static_cast<int>(r - 1);
+}
+
+/// 0 for Monday to 6 for Sunday, for every date from year 1 on. For earlier years a
+/// negative congruence counts as Sunday.
+constexpr int Weekday(long year, long month, long day) {
+  if (year < 1 || month < 1 || month > 13) return GeneralWeekday(year, month, day);
+  return static_cast<int>(static_cast<unsigned long>(DayNumber(year, month, day)) % 7);  // day 0 was a Monday
 }
 
 // ---------------------------------------------------------------------------

@@ -2,8 +2,6 @@
 #ifndef NXKEYWRITER_H
 #define NXKEYWRITER_H
 
-#include <cstring>
-
 class NxKeyWriter {
  public:
   /// `descending` turns the order of the keys round: every byte is complemented.
@@ -14,14 +12,11 @@ class NxKeyWriter {
     if (length_ < room_) key_[length_] = static_cast<unsigned char>(byte ^ flip_);
     ++length_;
   }
-  void PutAll(const unsigned char* bytes, unsigned long n) {
-    if (flip_ == 0 && length_ + n <= room_) {
-      std::memcpy(key_ + length_, bytes, n);
-      length_ += n;
-    } else {
-      while (n-- > 0) Put(*bytes++);
-    }
-  }
+  /// Bytes that can be put at Place() by oneself; TakeUpTo then counts them in. None in a
+  /// descending key.
+  unsigned long Room() const { return flip_ == 0 && length_ < room_ ? room_ - length_ : 0; }
+  unsigned char* Place() const { return key_ + length_; }
+  void TakeUpTo(const unsigned char* end) { length_ = static_cast<unsigned long>(end - key_); }
   /// The low 16 bits, the high byte first.
   void Put16(unsigned value) {
     Put(value >> 8 & 0xFF);

@@ -49,8 +49,12 @@ const NxOrderTable* NxOrderTable::Find(unsigned char codeSet, unsigned char lang
 }
 
 void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
+  NxString::GetAsterisk();  // from now on they are known
+  NxString::GetQuestion();
   entries[0] = {0, 0, 0, false};
-  sortBytes[0] = sortMarks[0] = 0;
+  contracts = false;
+  sortBytes[0] = {0, 0};
+  hashKeys[0] = kNeedsIterator;
   for (unsigned value = 1; value < 256; ++value) {
     const unsigned short text[2] = {static_cast<unsigned short>(value), 0};
     NxStringIterator it(reinterpret_cast<const char*>(text), codeSet, language, kFormatNative);
@@ -62,6 +66,7 @@ void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
     records[value] = nullptr;
     if (!record || record->followers || record->expansion || (entry.key & kMarks) != 0) {
       if ((entry.key & kMarks) == 0) records[value] = record;
+      contracts = contracts || value < 128 || (record && record->followers);
       entry.key |= kMarks;
       entry.order = 0;
       entry.equalsItself = record && !record->followers && OnlyLetters(order, record->expansion);
@@ -70,8 +75,8 @@ void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
     } else {
       entry.key |= kNotPlain;
     }
-    sortBytes[value] = sortMarks[value] = 0;
-    if ((entry.key & kMarks) == 0) NxSortBytesOf(order, selector, sortBytes[value], sortMarks[value]);
+    hashKeys[value] = entry.key & kNeedsIterator ? kNeedsIterator : entry.key & ~kNotPlain;
+    sortBytes[value] = entry.key & kMarks ? SortBytes{0, 0} : NxSortBytesOf(order, selector);
   }
 }
 

@@ -42,17 +42,36 @@ class NxOrderTable {
            NxLoadRelaxed(NxString::_nQuestion) < kFirstDigitOrder;
   }
 
-  const Entry& EntryOf(char c) const { return entries[static_cast<unsigned char>(c)]; }
+  /// Whether the wildcards are the bytes "*" and "?" and no others.
+  bool WildcardsAreUsual() const {
+    return NxLoadRelaxed(NxString::_nAsterisk) == EntryOf('*').order &&
+           NxLoadRelaxed(NxString::_nQuestion) == EntryOf('?').order;
+  }
 
+  const Entry& EntryOf(char c) const { return entries[static_cast<unsigned char>(c)]; }
+  /// Whether a character may make one with what follows it.
+  bool Contracts(char c) const {
+    const NxCharInfo* const record = records[static_cast<unsigned char>(c)];
+    return (EntryOf(c).key & kNeedsIterator) && !(record && !record->followers);
+  }
+
+  /// Whether any character may, or one of ASCII needs the iterator.
+  bool contracts;
   Entry entries[256];
   /// The records of the characters that are marked kNeedsIterator and whose key without
   /// marks is that of their first order value; else null.
   const NxCharInfo* records[256];
 
-  /// What sort keys need of a plain digit or letter of the first selector: its byte (0 for
-  /// other characters), and its accent and capital. See nxtextkey.cpp.
-  unsigned char sortBytes[256];
-  unsigned char sortMarks[256];
+  /// The compare key of a character of one order value, as hashes take it in; kNeedsIterator
+  /// for any other one and for the end of a text.
+  unsigned hashKeys[256];
+
+  /// What sort keys have of a plain digit or letter of the first selector. See nxtextkey.h.
+  struct SortBytes {
+    unsigned char letter;  // 0 for other characters
+    unsigned char mark;    // accent and capital
+  };
+  SortBytes sortBytes[256];
 
   static constexpr unsigned kCodeSets = 8;  // 8-bit code sets that tables are kept for, a power of two
 

@@ -67,6 +67,11 @@ struct NxMatchRule {
   unsigned short question;      //
 };
 
+/// The difference of a text that ends where the pattern has a character.
+inline int NxEndBefore(unsigned key, bool isQuestion) {
+  return isQuestion ? -1 : NxLevels::OfBaseLetters(0, key & ~NxOrderTable::kMarks);
+}
+
 /// Matches a text against a pattern from a star on. Each part of the pattern, up to its
 /// next star, is taken where it occurs first: what lies behind is found from there as well
 /// as from any later place. So nothing is ever tried again for the sake of a part before.
@@ -119,7 +124,7 @@ class NxPatternSearch {
       if (key0 == 0) {
         if (key1 == 0) return NxMatch::kMatches;
         // This is the earliest place from which the text goes along with the pattern.
-        difference_ = order == rule_.question ? -1 : NxLevels::OfBaseLetters(0, key1 & ~NxOrderTable::kMarks);
+        difference_ = NxEndBefore(key1, order == rule_.question);
         return NxMatch::kDiffers;
       }
       if (order != rule_.question && ((key0 ^ key1) & rule_.mask) != 0) return NxMatch::kNotHere;

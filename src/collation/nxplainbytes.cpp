@@ -2,26 +2,60 @@
 
 #include "collation/nxplainbytes.h"
 
-[[gnu::noinline, gnu::regparm(3)]] unsigned NxCountSameBytes(const NxOrderTable& table, const char* a,
-                                                             const char* b) {
-  unsigned i = 0;
-  for (;; i += 2) {
-    if (a[i] != b[i] || !table.EntryOf(a[i]).equalsItself) return i;
-    if (a[i + 1] != b[i + 1] || !table.EntryOf(a[i + 1]).equalsItself) return i + 1;
+namespace {
+
+template <class Ends>
+[[gnu::noinline]] NX_READS_BLOCKS unsigned long long FindStopsFrom(const char* a, const char* b, Ends ends,
+                                                                   unsigned begin) {
+  for (;; begin += kBlockBytes)
+    if (const unsigned bits = NxStopsAt(a + begin, b + begin, ends.Ahead(a + begin, b + begin)))
+      return NxStops(begin, bits).Both();
+}
+
+template <class Ends>
+NX_READS_BLOCKS inline unsigned long long FindStops(const char* a, const char* b, Ends ends) {
+  if (const unsigned bits = NxStopsAt(a, b, ends.Ahead(a, b))) return NxStops(0, bits).Both();
+  return FindStopsFrom(a, b, ends, kBlockBytes);
+}
+
+template <class Ends>
+inline NxVerdict CompareLesserLevels(const NxOrderTable& table, const char* a, const char* b, Ends ends,
+                                     unsigned long long stops, unsigned short op, int& result) {
+  NxLevels levels;
+  unsigned begin = NxStops(stops).Begin();
+  for (unsigned bits = NxStops(stops).Bits();;) {
+    for (; bits != 0; bits &= bits - 1) {
+      const unsigned i = begin + static_cast<unsigned>(__builtin_ctz(bits));
+      const unsigned key0 = table.EntryOf(a[i]).key;
+      const unsigned key1 = table.EntryOf(b[i]).key;
+      if (((key0 | key1) & NxOrderTable::kNotPlain) || NxMayContract(table, a, i))
+        return NxVerdict::kUnsuited;
+      result = NxLevels::OfBaseLetters(key0, key1);
+      if (result == 0 && key0 == 0) result = levels.OfLetters(op);  // both texts end
+      if (result != 0 || key0 == 0) return NxVerdict::kDecided;
+      levels.TakePair(key0, key1);
+    }
+    const NxStops next(FindStopsFrom(a, b, ends, begin + kBlockBytes));
+    begin = next.Begin();
+    bits = next.Bits();
   }
 }
 
-NxVerdict NxCompareLesserLevels(const NxOrderTable& table, const char* a, const char* b, unsigned same,
-                                unsigned short op, int& result) {
-  NxLevels levels;
-  for (unsigned i = same;; ++i) {
-    while (a[i] == b[i] && table.EntryOf(a[i]).equalsItself) ++i;
-    const unsigned key0 = table.EntryOf(a[i]).key;
-    const unsigned key1 = table.EntryOf(b[i]).key;
-    if ((key0 | key1) & NxOrderTable::kNotPlain) return NxVerdict::kUnsuited;
-    result = NxLevels::OfBaseLetters(key0, key1);
-    if (result == 0 && key0 == 0) result = levels.OfLetters(op);  // both texts end
-    if (result != 0 || key0 == 0) return NxVerdict::kDecided;
-    levels.TakePair(key0, key1);
-  }
+}  // namespace
+
+[[gnu::noinline]] NX_READS_BLOCKS unsigned long long NxFindStops(const char* a, const char* b,
+                                                                 NxZeroEnds ends) {
+  return FindStops(a, b, ends);
+}
+[[gnu::noinline]] unsigned long long NxFindStops(const char* a, const char* b, NxKnownEnds ends) {
+  return FindStops(a, b, ends);
+}
+
+NxVerdict NxCompareLesserLevels(const NxOrderTable& table, const char* a, const char* b, NxZeroEnds ends,
+                                unsigned long long stops, unsigned short op, int& result) {
+  return CompareLesserLevels(table, a, b, ends, stops, op, result);
+}
+NxVerdict NxCompareLesserLevels(const NxOrderTable& table, const char* a, const char* b, NxKnownEnds ends,
+                                unsigned long long stops, unsigned short op, int& result) {
+  return CompareLesserLevels(table, a, b, ends, stops, op, result);
 }

@@ -4,6 +4,7 @@
 #ifndef NXPLAINBYTES_H
 #define NXPLAINBYTES_H
 
+#include "collation/nxblocks.h"
 #include "collation/nxlevels.h"
 #include "collation/nxordertable.h"
 
@@ -14,46 +15,69 @@ inline const NxOrderTable* NxTableOfBoth(unsigned char codeSet0, unsigned char l
   constexpr unsigned kWithoutTable = 0xFF & ~(NxOrderTable::kCodeSets - 1);
   const unsigned unlike =
       (codeSet0 ^ codeSet1) | (language0 ^ language1) | (codeSet0 & kWithoutTable) | (op & kOrderValuesOnly);
-  if (unlike != 0 || !NxOrderTable::WildcardsAreSymbols()) return nullptr;
-  return NxOrderTable::FindBuilt(codeSet0, language0);
+  if (unlike != 0) return nullptr;
+  const NxOrderTable* const table = NxOrderTable::FindBuilt(codeSet0, language0);
+  return table && table->WildcardsAreUsual() ? table : nullptr;
 }
 
-/// How many bytes at the start of two texts are the same and make no difference at any
-/// level. The loop is most of a comparison and wants its registers for itself.
-[[gnu::regparm(3)]] unsigned NxCountSameBytes(const NxOrderTable& table, const char* a, const char* b);
+/// Where two texts stop being the same, or have a wildcard: in the block from `begin` on, at
+/// the bytes that have a bit each. What is the same reads alike by any rule and is not looked
+/// up. One number, so that it is handed over in registers.
+class NxStops {
+ public:
+  NxStops(unsigned begin, unsigned bits) : both_(static_cast<unsigned long long>(begin) << 32 | bits) {}
+  explicit NxStops(unsigned long long both) : both_(both) {}
+  unsigned long long Both() const { return both_; }
+  unsigned Begin() const { return static_cast<unsigned>(both_ >> 32); }
+  unsigned Bits() const { return static_cast<unsigned>(both_); }
+  unsigned First() const { return Begin() + static_cast<unsigned>(__builtin_ctz(Bits())); }
 
-/// Compares up to the first pair that differs, behind `same` bytes that do not. kOpen
-/// when it differs in accent or case alone.
-inline NxVerdict NxCompareBaseLetters(const NxOrderTable& table, const char* a, const char* b, unsigned& same,
+ private:
+  unsigned long long both_;
+};
+
+/// The first stops of two texts, as NxStops::Both.
+[[gnu::regparm(3)]] unsigned long long NxFindStops(const char* a, const char* b, NxZeroEnds ends);
+[[gnu::regparm(3)]] unsigned long long NxFindStops(const char* a, const char* b, NxKnownEnds ends);
+
+/// What may stand before the pair at i that is not read alike on both sides.
+inline bool NxMayContract(const NxOrderTable& table, const char* a, unsigned i) {
+  return table.contracts && i > 0 && table.Contracts(a[i - 1]);
+}
+
+/// Compares up to the first pair that differs. kOpen when it differs in accent or case alone.
+inline NxVerdict NxCompareBaseLetters(const NxOrderTable& table, const char* a, const char* b, unsigned i,
                                       int& result) {
-  const unsigned i = a[0] == b[0] ? NxCountSameBytes(table, a, b) : 0;
-  same = i;
   const unsigned key0 = table.EntryOf(a[i]).key;
   const unsigned key1 = table.EntryOf(b[i]).key;
-  if ((key0 | key1) & NxOrderTable::kNotPlain) return NxVerdict::kUnsuited;
+  if (((key0 | key1) & NxOrderTable::kNotPlain) || NxMayContract(table, a, i)) return NxVerdict::kUnsuited;
   result = NxLevels::OfBaseLetters(key0, key1);
   if (__builtin_expect(result != 0, 1) || key0 == 0) return NxVerdict::kDecided;
   return NxVerdict::kOpen;
 }
 
 /// Goes on from there to the end of the texts. kDecided or kUnsuited.
-NxVerdict NxCompareLesserLevels(const NxOrderTable& table, const char* a, const char* b, unsigned same,
-                                unsigned short op, int& result);
+NxVerdict NxCompareLesserLevels(const NxOrderTable& table, const char* a, const char* b, NxZeroEnds ends,
+                                unsigned long long stops, unsigned short op, int& result);
+NxVerdict NxCompareLesserLevels(const NxOrderTable& table, const char* a, const char* b, NxKnownEnds ends,
+                                unsigned long long stops, unsigned short op, int& result);
 
-/// The walk over two such texts, of which `same` bytes need not be looked at again.
+/// The walk over two such texts, when NxCompareAlike does not decide.
 int NxWalkBytes(const NxOrderTable& table, unsigned char codeSet, unsigned char language, const char* a,
-                const char* b, unsigned same, unsigned short op, unsigned char byteOrder, int* outPos);
+                const char* b, unsigned short op, unsigned char byteOrder, int* outPos);
 
-/// NxStrCmp of two whole texts whose NxTableOfBoth is the table.
-inline int NxCompareAlike(const NxOrderTable& table, unsigned char codeSet, unsigned char language,
-                          const char* a, const char* b, unsigned short op, unsigned char byteOrder,
-                          int* outPos) {
-  unsigned same;
-  int result;
-  NxVerdict verdict = NxCompareBaseLetters(table, a, b, same, result);
-  if (verdict == NxVerdict::kOpen) verdict = NxCompareLesserLevels(table, a, b, same, op, result);
-  if (verdict == NxVerdict::kDecided) return result;
-  return NxWalkBytes(table, codeSet, language, a, b, same, op, byteOrder, outPos);
+/// Compares two whole texts whose NxTableOfBoth is the table. kDecided or kUnsuited.
+template <class Ends>
+inline NxVerdict NxCompareAlike(const NxOrderTable& table, const char* a, const char* b, Ends ends,
+                                unsigned short op, int& result) {
+  if (a[0] != b[0]) {  // as in most steps of a search
+    const NxVerdict verdict = NxCompareBaseLetters(table, a, b, 0, result);
+    if (__builtin_expect(verdict != NxVerdict::kOpen, 1)) return verdict;
+  }
+  const NxStops stops(NxFindStops(a, b, ends));
+  const NxVerdict verdict = NxCompareBaseLetters(table, a, b, stops.First(), result);
+  if (__builtin_expect(verdict != NxVerdict::kOpen, 1)) return verdict;
+  return NxCompareLesserLevels(table, a, b, ends, stops.Both(), op, result);
 }
 
 #endif

@@ -3,6 +3,7 @@
 
 #include "collation/nxplainwalk.h"
 
+#include "collation/nxpatternmasks.h"
 #include "collation/nxplainbytes.h"
 #include "collation/nxstrcmp.h"
 #include "text/nxstrbuild.h"
@@ -60,7 +61,19 @@ int NxCompareByWalk(const NxComparison& c, const NxTables& tables) {
 }
 
 int NxWalkBytes(const NxOrderTable& table, unsigned char codeSet, unsigned char language, const char* a,
-                const char* b, unsigned same, unsigned short op, unsigned char byteOrder, int* outPos) {
+                const char* b, unsigned short op, unsigned char byteOrder, int* outPos) {
+  unsigned same = a[0] == b[0] ? NxStops(NxFindStops(a, b, NxZeroEnds())).First() : 0;
+#ifdef NX_BLOCK_READS
+  constexpr unsigned short kOthers =
+      kWildcardsOff | kIgnoreCase | kIgnoreAccents | kSkipSpaces | kSkipSymbols;
+  if (b[same] == '*' && !(op & kOthers)) {
+    int difference;
+    const NxMatch match = NxMatchByMasks(table, a + same, b + same, difference);
+    if (match != NxMatch::kUnsuited) return match == NxMatch::kMatches ? 0 : difference;
+  }
+#endif
+  // Spaces and symbols are compared as a row, a contraction as a whole.
+  while (same > 0 && !table.EntryOf(a[same - 1]).equalsItself) --same;
   const NxComparison c = {{codeSet, language, a}, {codeSet, language, b}, op, kWholeText, byteOrder, outPos};
   return WalkAndCompare<unsigned char>(c, {&table, &table}, same);
 }

@@ -5,6 +5,7 @@
 #define NXPLAINWALK_H
 
 #include "collation/nxlevelcmp.h"
+#include "collation/nxpatternmiss.h"
 #include "collation/nxpatternsearch.h"
 
 /// The walk over two texts whose characters are Units (bytes or 16-bit units). Its steps
@@ -127,12 +128,12 @@ class NxPlainWalk {
 
   /// Matches the text from first on against the pattern from the star at second on.
   [[gnu::always_inline]] NxVerdict MatchAfterStar() {
-    // A difference of letters before the star makes every character behind it a mismatch.
-    if (!wholeTexts_ || levels.OfLetters(op_) != 0) return NxVerdict::kUnsuited;
+    if (!wholeTexts_) return NxVerdict::kUnsuited;
     const unsigned mask = NxLevels::CountingBits(op_) & ~NxOrderTable::kMarks;
     const NxMatchRule rule = {tableP_, tableQ_, mask, asterisk_, question_};
     int difference = 0;
-    const NxMatch match = NxMatchFromStar<Unit>(rule, first, second, difference);
+    const NxMatch match = levels.OfLetters(op_) != 0 ? NxPassMismatches<Unit>(rule, first, second, difference)
+                                                     : NxMatchFromStar<Unit>(rule, first, second, difference);
     if (match == NxMatch::kMatches) difference = levels.Result(op_);
     return match == NxMatch::kUnsuited ? NxVerdict::kUnsuited : Decide(difference);
   }

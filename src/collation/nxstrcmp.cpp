@@ -128,7 +128,9 @@ int NxStrCmp(unsigned char cs1, unsigned char lang1, const char* s1, unsigned ch
   if (len == kWholeText && s1 && s2) {
     if (const NxOrderTable* const table = NxTableOfBoth(cs1, lang1, cs2, lang2, op)) {
       NxNoteRoad(NxRoad::kPlainBytes);
-      return NxCompareAlike(*table, cs1, lang1, s1, s2, op, byteOrder, outPos);
+      int result;
+      if (NxCompareAlike(*table, s1, s2, NxZeroEnds(), op, result) == NxVerdict::kDecided) return result;
+      return NxWalkBytes(*table, cs1, lang1, s1, s2, op, byteOrder, outPos);
     }
   }
   return CompareUnlike({{cs1, lang1, s1}, {cs2, lang2, s2}, op, len, byteOrder, outPos}, false);

@@ -1,5 +1,7 @@
 #include "collation/nxtextkey.h"
 
+#include <algorithm>
+
 #include "base/nxgrowlist.h"
 #include "collation/nxlevels.h"
 #include "collation/nxordertable.h"
@@ -237,57 +239,58 @@ void WritePlainBytes(const char* text, NxKeyWriter& key) {
 }
 
 /// The key of a short 8-bit text of plain letters and digits of the first selector, which
-/// most words are; false, with nothing written, for another one. It is what TextKey writes.
+/// most words are. It is what TextKey writes, put where it belongs.
 class PlainTextKey {
  public:
-  explicit PlainTextKey(const NxOrderTable& table) : table_(table) {}
-
-  bool Write(const char* text, NxKeyWriter& key) {
-    if (!ReadBaseLetters(text)) return false;
-    WriteAccents();
-    WriteCase();
-    key.PutAll(bytes_, static_cast<unsigned long>(end_ - bytes_));
+  /// False, with the writer as it was, for another text or where the key might not fit.
+  static bool Write(const NxOrderTable& table, const char* text, NxKeyWriter& key) {
+    constexpr unsigned kAround = 4;  // three bytes between the levels, and a letter that is no longer read
+    const unsigned long room = key.Room();
+    if (room < kAround) return false;
+    PlainTextKey plain(key.Place());
+    if (!plain.ReadBaseLetters(table, text, std::min((room - kAround) / kBytesOfLetter, kLongest)))
+      return false;
+    plain.WriteAccents();
+    plain.WriteCase();
+    key.TakeUpTo(plain.end_);
     return true;
   }
 
  private:
-  static constexpr unsigned kLongest = 100;  // no distance then needs more than its byte
+  static constexpr unsigned long kBytesOfLetter = 4;  // itself, an accent of two bytes, case
+  static constexpr unsigned long kLongest = 100;      // no distance then needs more than its byte
 
-  bool ReadBaseLetters(const char* text) {
-    const auto* const characters = reinterpret_cast<const unsigned char*>(text);
+  explicit PlainTextKey(unsigned char* key) : begin_(key) {}
+
+  bool ReadBaseLetters(const NxOrderTable& table, const char* text, unsigned long longest) {
     unsigned length = 0;
     unsigned marked = 0;
     unsigned all = 0;
     for (;; ++length) {
-      const unsigned c = characters[length];
-      const unsigned char byte = table_.sortBytes[c];
-      if (byte == 0) {
-        if (c != 0) return false;
-        break;
-      }
-      if (length == kLongest) return false;
-      bytes_[length] = byte;
-      const unsigned char mark = table_.sortMarks[c];
-      places_[marked] = static_cast<unsigned char>(length);
-      marks_[marked] = mark;
-      marked += mark != 0;
-      all |= mark;
+      const NxOrderTable::SortBytes& sort = table.sortBytes[static_cast<unsigned char>(text[length])];
+      if (sort.letter == 0) break;
+      if (length == longest) return false;
+      begin_[length] = sort.letter;
+      marks_[marked] = {static_cast<unsigned char>(length), sort.mark};
+      marked += sort.mark != 0;
+      all |= sort.mark;
     }
     length_ = length;
     marked_ = marked;
     all_ = all;
-    end_ = bytes_ + length;
-    return true;
+    end_ = begin_ + length;
+    return text[length] == 0;
   }
   void WriteAccents() {
     if (!(all_ & kSortAccent)) return;
     *end_++ = kAccents;
     unsigned end = length_;
     for (unsigned i = marked_; i-- > 0;) {
-      if (!(marks_[i] & kSortAccent)) continue;
-      *end_++ = static_cast<unsigned char>(0xFF - (end - 1 - places_[i]));
-      *end_++ = marks_[i] & kSortAccent;
-      end = places_[i];
+      const Mark mark = marks_[i];
+      if (!(mark.value & kSortAccent)) continue;
+      *end_++ = static_cast<unsigned char>(0xFF - (end - 1 - mark.place));
+      *end_++ = mark.value & kSortAccent;
+      end = mark.place;
     }
   }
   void WriteCase() {
@@ -298,21 +301,25 @@ class PlainTextKey {
     *end_++ = kHighCase;
     unsigned begin = 0;
     for (unsigned i = 0; i < marked_; ++i) {
-      if (!(marks_[i] & kSortCapital)) continue;
-      *end_++ = static_cast<unsigned char>(0xFF - (places_[i] - begin));
-      begin = places_[i] + 1U;
+      const Mark mark = marks_[i];
+      if (!(mark.value & kSortCapital)) continue;
+      *end_++ = static_cast<unsigned char>(0xFF - (mark.place - begin));
+      begin = mark.place + 1U;
     }
     *end_++ = kCaseEnd;
   }
 
-  const NxOrderTable& table_;
+  struct Mark {
+    unsigned char place;
+    unsigned char value;
+  };
+
+  unsigned char* const begin_;
+  unsigned char* end_ = nullptr;
   unsigned length_ = 0;
   unsigned marked_ = 0;  // letters with an accent, or capitals
   unsigned all_ = 0;     // marks of all of them
-  unsigned char places_[kLongest + 1];
-  unsigned char marks_[kLongest + 1];
-  unsigned char bytes_[4 * kLongest + 4];  // a letter, an accent of two bytes, case; three ends
-  unsigned char* end_ = bytes_;
+  Mark marks_[kLongest + 1];
 };
 
 NxStringIterator Open(const NxKeyText& text) {
@@ -330,23 +337,22 @@ bool NxWriteTextKey(const NxKeyText& text, NxKeyWriter& key) {
     WritePlainBytes(text.text ? text.text : "", key);
     return true;
   }
-  const NxOrderTable* table =
+  const NxOrderTable* const table =
       text.codeSet < NxOrderTable::kCodeSets ? NxOrderTable::Find(text.codeSet, text.language) : nullptr;
-  if (table && text.text && PlainTextKey(*table).Write(text.text, key)) return true;
+  if (table && text.text && PlainTextKey::Write(*table, text.text, key)) return true;
   return NxWriteTextKeyByLevels(text, key);
 }
 
-void NxSortBytesOf(unsigned short order, unsigned char selector, unsigned char& byte, unsigned char& mark) {
-  if (selector != kHomeSelector || order < kFirstDigitOrder || order >= kFirstHanOrder) return;
+NxOrderTable::SortBytes NxSortBytesOf(unsigned short order, unsigned char selector) {
+  if (selector != kHomeSelector || order < kFirstDigitOrder || order >= kFirstHanOrder) return {0, 0};
   if (order < kFirstLetterOrder) {
     const unsigned digit = order - kFirstDigitOrder;
-    if (digit % 10 == 0) byte = static_cast<unsigned char>(kFirstDigit + digit / 5);
-    return;
+    return {static_cast<unsigned char>(digit % 10 == 0 ? kFirstDigit + digit / 5 : 0), 0};
   }
   const unsigned letterCase = order >> 12 & 3;
-  if (letterCase > kSmallCase) return;
-  byte = static_cast<unsigned char>(kFirstBase + (order & 0x7F));
-  mark = static_cast<unsigned char>((order >> 7 & kSortAccent) | (letterCase == 0 ? kSortCapital : 0));
+  if (letterCase > kSmallCase) return {0, 0};
+  return {static_cast<unsigned char>(kFirstBase + (order & 0x7F)),
+          static_cast<unsigned char>((order >> 7 & kSortAccent) | (letterCase == 0 ? kSortCapital : 0))};
 }
 
 bool NxWriteTextKeyByLevels(const NxKeyText& text, NxKeyWriter& key) {

@@ -9,6 +9,7 @@
 #define NXTEXTKEY_H
 
 #include "base/nxkeywriter.h"
+#include "collation/nxordertable.h"
 
 /// A text to make a key of, up to its zero character. A null text is an empty one.
 struct NxKeyText {
@@ -25,9 +26,9 @@ bool NxWriteTextKey(const NxKeyText& text, NxKeyWriter& key);
 /// set.
 bool NxWriteTextKeyByLevels(const NxKeyText& text, NxKeyWriter& key);
 
-/// The byte that stands for a character of one order value in a key, and what the lesser
-/// levels have of it: the accent, and kSortCapital. Left 0 for what takes more than that.
-void NxSortBytesOf(unsigned short order, unsigned char selector, unsigned char& byte, unsigned char& mark);
+/// What a key has of a character of one order value: the letter's byte, and in the mark the
+/// accent and kSortCapital. Both 0 for what takes more than that.
+NxOrderTable::SortBytes NxSortBytesOf(unsigned short order, unsigned char selector);
 inline constexpr unsigned char kSortAccent = 0x1F;
 inline constexpr unsigned char kSortCapital = 0x80;
 

@@ -17,6 +17,7 @@
 #include "nxoption.h"
 #include "nxstring.h"
 #include "nxtypmgr.h"
+#include "slots/nxelement.h"
 #include "strwild.h"
 
 namespace {
@@ -24,8 +25,6 @@ namespace {
 constexpr char kIStringTypeId = 20;
 constexpr char kCaseIStringTypeId = 21;
 constexpr unsigned char kNullDateField = 0xFF;  // of a term: any year, month, day
-
-bool IsInMemory(unsigned char format) { return (format & kFormatCodeMask) == kFormatMemory; }
 
 // ---------------------------------------------------------------------------
 // Values of fixed size
@@ -129,7 +128,7 @@ class PlainImage {
   bool Read(char typeId, const void* value, unsigned char format, unsigned long length) {
     const NxTypeTab& type = *NxNewtypetab[static_cast<unsigned char>(typeId)];
     const auto size = static_cast<unsigned long>(type.NullSizeGet(1));
-    if (IsInMemory(format)) {
+    if (NxInMemory(format)) {
       type.Store(bytes, value, kFormatNative, 1);
       return true;
     }
@@ -195,7 +194,7 @@ class KeyText {
 
   /// False for an image that is not whole and sound, or for want of memory.
   bool Read(const void* value, unsigned char format, unsigned long length) {
-    if (IsInMemory(format)) {
+    if (NxInMemory(format)) {
       const NxString& s = *static_cast<const NxString*>(value);
       text = {s._nCodeSet, s._nLanguage, s._pBuffer, kFormatNative};
       return true;
@@ -241,7 +240,7 @@ struct AlphaText {
 
   /// False for an image that is not whole.
   bool Read(const void* value, unsigned char format, unsigned long length) {
-    if (IsInMemory(format)) {
+    if (NxInMemory(format)) {
       const NxIString& s = *static_cast<const NxIString*>(value);  // both classes lie alike
       span = NxTextOf(s._pStr);
       form = s._nForm;

@@ -22,11 +22,8 @@ namespace {
 constexpr unsigned long kImageBytes = 7;
 constexpr unsigned long kYearBytes = 2;  // then month, day, hour, minute, second
 
-/// Only the format byte of values in memory, without further bits, says so here.
-bool IsInMemory(unsigned char format) { return format == kFormatMemory; }
-
 unsigned long ElementSize(unsigned char format) {
-  return IsInMemory(format) ? sizeof(NxDateTime) : kImageBytes;
+  return NxIsMemoryByte(format) ? sizeof(NxDateTime) : kImageBytes;
 }
 
 /// Converts a date-time between its two forms, which differ in the order of the year.
@@ -49,7 +46,7 @@ NxDateTime Zero() { return NxDateTime::Null(); }
 /// A date-time from the place of one of either form.
 NxDateTime Read(const void* place, unsigned char format) {
   NxDateTime value = Zero();
-  ConvertFields(&value, place, IsInMemory(format) ? kFormatNative : format);
+  ConvertFields(&value, place, NxIsMemoryByte(format) ? kFormatNative : format);
   return value;
 }
 
@@ -101,7 +98,7 @@ long DaTimeCompare(unsigned char format, unsigned long len1, void* value1, unsig
                    unsigned short /*options*/, unsigned long count, int& error) {
   const unsigned long size = ElementSize(format);
   const NxOperands arrays = {{value1, len1, count, size}, {value2, len2, count, size}};
-  if (IsInMemory(format)) return NxCompareArrays(arrays, count, error, OrderInMemory);
+  if (NxIsMemoryByte(format)) return NxCompareArrays(arrays, count, error, OrderInMemory);
   return NxCompareArrays(arrays, count, error,
                          [format](const void* a, const void* b) { return OrderImages(a, b, format); });
 }

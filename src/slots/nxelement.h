@@ -89,7 +89,11 @@ unsigned long NxHashArray(const NxElements& array, unsigned long count, int& err
   return NxCombineWords(array, count, error, word) * kHashMultiplier;
 }
 
+/// Whether the code of a format is that of values in memory, whatever its further bits.
 inline bool NxInMemory(unsigned char format) { return (format & kFormatCodeMask) == kFormatMemory; }
+/// Whether a format byte is that of values in memory and has no further bits, which alone says
+/// so to some types.
+inline bool NxIsMemoryByte(unsigned char format) { return format == kFormatMemory; }
 
 /// Bytes of an int under a format.
 inline unsigned long NxIntBytes(unsigned char format) {

@@ -29,9 +29,6 @@ constexpr unsigned kTimestampBytes = kDateBytes + kTimeBytes;
 
 const void* TimePart(const void* timestamp) { return static_cast<const char*>(timestamp) + kDateBytes; }
 
-/// Only the format byte of values in memory, without further bits, says so here.
-bool IsInMemory(unsigned char format) { return format == kFormatMemory; }
-
 }  // namespace
 
 // ---------------------------------------------------------------------------
@@ -127,20 +124,21 @@ long OrderTimeImages(const void* a, const void* b) { return NxOrderChars(a, b, 0
 long d_DateCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2, void* value2,
                    unsigned short options, unsigned long count, int& error) {
   const NxOperands arrays = {{value1, len1, count, kDateBytes}, {value2, len2, count, kDateBytes}};
-  if (IsInMemory(format)) return NxCompareArrays(arrays, count, error, OrderInMemory<d_Date>);
+  if (NxIsMemoryByte(format)) return NxCompareArrays(arrays, count, error, OrderInMemory<d_Date>);
   return NxCompareArrays(arrays, count, error, StoredDateOrder(format, options));
 }
 
 long d_TimeCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2, void* value2,
                    unsigned short /*options*/, unsigned long count, int& error) {
   const NxOperands arrays = {{value1, len1, count, kTimeBytes}, {value2, len2, count, kTimeBytes}};
-  return NxCompareArrays(arrays, count, error, IsInMemory(format) ? OrderInMemory<d_Time> : OrderTimeImages);
+  return NxCompareArrays(arrays, count, error,
+                         NxIsMemoryByte(format) ? OrderInMemory<d_Time> : OrderTimeImages);
 }
 
 long d_TimestampCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2,
                         void* value2, unsigned short options, unsigned long count, int& error) {
   const NxOperands arrays = {{value1, len1, count, kTimestampBytes}, {value2, len2, count, kTimestampBytes}};
-  if (IsInMemory(format)) return NxCompareArrays(arrays, count, error, OrderInMemory<d_Timestamp>);
+  if (NxIsMemoryByte(format)) return NxCompareArrays(arrays, count, error, OrderInMemory<d_Timestamp>);
   const StoredDateOrder orderDates(format, options);
   return NxCompareArrays(arrays, count, error, [orderDates](const void* a, const void* b) {
     const long dates = orderDates(a, b);
@@ -194,13 +192,13 @@ unsigned long d_DateHash(unsigned char format, unsigned long len, void* value, u
 unsigned long d_TimeHash(unsigned char format, unsigned long len, void* value, unsigned long count,
                          int& error) {
   return NxHashArray({value, len, count, kTimeBytes}, count, error,
-                     IsInMemory(format) ? TimeWord : TimeImageWord<unsigned char>);
+                     NxIsMemoryByte(format) ? TimeWord : TimeImageWord<unsigned char>);
 }
 
 unsigned long d_TimestampHash(unsigned char format, unsigned long len, void* value, unsigned long count,
                               int& error) {
   return NxHashArray({value, len, count, kTimestampBytes}, count, error, [format](const void* p) {
-    if (IsInMemory(format)) return DateWord(p, format) ^ TimeWord(TimePart(p));
+    if (NxIsMemoryByte(format)) return DateWord(p, format) ^ TimeWord(TimePart(p));
     return SignedDateWord(p, format) ^ TimeImageWord<signed char>(TimePart(p));
   });
 }

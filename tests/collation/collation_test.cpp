@@ -2,6 +2,7 @@
 // comparison, the byte matchers, and searching at every position. The levels themselves
 // are cases of golden/collation.txt.
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <random>
 
@@ -171,6 +172,55 @@ TEST(PlainWalk, AgreesOnRandomTexts) {
     const unsigned short op = Options(random() % 32) | (random() % 16 ? 0 : kOrderValuesOnly);
     ExpectSame(EncodedText(a, codeSetA), langA, EncodedText(b, codeSetB), langB, op, len);
     if (HasFatalFailure()) return;
+  }
+}
+
+/// A page behind which nothing can be read.
+class LastPage {
+ public:
+  LastPage()
+      : at_(static_cast<char*>(
+            mmap(nullptr, 2 * kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {
+    EXPECT_EQ(mprotect(at_ + kSize, kSize, PROT_NONE), 0);
+  }
+  ~LastPage() { munmap(at_, 2 * kSize); }
+  /// A copy of the text with its zero, so many bytes before the end, among other letters.
+  const char* Put(const std::string& text, unsigned before) const {
+    char* const place = at_ + kSize - before - text.size() - 1;
+    std::memset(at_, 'x', kSize);
+    std::memcpy(place, text.c_str(), text.size() + 1);
+    return place;
+  }
+
+ private:
+  static constexpr std::size_t kSize = 4096;
+  char* at_;
+};
+
+TEST(PlainBytes, AgreeWhereverTextsLieAndEnd) {
+  const LastPage first, second;
+  const std::string letters = "abAB\xE1\xE4";
+  const std::string others = "cClLhaA\xDF\xBD-. *?1";
+  std::mt19937 random(4);
+  for (int i = 0; i < 300000; ++i) {
+    std::string a;
+    for (unsigned n = random() % 40; n > 0; --n) a += letters[random() % letters.size()];
+    for (unsigned n = random() % 3; n > 0; --n)
+      a.insert(random() % (a.size() + 1), 1, others[random() % others.size()]);
+    std::string b = a;
+    for (unsigned n = random() % 3; n > 0 && !b.empty(); --n)
+      b[random() % b.size()] = (random() % 2 ? letters : others)[random() % 6];
+    if (random() % 8 == 0) b.resize(random() % (b.size() + 1));
+    const char* const p = first.Put(a, random() % 18);
+    const char* const q = second.Put(b, random() % 18);
+    const auto language = static_cast<unsigned char>("\2\2\4\6"[random() % 4]);
+    const unsigned short op = Options(random() % 2 ? random() % 2 : random() % 32);
+    const int order = NxStrCmp(1, language, p, 1, language, q, op, -1, 1, nullptr);
+    ASSERT_EQ(order, NxStrCmpGeneral(1, language, p, 1, language, q, op, -1, 1, nullptr))
+        << a << " : " << b << " op " << op << " language " << +language;
+    int error;
+    std::string imageA = StringImage(a, 1, language), imageB = StringImage(b, 1, language);
+    ASSERT_EQ(StringCompare(1, imageA.size(), &imageA[0], imageB.size(), &imageB[0], op, 1, error), order);
   }
 }
 

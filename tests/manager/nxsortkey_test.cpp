@@ -6,14 +6,17 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "collation/nxtextkey.h"
+#include "nx_utf_8.h"
 #include "nxbase.h"
 #include "nxcistr.h"
 #include "nxistr.h"
+#include "nxlang.h"
 #include "nxoption.h"
 #include "nxstring.h"
 #include "nxtypmgr.h"
@@ -112,6 +115,18 @@ TEST_F(Texts, OrderAsTheComparisonOverCodeSetsAndLanguages) {
   }
 }
 
+TEST_F(Texts, OrderAsTheComparisonInOrderValues) {
+  const std::u16string values = u"\u4061\u4060\u8000\u8001\u9abc\ufffe";
+  std::vector<Case> all;
+  for (const char16_t a : values)
+    for (const char16_t b : values) {
+      const char16_t units[] = {a, b};
+      all.push_back(Make({reinterpret_cast<const char*>(units), sizeof units}, 254, 1));
+    }
+  for (const Case& a : all)
+    for (const Case& b : all) Check(a, b);
+}
+
 TEST_F(Texts, LongRunsKeepTheirDistances) {
   for (int round = 0; round < 20000; ++round) {
     std::string a, b;
@@ -208,6 +223,83 @@ TEST_F(Texts, BoundsHoldWhatATermSelects) {
     std::free(range.upper);
   }
   EXPECT_GT(narrow, 1000);
+}
+
+/// The words of a list that are Latin-1 (a file in UTF-8), with their keys, in order of these.
+std::vector<std::pair<std::string, std::string>> WordsByKey(const char* path) {
+  std::vector<std::pair<std::string, std::string>> words;
+  std::ifstream in(path);
+  for (std::string line; std::getline(in, line);) {
+    NxString s(kCodeSetUnicode, kLanguageGerman);
+    NxMBS2NxString(line.c_str(), s, static_cast<long>(line.size()));
+    s.SetCodeSet(kCodeSetLatin1);
+    words.emplace_back(KeyOf(kStringTypeId, &s, 8), s.StrGet());
+  }
+  std::sort(words.begin(), words.end());
+  return words;
+}
+
+/// Parts of a word with wildcards, a symbol or another case in them.
+std::string MakePattern(const std::string& word, std::mt19937& random) {
+  std::string made = word;
+  for (unsigned n = random() % 4; n > 0; --n) {
+    const unsigned at = random() % (made.size() + 1), length = random() % 5;
+    const char* const pieces[] = {"*", "*", "?", "-", " ", "*\xE4"};
+    made.replace(at, length, pieces[random() % 6]);
+  }
+  if (random() % 4 == 0 && !made.empty()) made[0] ^= 0x20;
+  return made;
+}
+
+// Every pattern under every combination of the options, with each 211th word, beginning with
+// another one each time. NX_BOUNDS_STEP=1 takes all words (many minutes).
+TEST_F(Texts, BoundsHoldWhatAWordListHas) {
+  const auto words = WordsByKey("/usr/share/dict/ngerman");
+  if (words.empty()) GTEST_SKIP() << "no word list: install wngerman";
+#ifdef __SANITIZE_ADDRESS__
+  constexpr unsigned kPatterns = 50;
+#else
+  constexpr unsigned kPatterns = 500;
+#endif
+  constexpr unsigned kCombinations = 64;
+  const unsigned short bits[] = {kIgnoreCase,  kIgnoreAccents, kSkipSpaces,
+                                 kSkipSymbols, kWildcardsOff,  kOrderValuesOnly};
+  const char* const stated = std::getenv("NX_BOUNDS_STEP");
+  const std::size_t step = stated ? std::strtoul(stated, nullptr, 10) : 211;
+  const auto placeOf = [&words](void* bound, unsigned long length, bool last) {
+    const std::string key(static_cast<char*>(bound), length);
+    std::free(bound);
+    if (!bound) return last ? words.size() : 0;
+    return static_cast<std::size_t>(
+        std::lower_bound(words.begin(), words.end(), std::make_pair(key, std::string())) - words.begin());
+  };
+  unsigned narrow = 0, selected = 0;
+  for (unsigned round = 0; round < kPatterns * kCombinations; ++round) {
+    static std::string pattern;
+    if (round % kCombinations == 0) pattern = MakePattern(words[random() % words.size()].second, random);
+    unsigned short op = 0;
+    for (unsigned i = 0; i < 6; ++i) op |= round >> i & 1 ? bits[i] : 0;
+    const NxString term = Text(pattern, 1, 2);
+    std::size_t begin[7], end[7];
+    for (unsigned short relation = 1; relation <= 6; ++relation) {
+      NxSortKeyRange range;
+      ASSERT_EQ(NxSortKeyBounds(kStringTypeId, &term, 8, 0, relation | op, range), 1);
+      begin[relation] = placeOf(range.lower, range.lowerLength, false);
+      end[relation] = placeOf(range.upper, range.upperLength, true);
+    }
+    narrow += end[kRelationEqual] - begin[kRelationEqual] < words.size() / 2;
+    for (std::size_t i = round % step; i < words.size(); i += step) {
+      const int order = NxStrCmp(1, 2, words[i].second.c_str(), 1, 2, pattern.c_str(), op, -1, 1, nullptr);
+      for (unsigned short relation = 1; relation <= 6; ++relation) {
+        const bool inside = i >= begin[relation] && i < end[relation];
+        ASSERT_TRUE(inside || !Selects(order, relation))
+            << words[i].second << " | " << pattern << " " << (relation | op);
+        selected += order == 0 && relation == kRelationEqual;
+      }
+    }
+  }
+  EXPECT_GT(selected, kPatterns);
+  EXPECT_GT(narrow, kPatterns * kCombinations / 4);
 }
 
 template <class Alpha>

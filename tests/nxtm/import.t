@@ -137,7 +137,7 @@ Bad rows are named by line and column, and change nothing.
   nxtm: d:1:1: column 'name': the text is longer than 65531 bytes
   [2]
   $ nxtm import --header s good store
-  nxtm: good:1:1: column 'name' is missing here, found 'M\xc3\xbcller' (esc)
+  nxtm: good:1:1: there is no attribute 'M\xc3\xbcller' (name, age, born, weight, code) (esc)
   [2]
   $ nxtm import --header s /dev/null store
   nxtm: /dev/null:1:1: the row with the names of the columns is missing
@@ -152,6 +152,111 @@ Bad rows are named by line and column, and change nothing.
   $ try "$text"',1,,0,x\n' | cut -d' ' -f1-3
   1 records imported
   1 records imported
+
+What names the columns names each once, and leaves nullable ones out only.
+
+  $ titles() { printf "$1" | nxtm import --header s - named; }
+  $ titles 'name,age,weight,code,size\n'
+  nxtm: standard input:1:22: there is no attribute 'size' (name, age, born, weight, code)
+  [2]
+  $ titles 'weight,code,weight\n'
+  nxtm: standard input:1:13: column 'weight' is there already
+  [2]
+  $ titles '"name",weight\r\n'
+  nxtm: standard input:1:14: column 'code', which is not nullable, is missing
+  [2]
+  $ titles 'weight,code\n1,a\n2\n'
+  nxtm: standard input:3:2: column 'code' is missing
+  [2]
+  $ titles 'weight,code\n1,a,b\n'
+  nxtm: standard input:2:5: the row has 3 fields, the header 2
+  [2]
+  $ titles 'weight,code\n1,a\nx,b\n'
+  nxtm: standard input:3:1: column 'weight': 'x' is not a number
+  [2]
+  $ titles 'code,born,weight\na,,1\nb,2000-01-02,2\n' >log
+  $ nxtm export named
+  ,,,1,a
+  ,,2000-01-02,2,b
+  $ rm named
+
+Other delimiters and encodings.
+
+  $ cat >list <<'END'
+  > a NxString
+  > b NxString nullable
+  > END
+  $ read_as() { rm -f read; nxtm import list - read "$@" >log && nxtm export read; }
+  $ printf 'x,y\t\nz\t"t\tu"\n' | read_as --delimiter '\t'
+  "x,y",
+  z,t\tu (esc)
+  $ printf 'x,y|"z|"\n' | read_as --delimiter '|'
+  "x,y",z|
+  $ printf 'b\ta\n1\t2\n' | read_as --delimiter tab --header
+  2,1
+  $ for bad in '' '"' $'\n' ';;' §; do read_as --delimiter "$bad" </dev/null; done
+  nxtm: the delimiter is one byte, or tab, and not ''
+  nxtm: the delimiter is one byte, or tab, and not '"'
+  nxtm: the delimiter is one byte, or tab, and not '\x0A'
+  nxtm: the delimiter is one byte, or tab, and not ';;'
+  nxtm: the delimiter is one byte, or tab, and not '\xc2\xa7' (esc)
+  [2]
+  $ for set in latin1 WINDOWS-1252 iso-8859-15 latin2; do printf '\xA4\xFC,\x80|\n' | read_as --encoding $set; done
+  \xc2\xa4\xc3\xbc,\xc2\x80| (esc)
+  \xc2\xa4\xc3\xbc,\xe2\x82\xac| (esc)
+  \xe2\x82\xac\xc3\xbc,\xc2\x80| (esc)
+  \xc2\xa4\xc3\xbc,\xc2\x80| (esc)
+  $ read_as --encoding ebcdic </dev/null
+  nxtm: there is no encoding 'ebcdic' (utf-8, latin1, iso-8859-1, windows-1252, latin9, iso-8859-15, latin2, iso-8859-2)
+  [2]
+
+Rows that are not right go to a file of their own, as they stand.
+
+  $ rm -f store
+  $ printf 'a,1,,0,x\nb,"for""ty",,0,x\r\n\nc"d",1,,0,"\ne,1,,0,x\nf,1,2000-02-30,0\n"g,1\n' >d
+  $ nxtm import s d store --skip-bad bad
+  nxtm: d:2:3: column 'age': 'for"ty' is not a whole number
+  nxtm: d:4:2: a quote is neither around the field nor doubled inside
+  nxtm: d:6:17: column 'code' is missing
+  nxtm: d:7:1: the quoted field does not end
+  nxtm: 4 rows set aside
+  2 records imported in * (glob)
+  $ nxtm export store
+  a,1,,0,x
+  e,1,,0,x
+  $ diff d bad
+  1d0
+  < a,1,,0,x
+  3d1
+  < 
+  5d2
+  < e,1,,0,x
+  [1]
+  $ nxtm import s d store --skip-bad bad
+  nxtm: bad: File exists
+  [2]
+  $ printf 'code,weight\na,1\nb,x\nc,\n' >d
+  $ nxtm import --header s d store --skip-bad aside >log
+  nxtm: d:3:3: column 'weight': 'x' is not a number
+  nxtm: d:4:3: column 'weight': the field is empty and the column not nullable
+  nxtm: 2 rows set aside
+  $ sed s/x/2/ aside | nxtm import --header s - store --skip-bad none
+  nxtm: standard input:3:3: column 'weight': the field is empty and the column not nullable
+  nxtm: 1 rows set aside
+  1 records imported in * (glob)
+  $ rm none
+  $ printf 'code,weight\na,1\n' | nxtm import --header s - store --skip-bad none >log
+  $ printf 'code,weigh\na,1\n' | nxtm import --header s - store --skip-bad none
+  nxtm: standard input:1:6: there is no attribute 'weigh' (name, age, born, weight, code)
+  [2]
+  $ nxtm import s . store --skip-bad none
+  nxtm: .: Is a directory
+  [2]
+  $ ls none
+  ls: cannot access 'none': No such file or directory
+  [2]
+  $ nxtm check store
+  5 records: sound
 
 Schemas that are none.
 
@@ -179,6 +284,9 @@ Schemas that are none.
   [2]
   $ schema '# nothing\n'
   nxtm: bad:1:1: the schema names no column
+  [2]
+  $ nxtm import /dev/zero good new
+  nxtm: /dev/zero has more than 1048576 bytes; at most 1048576 can be kept
   [2]
   $ nxtm import missing good new
   nxtm: missing: No such file or directory

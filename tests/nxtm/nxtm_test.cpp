@@ -90,12 +90,9 @@ TEST_F(Workbench, AnIndexOfOtherCollationDataIsRefused) {
   ASSERT_EQ(0, Run("import s d store").status);
   {
     auto store = Store::Open(Path("store"), Store::Mode::kWrite);
-    nxtm::BuildIndex(*store, {0, false, 0});
-    nxtm::BuildIndex(*store, {1, false, 0});
     for (unsigned long attribute : {0, 1}) {
-      nxtm::IndexInfo index = *store->FindIndex(attribute, false);
-      index.collation = NxCollationVersion() + 1;
-      store->AddIndex(index);
+      nxtm::BuildIndex(*store, attribute, false);
+      store->Describe(attribute, false).collation = NxCollationVersion() + 1;
     }
     store->Commit();
   }
@@ -138,13 +135,17 @@ TEST_F(Workbench, DamagedStoresAnswerRightOrNotAtAll) {
       const Outcome outcome = Run(commands[i]);
       sound = outcome.status == 0;
       reported += !sound;
-      ASSERT_TRUE(sound ? outcome.output == right[i] : outcome.status == 2) << round << ": " << commands[i];
+      ASSERT_TRUE(sound ? outcome.output == right[i] : outcome.status == 3 || outcome.status == 2)
+          << round << ": " << commands[i] << " ends with " << outcome.status;
     }
     const Outcome import = Run("import s one damaged");
-    ASSERT_TRUE(import.status == 0 || import.status == 2) << round << ": " << import.status;
+    ASSERT_TRUE(import.status == 0 || import.status == 2 || import.status == 3)
+        << round << ": " << import.status;
     if (import.status != 0) continue;
-    ASSERT_EQ(0, Run("check damaged").status) << round;
-    ASSERT_EQ(right[0] + "one,1,,2,c\n", Run("export damaged").output) << round;
+    // It relies on what it touches alone: damage elsewhere stays, and is told as before.
+    ASSERT_EQ(sound ? 0 : 3, Run("check damaged").status) << round;
+    const Outcome after = Run("export damaged");
+    ASSERT_TRUE(after.status == 3 || after.output == right[0] + "one,1,,2,c\n") << round;
   }
   EXPECT_GT(reported, kRounds / 2);
 }
@@ -171,10 +172,8 @@ TEST_F(Workbench, AnIndexFindsWhatAScanFinds) {
   ASSERT_EQ(0, Run("index store word").status);
 
   auto store = Store::Open(Path("store"), Store::Mode::kRead);
-  std::vector<std::vector<nxtm::Field>> records;
-  store->ForEach([&](unsigned int, std::string_view record) {
-    nxtm::Record::Split(store->GetSchema(), record, records.emplace_back());
-  });
+  std::vector<std::string> records;
+  store->ForEach([&](unsigned int, std::string_view record) { return records.emplace_back(record), true; });
   const char* kOptions[] = {"",
                             "ignoring case",
                             "ignoring accents",
@@ -199,9 +198,12 @@ TEST_F(Workbench, AnIndexFindsWhatAScanFinds) {
                         "\" " + kOptions[random() % 7];
     Condition condition = Condition::Parse(query, store->GetSchema());
     std::vector<unsigned int> scanned, found;
-    // A full scan by the condition itself, over records that are taken apart already.
-    for (unsigned int i = 0; i < records.size(); ++i)
-      if (condition.Matches(store->GetSchema(), records[i])) scanned.push_back(i);
+    // A full scan by the condition itself.
+    nxtm::RecordReader reader(store->GetSchema());
+    for (unsigned int i = 0; i < records.size(); ++i) {
+      reader.Begin(records[i]);
+      if (condition.Matches(store->GetSchema(), reader)) scanned.push_back(i);
+    }
     nxtm::RunQuery(*store, condition, false, [&](unsigned int number, const std::vector<nxtm::Field>&) {
       return found.push_back(number), true;
     });
@@ -228,6 +230,8 @@ class Oddities {
   static const std::vector<Column>& Columns() {
     static const std::vector<std::string> kDates = {"2000-01-10", "2001-02-11", "2001-03-12", "0001-01-01",
                                                     "9999-12-31", "2003-02-28", "1582-10-04", "1582-10-15"};
+    static const std::vector<std::string> kFarDates = {"-9000-02-01", "32767-02-11", "2003-02-28",
+                                                       "0001-12-31"};
     static const std::vector<std::string> kPoints = {
         "2000-01-10T00:00:00", "2000-01-10T00:00:59", "2000-01-10T00:01:00", "0001-01-01T23:59:59",
         "9999-12-31T23:59:59", "2003-02-28T12:00:00", "2003-02-28T12:00:01"};
@@ -237,8 +241,8 @@ class Oddities {
         {"big", "NxInt64 nullable", {"0", "-1", "4294967296", "9223372036854775807", "-9223372036854775808"}},
         {"real", "double", {"0", "-0", "0.5", "-1e300", "1e300", "2", "-2.25"}},
         {"span", "d_Interval nullable", {"0", "-0", "0.5", "-1e30", "93784.5"}},
-        {"plain", "NxIString", {"ab", "abc", "AB", "b", "ab1", "", "\xC3\xA4"}, "--hash"},
         {"day", "NxDate nullable", kDates},
+        {"far", "NxDate", kFarDates},
         {"sday", "d_Date nullable", kDates},
         {"hour", "NxTime nullable", {"00:00:00", "00:00:01", "12:30:00", "23:59:59"}},
         {"zoned", "d_Time", {"00:00:00", "00:00:00.50", "10:00:00+02:00", "10:00:00-02:00", "23:59:59.99"}},
@@ -254,19 +258,40 @@ class Oddities {
     return kColumns;
   }
 
-  /// Symbols and spaces in a row, letters that differ in one level, characters of another
-  /// collation, and texts whose keys are cut.
-  std::string Text() {
-    static const std::vector<std::string> kParts = {"a",  "A", "ä", "á",  "b", "ß",  "ss", "-", " ",
-                                                    "--", "1", "æ", "ae", "Я", "東", "z",  "!", "o"};
+  struct TextColumn {
+    std::string name, type;
+    bool latin = false;  // takes no characters beyond Latin-1
+    std::string index = "";
+  };
+  static const std::vector<TextColumn>& TextColumns() {
+    static const std::vector<TextColumn> kColumns = {
+        {"name", "NxString nullable language=german"}, {"spanish", "NxString language=spanish"},
+        {"danish", "NxString language=danish"},        {"plain", "NxIString", true},
+        {"hashed", "NxIString", true, "--hash"},       {"folded", "NxCaseIString", true}};
+    return kColumns;
+  }
+
+  /// Symbols and spaces in a row, also within contractions and out of expansions; letters that
+  /// differ in one level, characters of other collations and of none, and texts longer than
+  /// any key.
+  std::string Text(bool latin) {
+    static const std::vector<std::string> kParts = {
+        "a", "A",   "ä", "á", "b", "ß",  "ss", "-", " ", "--", "1",        "æ", "ae", "z", "!",
+        "o", "l-l", "l", "a", "é", "aa", "Å",  "c", "h", "ch", "\xC3\x8E", "Я", "東", "ŉ", "\xEF\xBF\xBF"};
+    constexpr unsigned kBeyondLatin = 4;
+    const auto count = static_cast<unsigned>(kParts.size()) - (latin ? kBeyondLatin : 0);
     std::string text;
-    for (unsigned n = Below(5); n > 0; --n) text += OneOf(kParts);
-    if (Below(12) == 0) text = std::string(110 + Below(25), Below(2) ? 'x' : ' ') + text;
+    for (unsigned n = Below(5); n > 0; --n) text += kParts[Below(count)];
+    if (Below(12) == 0) text = std::string(110 + Below(500), Below(2) ? 'x' : ' ') + text;
     if (Below(30) == 0) text = "á" + std::string(123, 'x') + text;
     return text;
   }
   std::string Row() {
-    std::string row = Below(20) ? '"' + Text() + '"' : "";
+    std::string row;
+    for (const TextColumn& column : TextColumns()) {
+      if (&column != &TextColumns()[0]) row += ',';
+      if (Below(20) != 0) row += '"' + Text(column.latin) + '"';
+    }
     for (const Column& column : Columns()) {
       const bool nullable = column.type.find("nullable") != std::string::npos;
       row += nullable && Below(20) == 0 ? "," : ",\"" + OneOf(column.values) + '"';
@@ -276,20 +301,26 @@ class Oddities {
 
   std::string Term() {
     const std::string relation = OneOf({" = ", " = ", " != ", " < ", " <= ", " > ", " >= "});
-    if (Below(3) == 0)
-      return "name" + relation + '"' + Pattern(Text()) + '"' +
+    const TextColumn& text = TextColumns()[Below(static_cast<unsigned>(TextColumns().size()))];
+    const std::string negation = OneOf({"", "", "", "not "});
+    if (Below(12) == 0)
+      return negation + text.name + " between \"" + Text(text.latin) + "\" and \"" + Text(text.latin) + '"';
+    if (Below(12) == 0)
+      return negation + text.name + " in (\"" + Text(text.latin) + "\", \"" + Pattern(Text(text.latin)) +
+             "\")";
+    if (Below(2) == 0)
+      return negation + text.name + relation + '"' + Pattern(Text(text.latin)) + '"' +
              OneOf({"", "", " literally", " ignoring case", " ignoring accents",
                     " ignoring case, accents, symbols, spaces", " ignoring spaces",
                     " ignoring symbols, accents"});
     const Column& column = Columns()[Below(static_cast<unsigned>(Columns().size()))];
     if (Below(10) == 0) return column.name + " is " + OneOf({"", "not "}) + "null";
     std::string value = OneOf(column.values);
-    if (column.type.find("Date ") != std::string::npos) {
-      if (Below(3) == 0) value.replace(0, 4, "*");
+    if (column.type.find("Date") != std::string::npos && column.type.find("Time") == std::string::npos) {
+      if (Below(3) == 0) value.replace(0, value.find('-', 1), "*");
       if (Below(3) == 0) value.replace(value.size() - 2, 2, "*");
-      if (Below(4) == 0) value.replace(value.find('-') + 1, 2, "*");
+      if (Below(4) == 0) value.replace(value.find('-', 1) + 1, 2, "*");
     }
-    if (column.name == "plain") value = Pattern(value);
     return column.name + relation + '"' + value + '"';
   }
 
@@ -309,14 +340,16 @@ class Oddities {
 
 TEST_F(Workbench, AnIndexFindsWhatAScanFindsAmongOddities) {
   Oddities odd(31);
-  std::string schema = "name NxString nullable language=german\n", rows;
+  std::string schema, rows;
+  for (const auto& column : Oddities::TextColumns()) schema += column.name + " " + column.type + "\n";
   for (const auto& column : Oddities::Columns()) schema += column.name + " " + column.type + "\n";
   for (int i = 0; i < 600; ++i) rows += odd.Row();
   Write("s", schema);
   Write("d", rows);
   const Outcome import = Run("import s d store");
   ASSERT_EQ(0, import.status) << import.output;
-  ASSERT_EQ(0, Run("index store name").status);
+  for (const auto& column : Oddities::TextColumns())
+    ASSERT_EQ(0, Run("index store " + column.name + " " + column.index).status) << column.name;
   for (const auto& column : Oddities::Columns())
     ASSERT_EQ(0, Run("index store " + column.name + " " + column.index).status) << column.name;
   ASSERT_EQ(0, Run("import s d store").status) << "indexes grow with the store";

@@ -4,7 +4,7 @@ Conditions that do not parse say where, and what was expected there.
   $ printf 'a,1\nb,2\n' >d
   $ nxtm import s d store >log
   $ nxtm query store 'word'
-  nxtm: the condition, at character 5: expected =, !=, <, <=, >, >= or 'is', found the end
+  nxtm: the condition, at character 5: expected =, !=, <, <=, >, >=, 'in', 'between' or 'is', found the end
   [2]
   $ nxtm query store 'wort = 1'
   nxtm: the condition, at character 1: there is no attribute 'wort' (word, n)
@@ -31,7 +31,7 @@ Conditions that do not parse say where, and what was expected there.
   nxtm: the condition, at character 14: expected 'and', 'or' or the end, found 'und'
   [2]
   $ nxtm query store "$(printf '%101s' | tr ' ' '(')"
-  nxtm: the condition, at character 102: expected at most 100 parentheses inside of each other, found the end
+  nxtm: the condition, at character 102: expected at most 100 conditions inside of each other, found the end
   [2]
   $ nxtm query store 'n = 1 ignoring case'
   nxtm: the condition, at character 7: expected 'and', 'or' or the end, found 'ignoring cas'
@@ -39,3 +39,132 @@ Conditions that do not parse say where, and what was expected there.
   $ nxtm query store 'word = a ignoring cases'
   nxtm: the condition, at character 19: expected 'case', 'accents', 'symbols' or 'spaces', found 'cases'
   [2]
+  $ nxtm query store 'n in 1'
+  nxtm: the condition, at character 6: expected '(', found '1'
+  [2]
+  $ nxtm query store 'n in (1, 2'
+  nxtm: the condition, at character 11: expected ',' or ')', found the end
+  [2]
+  $ nxtm query store 'n between 1 or 2'
+  nxtm: the condition, at character 13: expected 'and', found 'or 2'
+  [2]
+
+Lists, ranges and what is not: nulls match nothing but a test of null.
+
+  $ printf 'word NxString\nn long nullable\nx double nullable\nt NxBoolean nullable\nb NxBlob nullable\n' >s5
+  $ printf 'b,2,0.5,true,\nä,,,,00\na,10,-1e300,false,\n"c, d",-3,2,,"0102"\nA,2,,true,\n' >d5
+  $ nxtm import s5 d5 five >log
+  $ nxtm query five 'n in (2, -3)' --select word
+  b
+  "c, d"
+  A
+  $ nxtm query five 'word in ("a", "b") ignoring case, accents' --select word
+  b
+  ä
+  a
+  A
+  $ nxtm query five 'n between -3 and 2' --select n
+  2
+  -3
+  2
+  $ nxtm query five 'not n between -3 and 2' --select n
+  10
+  $ nxtm query five 'not (n = 10 or n is null) and not word = "b"' --select word
+  "c, d"
+  A
+  $ for index in n word; do nxtm index five $index >log; done
+  $ nxtm query five 'n >= 2 and n < 10 and not n in (5, 6)' --select word,n --explain | grep -v estimated
+  b,2
+  A,2
+  --   sort keys from 01 80 00 00 02
+  --   below          01 80 00 00 0A
+  --   2 entries read
+  --   sort keys from 01 80 00 00 02
+  --   below          01 80 00 00 0A
+  --   2 entries read
+  -- 2 of 5 records read, 2 found, * ms (glob)
+
+Rows as they are asked for.
+
+  $ nxtm query five 'word > ""' --order-by 'n desc, word' --header --select n,word
+  n,word
+  10,a
+  2,A
+  2,b
+  -3,"c, d"
+  ,ä
+  $ nxtm query five 'word > ""' --order-by n --limit 2 --select n,word
+  ,ä
+  -3,"c, d"
+  $ nxtm query five 'word > ""' --order-by b
+  nxtm: 'b': blobs have no order
+  [2]
+  $ nxtm query five 'word > ""' --order-by 'n down'
+  nxtm: 'n down': expected 'asc' or 'desc' behind the name
+  [1]
+  $ nxtm query five 'word > ""' --output json
+  [
+    {"word": "b", "n": 2, "x": 0.5, "t": true, "b": null},
+    {"word": "ä", "n": null, "x": null, "t": null, "b": "00"},
+    {"word": "a", "n": 10, "x": -1e+300, "t": false, "b": null},
+    {"word": "c, d", "n": -3, "x": 2, "t": null, "b": "0102"},
+    {"word": "A", "n": 2, "x": null, "t": true, "b": null}
+  ]
+  $ nxtm query five 'n = 77' --output json
+  []
+  $ nxtm query five 'n > 0' --output table --select word,x,n
+  word  x        n
+  b     0.5      2
+  a     -1e+300  10
+  A              2
+  $ nxtm query five 'word > ""' --count --min word,n,x --max word --header
+  count,min(word),min(n),min(x),max(word)
+  5,a,-3,-1e+300,"c, d"
+  $ nxtm query five 'n = 77' --max n,word
+  ,
+  $ nxtm query five 'n = 2' --output xml
+  nxtm: 'xml' is no form of rows (csv, json, table)
+  [1]
+
+Records that are deleted are gone from the indexes, too.
+
+  $ nxtm delete five 'n = 2'
+  2 records deleted, 3 left
+  $ nxtm query five 'word > ""' --select word,n
+  ä,
+  a,10
+  "c, d",-3
+  $ nxtm query five 'word = "b"'
+  $ nxtm check five
+  3 records: sound
+  ordered index of word, 3 entries: sound
+  ordered index of n, 2 entries: sound
+  $ nxtm delete five 'n = 2'
+  0 records deleted, 3 left
+  $ nxtm info five | tail -3
+  
+  ordered index of word: 3 entries
+  ordered index of n: 2 entries
+
+What is asked wrongly.
+
+  $ nxtm qurey
+  nxtm: there is no command 'qurey'; the nearest one is 'query'; see nxtm help
+  [1]
+  $ nxtm help qurey
+  nxtm: there is no command 'qurey'; the nearest one is 'query'; see nxtm help
+  [1]
+  $ nxtm query five
+  CONDITION is required
+  Run with --help for more information.
+  [1]
+  $ nxtm help | tail -3
+  Exit status: 0 success, 1 a command line that is not right, 2 input that is not right,
+  3 a store or file that is damaged or cannot be read or written, 4 a store on other
+  machines that cannot be reached.
+  $ nxtm help drop | grep -c -- --hash
+  1
+  $ nxtm manual | grep -c '^.TP'
+  21
+  $ nxtm completion >complete && . ./complete && COMP_WORDS=(nxtm ind) COMP_CWORD=1 && _nxtm && echo ${COMPREPLY[@]}
+  index

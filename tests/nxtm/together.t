@@ -89,7 +89,7 @@ Reasons, when the world is not as it should be.
   nxtm: the output cannot be written; the store is
   $ nxtm export store >/dev/full
   nxtm: the output cannot be written
-  [2]
+  [3]
   $ nxtm export store | wc -l
   600
   $ NX21_CONFIG=nowhere nxtm export store | wc -l

@@ -156,8 +156,8 @@ A file of any usual spelling goes in and comes out.
   $ for column in day at hex; do nxtm index store $column >log; done
   $ nxtm query store 'at > """98"" 01/01 12:00:00 am"' --explain | head -3
   -- at > """98"" 01/01 12:00:00 am": ordered index of at, estimated fraction 0.000000 (0 records)
-  --   from "98" 01/01 12:00:00 am  CE 07 01 01 00 00 00
-  --   to   open
+  --   sort keys from 87 CE 81 81 80 80 80 00
+  --   below          open
   $ nxtm query store "hex = 0xdeadbeef"
   Mon 15.Mar 2004,"""07"" 12/31 12:00:59 am",0xdeadbeef,0XFF,A
   $ nxtm query store "day = *-02-*"
@@ -262,7 +262,7 @@ Blobs come from files beside the table, and go to files.
   $ cmp out/bytes.1 in/some && cmp out/bytes.2 in/none && cmp out/bytes.6 in/large
   $ nxtm export blobs --blobs out
   nxtm: blobs: record 0: out/bytes.1: File exists
-  [2]
+  [3]
   $ nxtm export blobs | head -5
   some,00FF6279746573
   none,""

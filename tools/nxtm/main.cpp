@@ -10,8 +10,10 @@
 #include <cstring>
 
 #include "commands/commands.h"
+#include "commands/reference.h"
 #include "data/failure.h"
 #include "nxtmdata.h"
+#include "nxversion.h"
 
 namespace {
 
@@ -130,10 +132,16 @@ void AddWorkingCommands(CLI::App& app, Arguments& a) {
       ->add_option("SCHEMA", a.schema,
                    "a line per column: name type [nullable] [format=F] [language=L] [codeset=C]")
       ->required();
-  importing->add_option("DATA", a.data, "CSV in UTF-8; a field that is empty and not quoted is null")
+  importing
+      ->add_option("DATA", a.data, "CSV, - for standard input; a field that is empty and not quoted is null")
       ->required();
   importing->add_option("STORE", a.store)->required();
-  importing->add_flag("--header", a.import.header, "the first row names the columns");
+  importing->add_flag("--header", a.import.header, "the first row names the columns, in any order");
+  importing->add_option("--delimiter", a.import.delimiter, "the byte between fields; tab is one, too")
+      ->capture_default_str();
+  importing->add_option("--encoding", a.import.encoding, "utf-8, latin1, windows-1252, latin9 or latin2")
+      ->capture_default_str();
+  importing->add_option("--skip-bad", a.import.badRows, "set rows that are not right aside in a new file");
   AddWritingOption(importing, a);
   importing->callback([&] {
     a.import.wait = a.WaitOrNot();
@@ -149,6 +157,10 @@ void AddWorkingCommands(CLI::App& app, Arguments& a) {
   auto* check = app.add_subcommand("check", "walk every record and every index entry, both ways");
   check->add_option("STORE", a.store)->required();
   check->callback([&] { Check(a.store); });
+
+  auto* info = app.add_subcommand("info", "the schema, counts, indexes and versions of a store");
+  info->add_option("STORE", a.store)->required();
+  info->callback([&] { Info(a.store); });
 
   auto* index = app.add_subcommand("index", "make an index of an attribute");
   index->add_option("STORE", a.store)->required();
@@ -169,6 +181,12 @@ void AddWorkingCommands(CLI::App& app, Arguments& a) {
   AddWritingOption(drop, a);
   drop->callback([&] { DropIndex(a.store, a.attribute, a.hash, a.WaitOrNot()); });
 
+  auto* deleting = app.add_subcommand("delete", "take the records away that a condition selects");
+  deleting->add_option("STORE", a.store)->required();
+  deleting->add_option("CONDITION", a.condition, "such as: word = \"Haus*\"")->required();
+  AddWritingOption(deleting, a);
+  deleting->callback([&] { Delete(a.store, a.condition, a.WaitOrNot()); });
+
   auto* compact = app.add_subcommand("compact", "give the free pages of a store back");
   compact->add_option("STORE", a.store)->required();
   AddWritingOption(compact, a);
@@ -181,7 +199,13 @@ void AddWorkingCommands(CLI::App& app, Arguments& a) {
   query->add_flag("--explain", a.query.explain, "tell the estimates, the bounds and what was read");
   query->add_flag("--scan", a.query.scan, "use no index");
   query->add_flag("--count", a.query.count, "print the number of records only");
+  query->add_option("--min", a.query.min, "print the smallest values of attributes: a,b");
+  query->add_option("--max", a.query.max, "print the largest values of attributes: a,b");
+  query->add_option("--select", a.query.select, "the attributes that are printed: a,b");
+  query->add_option("--order-by", a.query.orderBy, "print in the order of attributes: a,b desc");
   query->add_option("--limit", a.query.limit, "print at most so many records");
+  query->add_flag("--header", a.query.header, "print the names of the columns first");
+  query->add_option("--output", a.query.output, "csv, json or table")->capture_default_str();
   query->callback([&] { Query(a.store, a.condition, a.query); });
 }
 
@@ -198,31 +222,74 @@ void WarnOfMissingConfiguration() {
     std::fprintf(stderr, "nxtm: warning: NX21_CONFIG names %s: %s\n", file, std::strerror(errno));
 }
 
+/// Names a command that is not there, with the one that comes nearest.
+[[noreturn]] void FailUnknown(const CLI::App& app, const std::string& name) {
+  std::string nearest;
+  unsigned long least = name.size();
+  for (const CLI::App* command : app.get_subcommands({})) {
+    const unsigned long distance = EditDistance(name, command->get_name());
+    if (distance < least) nearest = command->get_name();
+    least = std::min(least, distance);
+  }
+  throw Failure("there is no command '" + name + "'" +
+                    (nearest.empty() ? "" : "; the nearest one is '" + nearest + "'") + "; see nxtm help",
+                kUsageStatus);
+}
+
+CLI::App* FindCommand(CLI::App& app, const std::string& name) {
+  try {
+    return app.get_subcommand(name);
+  } catch (const CLI::OptionNotFound&) {
+    FailUnknown(app, name);
+  }
+}
+
+void AddHelp(CLI::App& app, Arguments& a) {
+  auto* help = app.add_subcommand("help", "what the commands do, or one of them");
+  help->add_option("COMMAND", a.text);
+  help->callback(
+      [&] { std::fputs((a.text.empty() ? &app : FindCommand(app, a.text))->help().c_str(), stdout); });
+  auto* manual = app.add_subcommand("manual", "the page of the manual, for man")->group("");
+  manual->callback([&] { std::fputs(ManualPage(app).c_str(), stdout); });
+  auto* completion = app.add_subcommand("completion", "the completion of commands, for bash")->group("");
+  completion->callback([&] { std::fputs(BashCompletion(app).c_str(), stdout); });
+}
+
+/// Runs what the command line asks for; returns the exit status.
+int Run(CLI::App& app, int argc, char** argv) {
+  try {
+    if (argc > 1 && argv[1][0] != '-') FindCommand(app, argv[1]);
+    app.parse(argc, argv);
+    return 0;
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : kUsageStatus;
+  } catch (const std::exception& error) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "nxtm: %s\n", error.what());
+    const auto* const failure = dynamic_cast<const Failure*>(&error);
+    return failure ? failure->status : kInputStatus;
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   WarnOfMissingConfiguration();
   ___NxTypemgrContext(1);
   Arguments arguments;
-  CLI::App app("Workbench of the type manager");
+  CLI::App app("Workbench of the type manager", "nxtm");
+  app.set_version_flag("--version", "nxtm " NX_VERSION_TEXT);
+  app.footer(kStatuses);
   app.require_subcommand(1);
   AddLookingCommands(app, arguments);
   AddWorkingCommands(app, arguments);
-  int status = 0;
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    status = app.exit(error) == 0 ? 0 : 2;
-  } catch (const std::exception& error) {
-    std::fflush(stdout);
-    std::fprintf(stderr, "nxtm: %s\n", error.what());
-    status = 2;
-  }
+  AddHelp(app, arguments);
+  int status = Run(app, argc, argv);
   if ((std::fflush(stdout) != 0 || std::ferror(stdout)) && status == 0) {
     // What is written to a store is there, whatever becomes of the line that says so.
     const bool kept = WritesToStore(app);
     std::fprintf(stderr, "nxtm: the output cannot be written%s\n", kept ? "; the store is" : "");
-    status = kept ? 0 : 2;
+    status = kept ? 0 : kStoreStatus;
   }
   ___NxTypemgrContext(0);
   return status;

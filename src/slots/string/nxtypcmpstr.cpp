@@ -10,6 +10,7 @@
 #include "collation/nxplainbytes.h"
 #include "collation/nxstrcmp.h"
 #include "collation/nxstrcmpkeys.h"
+#include "collation/nxstrhash.h"
 #include "nxlang.h"
 #include "nxstring.h"
 #include "nxtypcmp.h"
@@ -283,6 +284,22 @@ bool IsWhole(const char* image, unsigned long length, unsigned char format) {
   return NxUnitAt<unsigned short>(image + n) == NxStoredString::kTrailer;
 }
 
+/// Compares two of them as far as plain texts go, of which most calls are: kDecided or kUnsuited.
+/// The format is the usual one.
+inline NxVerdict ComparePlain(const char* a, unsigned long length1, const char* b, unsigned long length2,
+                              unsigned short options, int& result) {
+  if (!IsWhole(a, length1, kFormatNative) || !IsWhole(b, length2, kFormatNative)) return NxVerdict::kUnsuited;
+  const NxOrderTable* const table =
+      NxTableOfBoth(NxStoredString::CodeSetOf(a), NxStoredString::LanguageOf(a), NxStoredString::CodeSetOf(b),
+                    NxStoredString::LanguageOf(b), options);
+  if (!table) return NxVerdict::kUnsuited;
+  const unsigned bytes =
+      std::min(NxStoredString::LengthOf(a, kFormatNative), NxStoredString::LengthOf(b, kFormatNative));
+  NxNoteRoad(NxRoad::kPlainBytes);
+  return NxCompareAlike(*table, NxStoredString::TextOf(a), NxStoredString::TextOf(b),
+                        NxKnownEnds{a + bytes + 1}, options, result);
+}
+
 /// Compares two of them; kUnsuited for texts that must be taken out first.
 NxVerdict CompareWhole(const char* a, const char* b, unsigned short options, unsigned char format,
                        long& result, int& error) {
@@ -293,12 +310,6 @@ NxVerdict CompareWhole(const char* a, const char* b, unsigned short options, uns
   const char* const text1 = NxStoredString::TextOf(a);
   const char* const text2 = NxStoredString::TextOf(b);
   const unsigned char code = format & kFormatCodeMask;
-  if (const NxOrderTable* const table = NxTableOfBoth(codeSet1, language1, codeSet2, language2, options)) {
-    NxNoteRoad(NxRoad::kPlainBytes);
-    error = 0;
-    result = NxCompareAlike(*table, codeSet1, language1, text1, text2, options, code, nullptr);
-    return NxVerdict::kDecided;
-  }
   if (NxCharWidth(codeSet1) == 1 && NxCharWidth(codeSet2) == 1) {
     error = 0;
     result =
@@ -320,8 +331,12 @@ long StringCompareCommon(unsigned char format, unsigned long len1, void* value1,
   return StringComparison(a, b, options, format).Run(count, error);
 }
 
-long StringCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2, void* value2,
-                   unsigned short options, unsigned long count, int& error) {
+namespace {
+
+/// StringCompare of what ComparePlain leaves over.
+[[gnu::noinline]] long CompareOthers(unsigned char format, unsigned long len1, void* value1,
+                                     unsigned long len2, void* value2, unsigned short options,
+                                     unsigned long count, int& error) {
   const char* const a = static_cast<const char*>(value1);
   const char* const b = static_cast<const char*>(value2);
   long result;
@@ -336,6 +351,20 @@ long StringCompare(unsigned char format, unsigned long len1, void* value1, unsig
       CompareWhole(a, b, options, format, result, error) == NxVerdict::kDecided)
     return result;
   return StringCompareCommon(format, len1, value1, len2, value2, options, count, error, 0);
+}
+
+}  // namespace
+
+long StringCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2, void* value2,
+                   unsigned short options, unsigned long count, int& error) {
+  int result;
+  if (format == kFormatNative && count == 1 &&
+      ComparePlain(static_cast<const char*>(value1), len1, static_cast<const char*>(value2), len2, options,
+                   result) == NxVerdict::kDecided) {
+    error = 0;
+    return result;
+  }
+  return CompareOthers(format, len1, value1, len2, value2, options, count, error);
 }
 
 long StringOldCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2,
@@ -370,9 +399,10 @@ unsigned long StringHash(unsigned char format, unsigned long len, void* value, u
   if (count == 1 && format != kFormatMemory && IsWhole(image, len, format) &&
       NxCharWidth(NxStoredString::CodeSetOf(image)) == 1) {
     error = 0;
+    const unsigned long length = NxStoredString::LengthOf(image, format) - NxStoredString::kEmptyLength;
     const unsigned long hash =
-        HashString(NxStoredString::CodeSetOf(image), NxStoredString::LanguageOf(image),
-                   NxStoredString::TextOf(image), kWholeText, format & kFormatCodeMask);
+        NxHashBytes(NxStoredString::CodeSetOf(image), NxStoredString::LanguageOf(image),
+                    NxStoredString::TextOf(image), length, format & kFormatCodeMask);
     return hash * kHashMultiplier;
   }
   return StringHashCommon(format, len, value, count, error, 0);

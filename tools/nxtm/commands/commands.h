@@ -42,26 +42,40 @@ void ShowScanned(const std::string& type, const std::string& text, const LookOpt
 // Working on stores.
 
 struct ImportOptions {
-  bool header = false;  // the first row names the columns
+  bool header = false;          // the first row names the columns, in any order
+  std::string delimiter = ",";  // a byte, or "tab"
+  std::string encoding = "utf-8";
+  std::string badRows;  // a new file for rows that are not right; empty: one is a Failure
   Wait wait = Wait::kForever;
 };
+/// Adds the rows of a CSV file, "-" for standard input, all or none.
 void Import(const std::string& schemaFile, const std::string& dataFile, const std::string& storeFile,
             const ImportOptions& options = {});
 /// Blobs go to new files of a folder where one is named.
 void Export(const std::string& storeFile, bool header, const std::string& blobFolder = "");
 void Check(const std::string& storeFile);
+/// Prints the schema, the counts, the indexes and the versions of a store.
+void Info(const std::string& storeFile);
 void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash,
                Wait wait = Wait::kForever);
 void Reindex(const std::string& storeFile, Wait wait);
 void DropIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait);
+/// Takes the records away that a condition selects; the others get the numbers before them.
+void Delete(const std::string& storeFile, const std::string& condition, Wait wait);
 void Compact(const std::string& storeFile, Wait wait);
 
 struct QueryOptions {
-  bool explain = false;     // tell estimates, bounds and what was read
-  bool scan = false;        // read every record
-  bool count = false;       // print the number of records in their place
-  unsigned long limit = 0;  // records printed; 0 is all
+  bool explain = false;        // tell estimates, bounds and what was read
+  bool scan = false;           // read every record
+  bool count = false;          // print the number of records in their place
+  bool header = false;         // the names of the columns first
+  unsigned long limit = 0;     // records printed; 0 is all
+  std::string select;          // columns, with commas between them; empty: all
+  std::string orderBy;         // columns, each with "asc" or "desc" behind it, or without
+  std::string min, max;        // columns whose extremes are printed in place of the records
+  std::string output = "csv";  // the form of rows
 };
+/// Prints the records that a condition selects, or figures of them.
 void Query(const std::string& storeFile, const std::string& condition, const QueryOptions& options);
 
 }  // namespace nxtm

@@ -2,23 +2,33 @@
 
 #include "commands/csvwriter.h"
 
+#include <numeric>
+#include <utility>
+
 #include "data/csvfile.h"
 #include "data/file.h"
 
 namespace nxtm {
 
-std::string CsvHeader(const Schema& schema) {
+std::vector<unsigned long> AllColumns(const Schema& schema) {
+  std::vector<unsigned long> all(schema.Columns().size());
+  std::iota(all.begin(), all.end(), 0UL);
+  return all;
+}
+
+std::string CsvHeader(const Schema& schema, const std::vector<unsigned long>& columns) {
   std::string line;
-  for (const Column& column : schema.Columns()) line += (line.empty() ? "" : ",") + column.name;
+  for (unsigned long i : columns) line += (line.empty() ? "" : ",") + schema.Columns()[i].name;
   return line + '\n';
 }
 
 const std::string& CsvWriter::LineOf(const std::vector<Field>& fields) {
   line_.clear();
   ++lines_;
-  for (unsigned long i = 0; i < fields.size(); ++i) {
-    if (i) line_ += ',';
-    if (!fields[i].isNull) AddField(i, fields[i], fields.size() == 1);
+  bool first = true;
+  for (unsigned long i : columns_) {
+    if (!std::exchange(first, false)) line_ += ',';
+    if (!fields[i].isNull) AddField(i, fields[i], columns_.size() == 1);
   }
   return line_ += '\n';
 }

@@ -9,15 +9,20 @@
 
 namespace nxtm {
 
-/// The names of the columns, with a comma between them and the end of the line.
-std::string CsvHeader(const Schema& schema);
+/// The places of all columns.
+std::vector<unsigned long> AllColumns(const Schema& schema);
+/// The names of columns, with a comma between them and the end of the line.
+std::string CsvHeader(const Schema& schema, const std::vector<unsigned long>& columns);
 
 /// Writes records as lines of CSV.
 class CsvWriter {
  public:
   /// Blobs go to files of a folder where one is given, else into the lines.
-  explicit CsvWriter(const Schema& schema, const std::string& blobFolder = "")
-      : schema_(schema), converters_(ConvertersOf(schema)), blobFolder_(blobFolder) {}
+  CsvWriter(const Schema& schema, std::vector<unsigned long> columns, const std::string& blobFolder = "")
+      : schema_(schema),
+        columns_(std::move(columns)),
+        converters_(ConvertersOf(schema)),
+        blobFolder_(blobFolder) {}
 
   const std::string& LineOf(const std::vector<Field>& fields);
 
@@ -25,6 +30,7 @@ class CsvWriter {
   void AddField(unsigned long i, const Field& field, bool alone);
 
   const Schema& schema_;
+  std::vector<unsigned long> columns_;
   std::vector<Converter> converters_;
   std::string blobFolder_;
   unsigned long lines_ = 0;

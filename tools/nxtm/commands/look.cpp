@@ -29,7 +29,7 @@ struct Look {
   Image ImageOf(const std::string& text) const {
     return Converter(type, style).ToImage(text, format, Pattern::kFields);
   }
-  Image KeyOf(const std::string& text) const { return OrderedKey(type, ImageOf(text), format); }
+  Image KeyOf(const std::string& text) const { return KeyImageOf(type, ImageOf(text), format); }
 
   char type;
   TextStyle style;
@@ -91,11 +91,12 @@ unsigned short ParseRelation(const std::string& sign) {
 }  // namespace
 
 void ListTypes() {
-  std::printf("%3s  %-15s %5s  %-5s  %-4s  %s\n", "id", "name", "bytes", "fixed", "null", "print format");
+  std::printf("%3s  %-15s %5s  %-5s  %-4s  %-6s  %s\n", "id", "name", "bytes", "fixed", "null", "schema",
+              "print format");
   for (char id = 0; Manager().IsValidType(id) && id < static_cast<char>(kTypeCount); ++id)
-    std::printf("%3d  %-15s %5u  %-5s  %-4s  %s\n", id, Manager().NameGet(id, nullptr),
+    std::printf("%3d  %-15s %5u  %-5s  %-4s  %-6s  %s\n", id, Manager().NameGet(id, nullptr),
                 Manager().MemLenGet(id, 1), Manager().IsFixed(id) ? "yes" : "no",
-                Manager().SupportsNullValue(id) ? "yes" : "no",
+                Manager().SupportsNullValue(id) ? "yes" : "no", IsUsable(id) ? "yes" : "no",
                 NxNewtypetab[static_cast<unsigned char>(id)]->format);
 }
 

@@ -8,6 +8,8 @@
 #include "commands/stopwatch.h"
 #include "data/failure.h"
 #include "data/progress.h"
+#include "nxlang.h"
+#include "query/query.h"
 #include "store/index.h"
 #include "store/store.h"
 
@@ -16,63 +18,90 @@ namespace nxtm {
 void Export(const std::string& storeFile, bool header, const std::string& blobFolder) {
   auto store = Store::Open(storeFile, Store::Mode::kRead);
   if (!blobFolder.empty()) std::filesystem::create_directories(blobFolder);
-  if (header) std::fputs(CsvHeader(store->GetSchema()).c_str(), stdout);
-  std::vector<Field> fields;
-  CsvWriter writer(store->GetSchema(), blobFolder);
+  if (header) std::fputs(CsvHeader(store->GetSchema(), AllColumns(store->GetSchema())).c_str(), stdout);
+  RecordReader reader(store->GetSchema());
+  CsvWriter writer(store->GetSchema(), AllColumns(store->GetSchema()), blobFolder);
   store->ForEach([&](unsigned int number, std::string_view record) {
     try {
-      Record::Split(store->GetSchema(), record, fields);
-      const std::string& line = writer.LineOf(fields);
+      reader.Begin(record);
+      const std::string& line = writer.LineOf(reader.All());
       std::fwrite(line.data(), 1, line.size(), stdout);
+      return true;
     } catch (const Failure& failure) {
-      throw Failure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
+      throw StoreFailure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
     }
   });
 }
 
 void Check(const std::string& storeFile) {
   auto store = Store::Open(storeFile, Store::Mode::kRead);
-  store->CheckFile();
+  if (store->Engine().LeftUnfinished()) {
+    store.reset();
+    Store::Open(storeFile, Store::Mode::kWrite);  // which sweeps
+    store = Store::Open(storeFile, Store::Mode::kRead);
+  }
+  store->Engine().Check();
   Progress progress("checking", store->Count());
-  std::vector<Field> fields;
+  RecordReader reader(store->GetSchema());
   std::vector<Converter> converters = ConvertersOf(store->GetSchema());
   store->ForEach([&](unsigned int number, std::string_view record) {
     try {
-      Record::Split(store->GetSchema(), record, fields);
+      reader.Begin(record);
+      const std::vector<Field>& fields = reader.All();
       for (unsigned long i = 0; i < fields.size(); ++i)
         if (!fields[i].isNull) converters[i].ToText(fields[i].image);
     } catch (const Failure& failure) {
-      throw Failure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
+      throw StoreFailure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
     }
     progress.At(number);
+    return true;
   });
   std::printf("%lu records: sound\n", store->Count());
   for (const IndexInfo& index : store->Indexes()) {
-    const std::string found = index.IsMade()
-                                  ? ", " + std::to_string(CheckIndex(*store, index)) + " entries: sound"
-                                  : ": emptied, to be made anew by nxtm reindex";
-    std::printf("%s index of %s%s\n", index.hash ? "hash" : "ordered",
-                store->GetSchema().Columns()[index.attribute].name.c_str(), found.c_str());
+    const char* const kind = index.hash ? "hash" : "ordered";
+    const char* const name = store->GetSchema().Columns()[index.attribute].name.c_str();
+    if (index.IsMade()) {
+      CheckIndex(*store, index);
+      std::printf("%s index of %s, %lu entries: sound\n", kind, name, index.entries);
+    } else {
+      std::printf("%s index of %s: emptied, to be made anew by nxtm reindex\n", kind, name);
+    }
   }
+}
+
+void Info(const std::string& storeFile) {
+  auto store = Store::Open(storeFile, Store::Mode::kRead);
+  std::printf("%s\nrecords    %lu\nbytes      %llu\ncollation  %lu, this is %lu\n\n%s", store->Kind().c_str(),
+              store->Count(), store->Engine().Size(), store->Collation(), NxCollationVersion(),
+              store->GetSchema().Text().c_str());
+  for (const IndexInfo& index : store->Indexes()) {
+    const std::string state = !index.IsMade() ? "emptied, to be made anew by nxtm reindex"
+                              : index.collation == store->Collation()
+                                  ? std::to_string(index.entries) + " entries"
+                                  : "made with collation " + std::to_string(index.collation);
+    std::printf("\n%s index of %s: %s", index.hash ? "hash" : "ordered",
+                store->GetSchema().Columns()[index.attribute].name.c_str(), state.c_str());
+  }
+  if (!store->Indexes().empty()) std::printf("\n");
 }
 
 void MakeIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait) {
   Stopwatch watch;
   auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
-  store->CheckFile();
+  store->Engine().Check();
   const unsigned long place = store->GetSchema().Find(attribute);
   if (!hash && FormOf(store->GetSchema().Columns()[place].type).kind == Kind::kBlob)
     throw Failure("blobs have no ordered index; --hash makes one for exact matches");
-  BuildIndex(*store, IndexInfo{place, hash, 0});
+  BuildIndex(*store, place, hash);
   store->Commit();
   std::printf("%s index of %s made in %.2f s, store %.2f MB\n", hash ? "hash" : "ordered", attribute.c_str(),
-              watch.Seconds(), static_cast<double>(store->FileSize()) / 1e6);
+              watch.Seconds(), static_cast<double>(store->Engine().Size()) / 1e6);
 }
 
 void Reindex(const std::string& storeFile, Wait wait) {
   Stopwatch watch;
   auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
-  store->CheckFile();
+  store->Engine().Check();
   RebuildIndexes(*store);
   const unsigned long made = store->Indexes().size();
   store->Commit();
@@ -81,20 +110,36 @@ void Reindex(const std::string& storeFile, Wait wait) {
 
 void DropIndex(const std::string& storeFile, const std::string& attribute, bool hash, Wait wait) {
   auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
-  store->CheckFile();
+  store->Engine().Check();
   const unsigned long place = store->GetSchema().Find(attribute);
-  if (!store->DropIndex({place, hash, 0}))
+  if (!store->DropIndex(place, hash))
     throw Failure(storeFile + ": there is no " + (hash ? "hash" : "ordered") + " index of " + attribute);
   store->Commit();
   std::printf("%s index of %s dropped\n", hash ? "hash" : "ordered", attribute.c_str());
 }
 
+void Delete(const std::string& storeFile, const std::string& condition, Wait wait) {
+  auto store = Store::Open(storeFile, Store::Mode::kWrite, wait);
+  store->Engine().Check();
+  const Condition parsed = Condition::Parse(condition, store->GetSchema());
+  std::vector<unsigned int> numbers;
+  RunQuery(*store, parsed, false, [&](unsigned int number, const std::vector<Field>&) {
+    numbers.push_back(number);
+    return true;
+  });
+  if (!numbers.empty()) {
+    RemoveRecords(*store, numbers);
+    store->Commit();
+  }
+  std::printf("%lu records deleted, %lu left\n", static_cast<unsigned long>(numbers.size()), store->Count());
+}
+
 void Compact(const std::string& storeFile, Wait wait) {
   auto store = Store::Open(storeFile, Store::Mode::kAlone, wait);
-  const unsigned long long before = store->FileSize();
-  RequireSound(*store);
-  store->Compact();
-  std::printf("%.2f MB, %.2f MB before\n", static_cast<double>(store->FileSize()) / 1e6,
+  const unsigned long long before = store->Engine().Size();
+  store->Engine().Check();
+  store->Engine().Compact();
+  std::printf("%.2f MB, %.2f MB before\n", static_cast<double>(store->Engine().Size()) / 1e6,
               static_cast<double>(before) / 1e6);
 }
 

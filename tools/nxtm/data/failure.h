@@ -35,7 +35,7 @@ inline Failure FailureAt(const std::string& file, unsigned long line, unsigned l
 }
 
 /// A text as a message quotes it: on one line, and no longer than a line.
-inline std::string Shown(const std::string& text) {
+inline std::string Shown(std::string_view text) {
   constexpr unsigned long kLongest = 60;
   static const char kDigits[] = "0123456789ABCDEF";
   std::string shown = "'";

@@ -15,21 +15,27 @@ namespace {
 
 [[noreturn]] void FailBySystem(const std::string& path) { throw Failure(path + ": " + std::strerror(errno)); }
 
+[[noreturn]] void FailBySize(const std::string& path, const std::string& size, unsigned long most) {
+  throw Failure(path + " has " + size + " bytes; at most " + std::to_string(most) + " can be kept");
+}
+
 }  // namespace
 
-std::string ReadFile(const std::string& path, unsigned long long most) {
+std::string ReadFile(const std::string& path, unsigned long most) {
   const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
   if (!file) FailBySystem(path);
   struct stat status {};
   if (fstat(fileno(file.get()), &status) != 0) FailBySystem(path);
   const auto size = static_cast<unsigned long long>(status.st_size);
-  if (size > most)
-    throw Failure(path + " has " + std::to_string(size) + " bytes; at most " + std::to_string(most) +
-                  " can be kept");
+  if (size > most) FailBySize(path, std::to_string(size), most);
   std::string text;
   text.reserve(size);
   char piece[65536];
-  while (const unsigned long n = std::fread(piece, 1, sizeof piece, file.get())) text.append(piece, n);
+  while (const unsigned long n = std::fread(piece, 1, sizeof piece, file.get())) {
+    // A pipe or device has no size, and a file may grow.
+    if (text.size() + n > most) FailBySize(path, "more than " + std::to_string(most), most);
+    text.append(piece, n);
+  }
   if (std::ferror(file.get())) FailBySystem(path);
   return text;
 }

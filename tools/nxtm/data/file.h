@@ -9,7 +9,7 @@ namespace nxtm {
 
 /// The whole of a file; a Failure tells why it cannot be read, or that it has more than
 /// `most` bytes.
-std::string ReadFile(const std::string& path, unsigned long long most = ~0ULL);
+std::string ReadFile(const std::string& path, unsigned long most);
 
 /// Writes a file that is not there yet; a Failure when it is, or cannot be written.
 void WriteNewFile(const std::string& path, std::string_view bytes);

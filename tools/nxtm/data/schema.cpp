@@ -78,9 +78,11 @@ void ApplyOption(Column& column, const Word& word) {
 void ChooseStoredForm(Column& column) {
   if (FindType(FormOf(column.type).type) != column.type)
     column.nullable = true;  // a nullable type by its own name
-  if (!column.nullable) return;
-  column.type = NullableTypeOf(column.type);
-  if (Manager().SupportsNullValue(column.type)) column.nullImage = NullImage(column.type);
+  if (column.nullable) {
+    column.type = NullableTypeOf(column.type);
+    if (Manager().SupportsNullValue(column.type)) column.nullImage = NullImage(column.type);
+  }
+  column.imageSize = Box(column.type).FixedSize();
 }
 
 Column ParseColumn(const std::vector<Word>& words, Word& place) {
@@ -127,7 +129,10 @@ Schema Schema::Parse(const std::string& text, const std::string& file) {
   return schema;
 }
 
-Schema Schema::Read(const std::string& file) { return Parse(ReadFile(file), file); }
+Schema Schema::Read(const std::string& file) {
+  constexpr unsigned long kLongest = 1UL << 20;  // a thousand columns and comments have less
+  return Parse(ReadFile(file, kLongest), file);
+}
 
 std::string Schema::Text() const {
   std::string text;
@@ -172,23 +177,26 @@ Field Record::Take(const Column& column, std::string_view& bytes) {
     bytes.remove_prefix(1);
     if (field.isNull) return field;
   }
-  const unsigned long size = ImageSize(column.type, bytes);
+  unsigned long size = column.imageSize;
+  if (size == 0)
+    size = ImageSize(column.type, bytes);
+  else if (size > bytes.size())
+    size = 0;
   if (size == 0) throw Failure("attribute '" + column.name + "' is damaged");
   field.image = bytes.substr(0, size);
-  field.isNull = column.nullable && field.image == column.nullImage;
+  field.isNull = !column.nullImage.empty() && field.image == column.nullImage;
   bytes.remove_prefix(size);
   return field;
 }
 
-void Record::Split(const Schema& schema, std::string_view bytes, std::vector<Field>& fields) {
-  fields.clear();
-  for (const Column& column : schema.Columns()) fields.push_back(Take(column, bytes));
-  if (!bytes.empty()) throw Failure("there are bytes behind the last attribute");
+const std::vector<Field>& RecordReader::All() {
+  (*this)[columns_.size() - 1];
+  if (!rest_.empty()) throw Failure("there are bytes behind the last attribute");
+  return fields_;
 }
 
-void Record::Append(std::string& bytes, const Column& column, std::string_view image) {
+void Record::AppendHead(std::string& bytes, const Column& column) {
   if (column.HasNullByte()) bytes += '\0';
-  bytes += image;
 }
 
 void Record::AppendNull(std::string& bytes, const Column& column) {

@@ -25,7 +25,8 @@ struct Column {
   char type = 0;  // of its images: of a nullable scalar the nullable type
   bool nullable = false;
   TextStyle style;
-  Image nullImage;  // of the null state of a nullable column's type; empty where it has none
+  Image nullImage;              // of the null state of a nullable column's type; empty where it has none
+  unsigned long imageSize = 0;  // of its images where all have one size, else 0
 
   /// Whether a byte before the image tells null.
   bool HasNullByte() const { return nullable && nullImage.empty(); }
@@ -62,11 +63,35 @@ class Record {
   /// Takes the attribute of a column off the front of a record's bytes. Throws a Failure
   /// that names the attribute whose image is damaged.
   static Field Take(const Column& column, std::string_view& bytes);
-  /// Takes a record apart; `fields` may be those of another one. Throws a Failure as Take does.
-  static void Split(const Schema& schema, std::string_view bytes, std::vector<Field>& fields);
-  /// Appends an attribute to a record under construction.
-  static void Append(std::string& bytes, const Column& column, std::string_view image);
+  /// Appends what stands before an attribute's image to a record under construction.
+  static void AppendHead(std::string& bytes, const Column& column);
+  /// Appends an attribute that is null.
   static void AppendNull(std::string& bytes, const Column& column);
+};
+
+/// Takes a record apart as far as it is asked for, where it lies.
+class RecordReader {
+ public:
+  explicit RecordReader(const Schema& schema) : columns_(schema.Columns()) {
+    fields_.reserve(columns_.size());
+  }
+
+  /// Begins with another record, whose bytes must stay.
+  void Begin(std::string_view record) {
+    rest_ = record;
+    fields_.clear();
+  }
+  const Field& operator[](unsigned long attribute) {
+    while (fields_.size() <= attribute) fields_.push_back(Record::Take(columns_[fields_.size()], rest_));
+    return fields_[attribute];
+  }
+  /// All of them. Throws a Failure for bytes behind the last one, too.
+  const std::vector<Field>& All();
+
+ private:
+  const std::vector<Column>& columns_;
+  std::string_view rest_;
+  std::vector<Field> fields_;
 };
 
 }  // namespace nxtm

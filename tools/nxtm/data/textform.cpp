@@ -39,7 +39,7 @@ const T& As(const void* value) {
 
 /// The number that a whole text is, its sign included; nothing when it is none.
 template <class T>
-std::optional<std::from_chars_result> ReadWhole(const std::string& text, T& number) {
+std::optional<std::from_chars_result> ReadWhole(std::string_view text, T& number) {
   const char* const end = text.data() + text.size();
   const bool signedByPlus = text.size() > 1 && text[0] == '+' && text[1] != '-';
   const std::from_chars_result read = std::from_chars(text.data() + (signedByPlus ? 1 : 0), end, number);
@@ -47,7 +47,7 @@ std::optional<std::from_chars_result> ReadWhole(const std::string& text, T& numb
   return read;
 }
 
-long long ReadInteger(const std::string& text, long long low, long long high) {
+long long ReadInteger(std::string_view text, long long low, long long high) {
   long long number = 0;
   const auto read = ReadWhole(text, number);
   if (!read) throw Failure(Shown(text) + " is not a whole number");
@@ -57,8 +57,11 @@ long long ReadInteger(const std::string& text, long long low, long long high) {
 }
 
 template <class T>
-void ParseInteger(void* value, const std::string& text, const TextStyle&, Pattern) {
+void ParseInteger(void* value, std::string_view text, const TextStyle&, Pattern) {
   using Limits = std::numeric_limits<T>;
+  const auto read = ReadWhole(text, As<T>(value));
+  if (read && read->ec == std::errc()) return;
+  // The type itself cannot read all that stands for its numbers, such as -0 without a sign.
   As<T>(value) = static_cast<T>(ReadInteger(text, Limits::min(), Limits::max()));
 }
 template <class T>
@@ -67,7 +70,7 @@ std::string PrintInteger(const void* value) {
 }
 
 template <class T>
-void ParseReal(void* value, const std::string& text, const TextStyle&, Pattern) {
+void ParseReal(void* value, std::string_view text, const TextStyle&, Pattern) {
   T number = 0;
   const auto read = ReadWhole(text, number);
   if (!read || !std::isfinite(number)) throw Failure(Shown(text) + " is not a number");
@@ -95,12 +98,12 @@ std::string TextOf(const NxInt64& v) {
       static_cast<unsigned long long>(static_cast<unsigned long>(v.high)) << 32 | v.low));
 }
 
-void ParseInt64(void* value, const std::string& text, const TextStyle&, Pattern) {
+void ParseInt64(void* value, std::string_view text, const TextStyle&, Pattern) {
   As<NxInt64>(value) = ToInt64(ReadInteger(text, LLONG_MIN, LLONG_MAX));
 }
 std::string PrintInt64(const void* value) { return TextOf(As<NxInt64>(value)); }
 
-void ParseSeal(void* value, const std::string& text, const TextStyle&, Pattern) {
+void ParseSeal(void* value, std::string_view text, const TextStyle&, Pattern) {
   constexpr long long kLargest = 0xFFFFFFFFFFFFLL;  // 48 bits
   As<NxSeal>(value).ConvertFrom(ToInt64(ReadInteger(text, 0, kLargest)));
 }
@@ -110,7 +113,7 @@ std::string PrintSeal(const void* value) {
   return TextOf(number);
 }
 
-void ParseBoolean(void* value, const std::string& text, const TextStyle&, Pattern) {
+void ParseBoolean(void* value, std::string_view text, const TextStyle&, Pattern) {
   if (text != "true" && text != "false") throw Failure(Shown(text) + " is neither true nor false");
   As<NxBoolean>(value) = text == "true" ? 1L : 0L;
 }
@@ -122,7 +125,7 @@ std::string PrintBoolean(const void* value) { return As<NxBoolean>(value) == 0L 
 /// Reads fields of digits from the front of a text.
 class Fields {
  public:
-  explicit Fields(const std::string& text) : at_(text.data()), end_(text.data() + text.size()) {}
+  explicit Fields(std::string_view text) : at_(text.data()), end_(text.data() + text.size()) {}
 
   bool Next(char c) {
     if (at_ == end_ || *at_ != c) return false;
@@ -194,16 +197,16 @@ std::string TextOfTime(int hour, int minute, int second) {
   return text;
 }
 
-void ParseDate(void* value, const std::string& text, const TextStyle&, Pattern pattern) {
+void ParseDate(void* value, std::string_view text, const TextStyle&, Pattern pattern) {
   auto& date = As<NxDate>(value);
   Fields fields(text);
   const bool read = ReadDate(fields, date, pattern) && fields.AtEnd();
-  const bool any = text.find('*') != std::string::npos;
+  const bool any = pattern == Pattern::kFields && text.find('*') != std::string_view::npos;
   if (!read || !(any || date.IsDate())) throw Failure(Shown(text) + " is not a date (year-month-day)");
 }
 std::string PrintDate(const void* value) { return TextOfDate(As<NxDate>(value)); }
 
-void ParseTime(void* value, const std::string& text, const TextStyle&, Pattern) {
+void ParseTime(void* value, std::string_view text, const TextStyle&, Pattern) {
   Fields fields(text);
   if (!ReadTime(fields, As<NxTime>(value)) || !fields.AtEnd())
     throw Failure(Shown(text) + " is not a time of day (hour:minute:second)");
@@ -213,7 +216,7 @@ std::string PrintTime(const void* value) {
   return TextOfTime(time.hour, time.minute, time.second);
 }
 
-void ParseDateTime(void* value, const std::string& text, const TextStyle&, Pattern) {
+void ParseDateTime(void* value, std::string_view text, const TextStyle&, Pattern) {
   auto& point = As<NxDateTime>(value);
   Fields fields(text);
   if (!ReadDate(fields, point.date, Pattern::kNone) || !fields.Next('T') || !ReadTime(fields, point.time) ||
@@ -232,11 +235,11 @@ bool Exists(const d_Date& date) {
   return same.year == date.year && same.month == date.month && same.day == date.day;
 }
 
-void ParseStandardDate(void* value, const std::string& text, const TextStyle&, Pattern pattern) {
+void ParseStandardDate(void* value, std::string_view text, const TextStyle&, Pattern pattern) {
   auto& date = As<d_Date>(value);
   Fields fields(text);
   const bool read = ReadDate(fields, date, pattern) && fields.AtEnd();
-  const bool any = text.find('*') != std::string::npos;
+  const bool any = pattern == Pattern::kFields && text.find('*') != std::string_view::npos;
   if (!read || !(any || Exists(date))) throw Failure(Shown(text) + " is not a date (year-month-day)");
 }
 std::string PrintStandardDate(const void* value) { return TextOfDate(As<d_Date>(value)); }
@@ -283,14 +286,14 @@ std::string TextOfZonedTime(const d_Time& time) {
   return text;
 }
 
-void ParseZonedTime(void* value, const std::string& text, const TextStyle&, Pattern) {
+void ParseZonedTime(void* value, std::string_view text, const TextStyle&, Pattern) {
   Fields fields(text);
   if (!ReadZonedTime(fields, As<d_Time>(value)) || !fields.AtEnd())
     throw Failure(Shown(text) + " is not a time (hour:minute:second.25+hour:minute)");
 }
 std::string PrintZonedTime(const void* value) { return TextOfZonedTime(As<d_Time>(value)); }
 
-void ParseTimestamp(void* value, const std::string& text, const TextStyle&, Pattern) {
+void ParseTimestamp(void* value, std::string_view text, const TextStyle&, Pattern) {
   auto& point = As<d_Timestamp>(value);
   Fields fields(text);
   if (!ReadDate(fields, point.date, Pattern::kNone) || !fields.Next('T') || !Exists(point.date) ||
@@ -302,7 +305,7 @@ std::string PrintTimestamp(const void* value) {
   return TextOfDate(point.date) + "T" + TextOfZonedTime(point.time);
 }
 
-void ParseInterval(void* value, const std::string& text, const TextStyle& style, Pattern pattern) {
+void ParseInterval(void* value, std::string_view text, const TextStyle& style, Pattern pattern) {
   ParseReal<float>(&As<d_Interval>(value).value, text, style, pattern);
 }
 std::string PrintInterval(const void* value) { return PrintReal<float>(&As<d_Interval>(value).value); }
@@ -310,14 +313,14 @@ std::string PrintInterval(const void* value) { return PrintReal<float>(&As<d_Int
 // ---------------------------------------------------------------------------
 // Texts
 
-void ParseString(void* value, const std::string& text, const TextStyle& style, Pattern) {
+void ParseString(void* value, std::string_view text, const TextStyle& style, Pattern) {
   As<NxString>(value) = StringOfUtf8(text, style.codeSet, style.language);
 }
 std::string PrintString(const void* value) { return Utf8OfString(As<NxString>(value)); }
 
 /// An alphabetic string, which knows Latin-1 only.
 template <class T>
-void ParseAlphabetic(void* value, const std::string& text, const TextStyle&, Pattern) {
+void ParseAlphabetic(void* value, std::string_view text, const TextStyle&, Pattern) {
   As<T>(value) = StringOfUtf8(text, kCodeSetLatin1).StrGet();
 }
 template <class T>
@@ -330,10 +333,10 @@ std::string PrintAlphabetic(const void* value) {
 // Blobs
 
 /// Hexadecimal digits, or the path of a file that has the bytes behind a "@".
-void ParseBlob(void* value, const std::string& text, const TextStyle& style, Pattern) {
+void ParseBlob(void* value, std::string_view text, const TextStyle& style, Pattern) {
   std::string bytes;
   if (text.rfind('@', 0) == 0) {
-    const std::string path = text.substr(1);
+    const std::string path(text.substr(1));
     bytes = ReadFile(path.rfind('/', 0) == 0 ? path : style.folder + path, kLargestBlob);
   } else {
     bytes = FromHex(text);

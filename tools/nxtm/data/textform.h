@@ -4,6 +4,7 @@
 #define NXTM_TEXTFORM_H
 
 #include <string>
+#include <string_view>
 
 namespace nxtm {
 
@@ -41,7 +42,7 @@ struct TextForm {
   /// The format under which the library reads and prints it; null: the functions below do.
   const char* format;
   /// Reads a value strictly; a Failure says what is wrong with the text.
-  void (*parse)(void* value, const std::string& text, const TextStyle& style, Pattern pattern);
+  void (*parse)(void* value, std::string_view text, const TextStyle& style, Pattern pattern);
   /// The text that parse reads back as the value.
   std::string (*print)(const void* value);
 };

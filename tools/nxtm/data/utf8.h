@@ -3,6 +3,8 @@
 #define NXTM_UTF8_H
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "nx21rtms.h"
 
@@ -14,7 +16,28 @@ constexpr unsigned long kMaxTextBytes = 65531;
 /// Converts UTF-8. Code set 0 is Latin-1 where all characters have a place there, else
 /// Unicode. A Failure tells the position of a broken sequence, or that the text is too
 /// long or has no place in its code set.
-NxString StringOfUtf8(const std::string& text, unsigned char codeSet = 0, unsigned char language = 1);
+NxString StringOfUtf8(std::string_view text, unsigned char codeSet = 0, unsigned char language = 1);
+/// Appends the stored image of the string that StringOfUtf8 makes, under the native format.
+/// False, and nothing appended, for a text that is left to StringOfUtf8: one that it refuses,
+/// and one with letters in an 8-bit code set other than Latin-1.
+bool AppendStringImage(std::string& bytes, std::string_view text, unsigned char codeSet,
+                       unsigned char language);
+
+/// Turns texts of an encoding into UTF-8.
+class Decoder {
+ public:
+  /// An encoding by its name in any case; a Failure lists them when there is none.
+  explicit Decoder(const std::string& encoding);
+  /// The text in UTF-8, which holds until the next one.
+  std::string_view ToUtf8(std::string_view text) { return sequences_.empty() ? text : Decode(text); }
+
+ private:
+  std::string_view Decode(std::string_view text);
+
+  std::vector<std::string> sequences_;  // of each byte; none where the encoding is UTF-8
+  std::string text_;
+};
+
 std::string Utf8OfString(const NxString& s);
 
 }  // namespace nxtm

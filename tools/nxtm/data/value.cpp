@@ -43,10 +43,10 @@ bool IsClosed(Kind kind, std::string_view image, unsigned char format) {
 }
 
 /// A text as the library's scan functions take it: its bytes as they stand.
-NxString BytesAsString(const std::string& text) {
+NxString BytesAsString(std::string_view text) {
   constexpr unsigned long kLongest = 511;  // what the print functions write
   if (text.size() > kLongest) throw Failure("the text is longer than " + std::to_string(kLongest) + " bytes");
-  return NxString(text.c_str());
+  return NxString(std::string(text).c_str());
 }
 
 std::string BytesOf(const NxString& text) {
@@ -96,10 +96,25 @@ char NullableTypeOf(char type) {
 
 bool IsText(char type) { return IsUsable(type) && IsText(FormOf(type).kind); }
 
-Image Box::Store(unsigned char format) const {
-  Image image(static_cast<unsigned>(Manager().DiskLenGet(type_, value_, format, 1, kFormatMemory)), '\0');
-  Manager().Store(type_, image.data(), value_, format, 1);
-  return image;
+Box::Box(char type)
+    : type_(type),
+      value_(Manager().DefaultValue(type, 1, 0)),
+      fixedSize_(Manager().IsFixed(type) ? ImageSize(kFormatNative) : 0) {}
+
+unsigned long Box::ImageSize(unsigned char format) const {
+  return static_cast<unsigned>(Manager().DiskLenGet(type_, value_, format, 1, kFormatMemory));
+}
+
+void Box::Store(Image& bytes, unsigned char format) const {
+  char image[16];
+  if (fixedSize_ != 0 && fixedSize_ <= sizeof image) {
+    Manager().Store(type_, image, value_, format, 1);
+    bytes.append(image, fixedSize_);
+    return;
+  }
+  const unsigned long at = bytes.size();
+  bytes.resize(at + ImageSize(format));
+  Manager().Store(type_, bytes.data() + at, value_, format, 1);
 }
 
 Converter::Converter(char type, TextStyle style)
@@ -130,7 +145,7 @@ void Converter::RequireFit() {
     throw Failure("the format '" + style_.format + "' does not fit type " + form_.type);
 }
 
-void Converter::Parse(const std::string& text, Pattern pattern) {
+void Converter::Parse(std::string_view text, Pattern pattern) {
   if (!style_.format.empty() && pattern == Pattern::kNone) {
     NxString bytes = BytesAsString(text);
     Manager().ScanFromNxString(type_, box_->Get(), bytes, style_.format.c_str(), 1);
@@ -145,20 +160,32 @@ std::string Converter::Print() const {
                                : PrintUnder(type_, box_->Get(), style_.format.c_str());
 }
 
-Image Converter::ToImage(const std::string& text, unsigned char format, Pattern pattern) {
+void Converter::Append(Image& bytes, std::string_view text, unsigned char format, Pattern pattern) {
   // A pattern is written as without a format, which could not read it.
-  if (form_.kind != Kind::kDate || text.find('*') == std::string::npos) pattern = Pattern::kNone;
+  if (form_.kind != Kind::kDate || pattern == Pattern::kNone || text.find('*') == std::string_view::npos)
+    pattern = Pattern::kNone;
+  const unsigned long at = bytes.size();
   Parse(text, pattern);
-  Image image = box_->Store(format);
-  if (form_.kind == Kind::kAlphabetic && ToText(image, format).text != text)
-    throw Failure("the type has no place for a character of the text");
-  if (style_.format.empty() || pattern != Pattern::kNone) return image;
-  const TextOfValue back = ToText(image, format);
+  box_->Store(bytes, format);
+  const bool formatted = !style_.format.empty() && pattern == Pattern::kNone;
+  if (!formatted && form_.kind != Kind::kAlphabetic) return;
+  const TextOfValue back = ToText(std::string_view(bytes).substr(at), format);
+  if (!formatted && back.text != text) throw Failure("the type has no place for a character of the text");
   if (back.isNull) throw Failure(Shown(text) + " stands for null");
   if (back.text != text)
     throw Failure(Shown(text) + " is no " + form_.type + " under '" + style_.format + "': it reads as " +
                   Shown(back.text));
+}
+
+Image Converter::ToImage(std::string_view text, unsigned char format, Pattern pattern) {
+  Image image;
+  Append(image, text, format, pattern);
   return image;
+}
+
+void Converter::AppendImage(Image& bytes, std::string_view text) {
+  if (form_.kind == Kind::kText && AppendStringImage(bytes, text, style_.codeSet, style_.language)) return;
+  Append(bytes, text, kFormatNative, Pattern::kNone);
 }
 
 TextOfValue Converter::ToText(std::string_view image, unsigned char format) {
@@ -173,7 +200,9 @@ TextOfValue Converter::ToText(std::string_view image, unsigned char format) {
 Image NullImage(char type, unsigned char format) {
   Box box(type);
   Manager().SetNullValue(type, box.Get());
-  return box.Store(format);
+  Image image;
+  box.Store(image, format);
+  return image;
 }
 
 unsigned long ImageSize(char type, std::string_view data, unsigned char format) {
@@ -198,7 +227,9 @@ std::string ScannedText(char type, const std::string& text, const TextStyle& sty
   Box box(type);
   NxString bytes = IsText(type) ? StringOfUtf8(text, style.codeSet, style.language) : BytesAsString(text);
   Manager().ScanFromNxString(type, box.Get(), bytes, format, 1);
-  const TextOfValue value = Converter(type, style).ToText(box.Store(kFormatNative));
+  Image image;
+  box.Store(image, kFormatNative);
+  const TextOfValue value = Converter(type, style).ToText(image);
   return value.isNull ? PrintUnder(type, box.Get(), format) : value.text;
 }
 
@@ -216,15 +247,15 @@ std::string Hex(std::string_view bytes, const char* between) {
   return text;
 }
 
-Image FromHex(const std::string& text) {
-  const std::string digits = "0123456789ABCDEFabcdef";
+Image FromHex(std::string_view text) {
+  constexpr std::string_view digits = "0123456789ABCDEFabcdef";
   Image bytes;
   bytes.reserve(text.size() / 2);
   int high = -1;
   for (unsigned long i = 0; i < text.size(); ++i) {
     if (text[i] == ' ') continue;
     const unsigned long found = digits.find(text[i]);
-    if (found == std::string::npos)
+    if (found == std::string_view::npos)
       throw Failure("character " + std::to_string(i + 1) + " of " + Shown(text) +
                     " is not a hexadecimal digit");
     const int digit = static_cast<int>(found < 16 ? found : found - 6);

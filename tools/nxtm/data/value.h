@@ -33,17 +33,23 @@ struct TextOfValue {
 /// A value in memory, made and released by the type manager.
 class Box {
  public:
-  explicit Box(char type) : type_(type), value_(Manager().DefaultValue(type, 1, 0)) {}
+  explicit Box(char type);
   Box(const Box&) = delete;
   Box& operator=(const Box&) = delete;
   ~Box() { Manager().Delete(type_, value_, 1); }
 
   void* Get() const { return value_; }
-  Image Store(unsigned char format) const;
+  /// Appends the value's image.
+  void Store(Image& bytes, unsigned char format) const;
+  /// Bytes of the image of every value of the type; 0 where they have sizes of their own.
+  unsigned long FixedSize() const { return fixedSize_; }
 
  private:
+  unsigned long ImageSize(unsigned char format) const;
+
   char type_;
   void* value_;
+  unsigned long fixedSize_;  // of every image; 0: of a value's own
 };
 
 /// Turns the texts of one type and style into stored images and back. It keeps the memory
@@ -56,13 +62,17 @@ class Converter {
 
   /// The image of a text; a Failure says what is wrong with it. Under a format the text
   /// must be what the value prints.
-  Image ToImage(const std::string& text, unsigned char format = kFormatNative,
+  Image ToImage(std::string_view text, unsigned char format = kFormatNative,
                 Pattern pattern = Pattern::kNone);
+  /// Appends the image of a text under the native format. The common texts are written straight
+  /// to the bytes; the answer is that of ToImage. After a Failure the bytes may have a rest of it.
+  void AppendImage(Image& bytes, std::string_view text);
   /// The text of an image, which must be whole.
   TextOfValue ToText(std::string_view image, unsigned char format = kFormatNative);
 
  private:
-  void Parse(const std::string& text, Pattern pattern);
+  void Parse(std::string_view text, Pattern pattern);
+  void Append(Image& bytes, std::string_view text, unsigned char format, Pattern pattern);
   std::string Print() const;
   void RequireFit();
 
@@ -91,7 +101,7 @@ std::string_view BytesOfBlob(std::string_view image);
 
 std::string Hex(std::string_view bytes, const char* between = " ");
 /// The bytes of a text of hexadecimal digits; blanks between them do not count.
-Image FromHex(const std::string& text);
+Image FromHex(std::string_view text);
 
 /// The number of the language of a name or number.
 unsigned char FindLanguage(const std::string& name);

@@ -5,73 +5,19 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 
 #include "data/failure.h"
-#include "nxlang.h"
+#include "nxsortkey.h"
 #include "query/query.h"
 
 namespace nxtm {
 
 namespace {
 
-/// Smallest and largest key of an ordered index; false for an empty one.
-bool IndexRange(Store& store, MDB_dbi table, Image& low, Image& high) {
-  Cursor cursor(store, table);
-  MDB_val key, data;
-  if (!cursor.Get(key, data, MDB_FIRST)) return false;
-  low = Image(View(key));
-  cursor.Get(key, data, MDB_LAST);
-  high = Image(View(key));
-  return true;
-}
-
 NxString LoadString(const Image& image) {
   NxString s;
   StringLoad(&s, image.data(), kFormatNative, 1);
   return s;
-}
-
-bool IsWildcard(unsigned short order) {
-  return order == NxString::GetAsterisk() || order == NxString::GetQuestion();
-}
-
-bool IsActiveWildcard(const Term& term, unsigned short order) {
-  return !(term.options & kWildcardsOff) && IsWildcard(order);
-}
-
-/// A term of a text whose bounds hold every text that the given one may select.
-///
-/// Symbols and spaces decide last in the index, and by rules of their own: without them
-/// a bound sorts before all texts that have the same letters. Behind these texts it is
-/// a star that takes the bound. Where there are none, and none are skipped, the term
-/// serves as it is.
-Term Widened(const Term& term) {
-  NxString s = LoadString(term.key);
-  bool hasWildcard = false;
-  bool widened = (term.options & (kSkipSpaces | kSkipSymbols)) != 0;
-  for (unsigned short i = 0; i < s.Len();) {
-    NxStringIterator it(s[i]);
-    unsigned short order = it.GetNextOrder(1);
-    bool wildcard = IsActiveWildcard(term, order);
-    bool plain = it._nCollation >= kPlainOrderSelector;
-    hasWildcard = hasWildcard || wildcard;
-    if (wildcard || plain || order >= kFirstDigitOrder) {
-      ++i;
-    } else {
-      s.Cut(i, 1);
-      widened = true;
-    }
-  }
-  Term result = term;
-  if (!widened) return result;
-  if (!hasWildcard) {
-    s += NxString("*");
-    result.options &= static_cast<unsigned short>(~kWildcardsOff);
-  }
-  result.key.resize(s._nSize + 8U);
-  result.key.resize(static_cast<unsigned>(StringStore(result.key.data(), &s, kFormatNative, 1)));
-  return result;
 }
 
 /// Whether equal texts hash alike for this key. Symbols and spaces may stand in for
@@ -89,15 +35,51 @@ bool HashFinds(const Term& term, char type) {
   return true;
 }
 
-Image TakeBound(void* bound, unsigned char length) {
-  Image image(static_cast<const char*>(bound), bound ? length : 0);
-  std::free(bound);
-  return image;
+/// What lies behind all entries whose order key is this one, whatever their numbers.
+std::string BehindAllOf(std::string key) { return key.append(sizeof(unsigned int) + 1, '\xFF'); }
+
+/// The bounds of sort keys as bounds of entries, which are cut and have a number behind them.
+void TakeBounds(Access& access, const NxSortKeyRange& range) {
+  access.lower.assign(static_cast<const char*>(range.lower), range.lower ? range.lowerLength : 0);
+  access.upper.assign(static_cast<const char*>(range.upper), range.upper ? range.upperLength : 0);
+  access.lower.resize(std::min<unsigned long>(access.lower.size(), kLongestSortKey));
+  if (access.upper.size() > kLongestSortKey)
+    access.upper = BehindAllOf(access.upper.substr(0, kLongestSortKey));
+  else if (!access.upper.empty() && access.upper.back() == 0)  // a key is the last one that counts
+    access.upper = BehindAllOf(access.upper.substr(0, access.upper.size() - 1));
+}
+
+/// The part of an index that a term selects, as the library estimates it.
+double Estimate(char type, const Term& term, IndexInfo index) {
+  if (index.entries == 0) return 0;
+  Image &low = index.low.keyImage, &high = index.high.keyImage;
+  const NxIdxBounds ends{low.data(), high.data(), static_cast<unsigned char>(low.size()),
+                         static_cast<unsigned char>(high.size())};
+  NxIdxBounds range = ends, bounds{};
+  Image key = term.key;
+  auto relation = static_cast<unsigned short>(term.relation | term.options);
+  // Of an estimate alone an odd condition is no news to the user.
+  const NxAssertHandler before = NxSetAssertHandler([](const char*, const char*, int) {});
+  const float fraction =
+      Manager().EvalAndBound(type, &range, relation, key.data(), kFormatNative, 1, &bounds, nullptr);
+  NxSetAssertHandler(before);
+  std::free(bounds.lower);
+  std::free(bounds.upper);
+  return std::isnan(fraction) ? 1.0 : std::clamp(static_cast<double>(fraction), 0.0, 1.0);
+}
+
+/// Narrows an access to what another one of the same index has, too.
+void Narrow(Access& access, const Access& other) {
+  access.terms.insert(access.terms.end(), other.terms.begin(), other.terms.end());
+  access.lower = std::max(access.lower, other.lower);
+  if (access.upper.empty() || (!other.upper.empty() && other.upper < access.upper))
+    access.upper = other.upper;
+  access.fraction = std::max(0.0, access.fraction + other.fraction - 1);
 }
 
 class Planner {
  public:
-  Planner(Store& store, QueryReport& report) : store_(store), report_(report) {}
+  Planner(const Store& store, QueryReport& report) : store_(store), report_(report) {}
 
   /// The accesses that together yield every record of the condition; none when only
   /// reading all records does.
@@ -112,177 +94,147 @@ class Planner {
     }
   }
 
+ private:
   static double Fraction(const std::vector<Access>& accesses) {
     double sum = 0;
     for (const Access& access : accesses) sum += access.fraction;
     return sum;
   }
 
- private:
   std::vector<Access> PlanTerm(const Term& term) {
     if (term.relation == 0) return {};
-    char type = store_.GetSchema().Columns()[term.attribute].type;
-    const IndexInfo* hash = store_.FindIndex(term.attribute, true);
+    const char type = store_.GetSchema().Columns()[term.attribute].type;
+    const IndexInfo* const hash = store_.FindIndex(term.attribute, true);
     if (hash && HashFinds(term, type)) {
       RequireCurrent(store_, *hash);
       Access access;
-      access.term = &term;
+      access.terms = {&term};
       access.index = *hash;
       access.fraction = 1.0 / static_cast<double>(std::max(1UL, store_.Count()));
+      access.lower = HashKeyOf(type, term.key);
+      access.upper = BehindAllOf(access.lower);
       report_.considered.push_back(access);
       return {access};
     }
-    const IndexInfo* ordered = store_.FindIndex(term.attribute, false);
-    // Of any year there may be dates outside of the bounds that the type gives.
-    if (!ordered || term.anyYear || (IsText(type) && IsCut(OrderedKey(type, term.key)))) return {};
+    const IndexInfo* const ordered = store_.FindIndex(term.attribute, false);
+    if (!ordered) return {};
     RequireCurrent(store_, *ordered);
-    Access access = BoundTerm(store_, term, *ordered);
+    const Access access = BoundTerm(store_, term, *ordered);
     report_.considered.push_back(access);
     if (access.lower.empty() && access.upper.empty()) return {};
     return {access};
   }
 
   std::vector<Access> PlanBest(const std::vector<Condition>& parts) {
-    std::vector<Access> best;
+    std::vector<std::vector<Access>> plans;
     for (const Condition& part : parts) {
-      std::vector<Access> accesses = Plan(part);
-      if (!accesses.empty() && (best.empty() || Fraction(accesses) < Fraction(best))) best = accesses;
+      const std::vector<Access> plan = Plan(part);
+      if (plan.empty()) continue;
+      const auto same = std::find_if(plans.begin(), plans.end(), [&](const std::vector<Access>& other) {
+        return plan.size() == 1 && other.size() == 1 && !plan[0].index.hash &&
+               plan[0].index.table == other[0].index.table;
+      });
+      if (same == plans.end())
+        plans.push_back(plan);
+      else
+        Narrow((*same)[0], plan[0]);
     }
-    return best;
+    const auto best = std::min_element(
+        plans.begin(), plans.end(), [](const auto& a, const auto& b) { return Fraction(a) < Fraction(b); });
+    return best == plans.end() ? std::vector<Access>() : *best;
   }
 
   std::vector<Access> PlanUnion(const std::vector<Condition>& parts) {
     std::vector<Access> all;
     for (const Condition& part : parts) {
-      std::vector<Access> accesses = Plan(part);
+      const std::vector<Access> accesses = Plan(part);
       if (accesses.empty()) return {};
       all.insert(all.end(), accesses.begin(), accesses.end());
     }
     return all;
   }
 
-  Store& store_;
+  const Store& store_;
   QueryReport& report_;
 };
 
-/// The smallest key in plain order; it sorts behind all keys in alphabetic order.
-Image FirstPlainKey() { return Image("\x06\x00\xFE\x14\x01\x00\x00\xFF", 8); }
+/// An entry and the access that read it.
+struct Hit {
+  Entry entry;
+  const Access* access;
+};
 
-bool IsPlain(const Image& key) { return (static_cast<unsigned char>(key[3]) & 0x7F) >= kPlainOrderSelector; }
-
-/// Reads an index from a key on, or from its first one for none, as long as `wanted` says of
-/// a key, and one entry beside on either end: these tell that nothing was passed over.
-template <class Wanted>
-void ReadRange(Store& store, Access& access, MDB_val from, std::vector<unsigned int>& numbers,
-               Wanted wanted) {
-  const MDB_dbi table = store.IndexTable(access.index, false);
-  Cursor cursor(store, table), before(store, table);
-  EntryCheck check(store, access.index);
-  MDB_val key = from, data;
-  bool found = cursor.Get(key, data, from.mv_size == 0 ? MDB_FIRST : MDB_SET_RANGE);
-  if (from.mv_size != 0) {
-    MDB_val keyBefore = from, dataBefore;
-    const bool placed = before.Get(keyBefore, dataBefore, MDB_SET_RANGE);
-    if (before.Get(keyBefore, dataBefore, placed ? MDB_PREV : MDB_LAST)) {
-      check.Take(keyBefore, dataBefore);
-      if (mdb_cmp(store.Txn(), table, &keyBefore, &from) >= 0)
-        throw Failure(store.Path() + ": an index is damaged; make it anew with: nxtm reindex " +
-                      store.Path());
-    }
+/// What the accesses read, in order of the records' numbers.
+std::vector<Hit> ReadHits(Store& store, std::vector<Access>& accesses) {
+  std::vector<Hit> hits;
+  std::vector<Entry> entries;
+  for (Access& access : accesses) {
+    entries.clear();
+    if (access.upper.empty() || access.lower < access.upper)
+      access.entriesRead = ReadEntries(store, access.index, access.lower, access.upper, entries);
+    for (const Entry& entry : entries) hits.push_back({entry, &access});
   }
-  for (; found; found = cursor.Get(key, data, MDB_NEXT)) {
-    const unsigned int number = check.Take(key, data);
-    if (!wanted(key)) return;
-    ++access.entriesRead;
-    numbers.push_back(number);
-  }
-}
-
-/// Collects the record numbers behind the keys of an access.
-void Scan(Store& store, Access& access, std::vector<unsigned int>& numbers) {
-  const MDB_dbi table = store.IndexTable(access.index, false);
-  const char type = store.GetSchema().Columns()[access.index.attribute].type;
-  if (access.index.hash) {
-    unsigned int hash = HashKey(type, access.term->key);
-    const MDB_val wanted = ValOf(hash);
-    ReadRange(store, access, wanted, numbers,
-              [&](MDB_val key) { return mdb_cmp(store.Txn(), table, &key, &wanted) == 0; });
-    return;
-  }
-  const MDB_val upper = Val(access.upper);
-  ReadRange(store, access, Val(access.lower), numbers, [&](MDB_val key) {
-    return access.upper.empty() || mdb_cmp(store.Txn(), table, &key, &upper) <= 0;
-  });
-  if (!IsText(type)) return;
-  if (access.plainToo) {
-    const Image first = FirstPlainKey();
-    ReadRange(store, access, Val(first), numbers, [](MDB_val) { return true; });
-  }
-  Cursor apart(store, store.ApartTable(access.index, false));
-  EntryCheck check(store, access.index);
-  MDB_val key, data;
-  for (; apart.Get(key, data, MDB_NEXT); ++access.entriesRead) numbers.push_back(check.TakeApart(key));
+  std::stable_sort(hits.begin(), hits.end(),
+                   [](const Hit& a, const Hit& b) { return a.entry.number < b.entry.number; });
+  return hits;
 }
 
 }  // namespace
 
-Access BoundTerm(Store& store, const Term& term, const IndexInfo& index) {
+bool Access::IsFor(const Term* term) const {
+  return std::find(terms.begin(), terms.end(), term) != terms.end();
+}
+
+Access BoundTerm(const Store& store, const Term& term, const IndexInfo& index) {
   Access access;
-  access.term = &term;
+  access.terms = {&term};
   access.index = index;
-  char type = store.GetSchema().Columns()[term.attribute].type;
-  Image low, high;
-  if (!IndexRange(store, store.IndexTable(index, false), low, high)) {
-    access.fraction = 0;
-    return access;
-  }
-  Term bounded = type == kStringTypeId ? Widened(term) : term;
-  NxIdxBounds range{low.data(), high.data(), static_cast<unsigned char>(low.size()),
-                    static_cast<unsigned char>(high.size())};
-  NxIdxBounds bounds{};
-  auto relation = static_cast<unsigned short>(bounded.relation | bounded.options);
-  float fraction =
-      Manager().EvalAndBound(type, &range, relation, bounded.key.data(), kFormatNative, 1, &bounds, nullptr);
-  access.fraction = std::isnan(fraction) ? 1.0 : std::clamp(static_cast<double>(fraction), 0.0, 1.0);
-  access.lower = TakeBound(bounds.lower, bounds.lowerLen);
-  access.upper = TakeBound(bounds.upper, bounds.upperLen);
-  // The bounds of a pattern are those of its alphabetic part.
-  access.plainToo = type == kStringTypeId && IsPlain(high) && !access.upper.empty() &&
-                    ((relation & kWildcardFound) || !IsWhole(type, OrderedKey(type, bounded.key)));
+  const char type = store.GetSchema().Columns()[term.attribute].type;
+  access.fraction = Estimate(type, term, index);
+  NxSortKeyRange range;
+  const auto relation = static_cast<unsigned short>(term.relation | term.options);
+  if (!NxSortKeyBounds(type, term.key.data(), kFormatNative, term.key.size(), relation, range)) return access;
+  TakeBounds(access, range);
+  std::free(range.lower);
+  std::free(range.upper);
   return access;
 }
 
 QueryReport RunQuery(Store& store, const Condition& condition, bool scan, const OnRecord& onRecord) {
   QueryReport report;
   const Schema& schema = store.GetSchema();
-  std::vector<Field> fields;
-  auto test = [&](unsigned int number, std::string_view record) {
+  RecordReader reader(schema);
+  const auto test = [&](unsigned int number, std::string_view record) {
     ++report.recordsRead;
-    Record::Split(schema, record, fields);
-    if (!condition.Matches(schema, fields)) return;
+    reader.Begin(record);
+    if (!condition.Matches(schema, reader)) return true;
     ++report.found;
-    onRecord(number, fields);
+    return onRecord(number, reader.All());
   };
   if (!scan) report.used = Planner(store, report).Plan(condition);
   if (report.used.empty()) {
     store.ForEach(test);
     return report;
   }
+  const std::vector<Hit> hits = ReadHits(store, report.used);
   std::vector<unsigned int> numbers;
-  for (Access& access : report.used) Scan(store, access, numbers);
-  std::sort(numbers.begin(), numbers.end());
-  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+  for (const Hit& hit : hits)
+    if (numbers.empty() || numbers.back() != hit.entry.number) numbers.push_back(hit.entry.number);
+  auto next = hits.begin();
+  const auto testHit = [&](unsigned int number, std::string_view record) {
+    for (; next != hits.end() && next->entry.number == number; ++next)
+      RequireEntry(store, next->access->index, next->entry, record);
+    return test(number, record);
+  };
   constexpr unsigned long kSparse = 8;
   if (numbers.size() < store.Count() / kSparse) {
-    for (unsigned int number : numbers) test(number, store.Get(number));
+    store.GetMany(numbers, testHit);
     return report;
   }
   // So many are found sooner by passing over the others.
-  auto next = numbers.begin();
   store.ForEach([&](unsigned int number, std::string_view record) {
-    if (next == numbers.end() || *next != number) return;
-    ++next;
-    test(number, record);
+    if (next == hits.end()) return false;
+    return next->entry.number != number || testHit(number, record);
   });
   return report;
 }

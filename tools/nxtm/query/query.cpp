@@ -12,6 +12,23 @@ namespace nxtm {
 
 namespace {
 
+constexpr struct {
+  std::string_view sign;
+  unsigned short relation;
+} kRelations[] = {{"!=", kRelationLess | kRelationGreater},
+                  {"<>", kRelationLess | kRelationGreater},
+                  {"<=", kRelationLess | kRelationEqual},
+                  {">=", kRelationGreater | kRelationEqual},
+                  {"=", kRelationEqual},
+                  {"<", kRelationLess},
+                  {">", kRelationGreater}};
+
+std::string SignOf(unsigned short relation) {
+  for (const auto& r : kRelations)
+    if (r.relation == relation) return std::string(r.sign);
+  return "";
+}
+
 /// Reads a condition from left to right.
 class Parser {
  public:
@@ -88,23 +105,48 @@ class Parser {
   }
 
   Condition Factor() {
+    constexpr int kDeepest = 100;
+    if (Accept("not")) {
+      if (++depth_ > kDeepest) Expected("at most 100 conditions inside of each other");
+      Condition inner = Factor();
+      --depth_;
+      Negate(inner);
+      return inner;
+    }
     if (AcceptSign('(')) {
-      constexpr int kDeepest = 100;
-      if (++depth_ > kDeepest) Expected("at most 100 parentheses inside of each other");
+      if (++depth_ > kDeepest) Expected("at most 100 conditions inside of each other");
       Condition inner = Either();
       if (!AcceptSign(')')) Expected("')'");
       --depth_;
       return inner;
     }
-    Condition condition;
-    condition.term = ReadTerm();
-    return condition;
+    return ReadTest();
   }
 
-  Term ReadTerm() {
-    std::string name = PeekWord();
-    unsigned long start = at_;
-    if (name.empty()) Expected("an attribute or '('");
+  /// Makes a condition select what it does not, but for the nulls that no comparison selects.
+  static void Negate(Condition& condition) {
+    constexpr unsigned short kAll = kRelationLess | kRelationEqual | kRelationGreater;
+    Term& term = condition.term;
+    if (condition.kind == Condition::Kind::kTerm) {
+      if (term.relation == 0) term.wantNull = !term.wantNull;
+      if (term.relation != 0) term.relation ^= kAll;
+      term.text = "not " + term.text;
+      return;
+    }
+    condition.kind = condition.kind == Condition::Kind::kAnd ? Condition::Kind::kOr : Condition::Kind::kAnd;
+    for (Condition& part : condition.parts) Negate(part);
+  }
+
+  /// A value as it was written, and where.
+  struct Value {
+    std::string value, text;
+    unsigned long at;
+  };
+
+  /// A test of one attribute; of several values one of several terms.
+  Condition ReadTest() {
+    const std::string name = PeekWord();
+    if (name.empty()) Expected("an attribute, 'not' or '('");
     Term term;
     try {
       term.attribute = schema_.Find(name);
@@ -115,43 +157,68 @@ class Parser {
     if (Accept("is")) {
       term.wantNull = !Accept("not");
       if (!Accept("null")) Expected("'null'");
-    } else {
-      ReadComparison(term);
+      term.text = name + (term.wantNull ? " is null" : " is not null");
+      Condition condition;
+      condition.term = term;
+      return condition;
     }
-    term.text = text_.substr(start, at_ - start);
-    while (std::isspace(static_cast<unsigned char>(term.text.back()))) term.text.pop_back();
-    return term;
+    Condition joined;
+    joined.kind = Condition::Kind::kOr;
+    std::vector<std::pair<unsigned short, Value>> comparisons;
+    if (Accept("in")) {
+      if (!AcceptSign('(')) Expected("'('");
+      do comparisons.emplace_back(kRelationEqual, ReadValue(" \t\n(),"));
+      while (AcceptSign(','));
+      if (!AcceptSign(')')) Expected("',' or ')'");
+    } else if (Accept("between")) {
+      joined.kind = Condition::Kind::kAnd;
+      comparisons.emplace_back(kRelationGreater | kRelationEqual, ReadValue());
+      if (!Accept("and")) Expected("'and'");
+      comparisons.emplace_back(kRelationLess | kRelationEqual, ReadValue());
+    } else {
+      const unsigned short relation = ReadRelation();
+      comparisons.emplace_back(relation, ReadValue());
+    }
+    const unsigned long behind = at_;
+    ReadOptions(term);
+    const std::string options = text_.substr(behind, at_ - behind);
+    for (const auto& [relation, value] : comparisons) {
+      Condition part;
+      part.term = term;
+      part.term.relation = relation;
+      TakeValue(part.term, value);
+      part.term.text = name + ' ' + SignOf(relation) + ' ' + value.text + options;
+      if (comparisons.size() == 1) return part;
+      joined.parts.push_back(std::move(part));
+    }
+    return joined;
   }
 
-  void ReadComparison(Term& term) {
-    const Column& column = schema_.Columns()[term.attribute];
-    term.relation = ReadRelation();
-    SkipBlanks();
-    unsigned long valueAt = at_;
-    std::string value = ReadValue();
+  void ReadOptions(Term& term) {
     if (Accept("literally")) term.options |= kWildcardsOff;
-    if (IsText(column.type) && Accept("ignoring")) {
-      do term.options |= ReadIgnored();
-      while (AcceptSign(','));
-    }
+    if (!IsText(schema_.Columns()[term.attribute].type) || !Accept("ignoring")) return;
+    do term.options |= ReadIgnored();
+    while (AcceptSign(','));
+  }
+
+  void TakeValue(Term& term, const Value& value) const {
+    const Column& column = schema_.Columns()[term.attribute];
+    const Pattern pattern = term.options & kWildcardsOff ? Pattern::kNone : Pattern::kFields;
     try {
-      const Pattern pattern = term.options & kWildcardsOff ? Pattern::kNone : Pattern::kFields;
-      term.key = Converter(column.type, column.style).ToImage(value, kFormatNative, pattern);
-      if (FormOf(column.type).kind == Kind::kDate) {
-        // Without a "*" a field of -1 is a year like any other.
-        if (pattern == Pattern::kNone || value.find('*') == std::string::npos) term.options |= kWildcardsOff;
-        term.anyYear = !(term.options & kWildcardsOff) && value[0] == '*';
-      }
+      term.key = Converter(column.type, column.style).ToImage(value.value, kFormatNative, pattern);
     } catch (const Failure& failure) {
-      Fail(valueAt, failure.what());
+      Fail(value.at, failure.what());
     }
+    // Without a "*" a field of -1 is a year like any other.
+    if (FormOf(column.type).kind == Kind::kDate && value.value.find('*') == std::string::npos)
+      term.options |= kWildcardsOff;
   }
 
   unsigned short ReadRelation() {
     SkipBlanks();
     unsigned long length = 0;
     const unsigned short relation = RelationAt(std::string_view(text_).substr(at_), length);
-    if (relation == 0) Expected("=, !=, <, <=, >, >= or 'is'");
+    if (relation == 0) Expected("=, !=, <, <=, >, >=, 'in', 'between' or 'is'");
     at_ += length;
     return relation;
   }
@@ -169,20 +236,20 @@ class Parser {
     Expected("'case', 'accents', 'symbols' or 'spaces'");
   }
 
-  /// A quoted text, or what stands up to a blank or parenthesis.
-  std::string ReadValue() {
+  /// A quoted text, or what stands up to one of the characters that end it.
+  Value ReadValue(const char* ends = " \t\n()") {
+    SkipBlanks();
     if (at_ >= text_.size()) Expected("a value");
-    char quote = text_[at_];
+    const unsigned long start = at_;
+    const char quote = text_[at_];
     if (quote != '"' && quote != '\'') {
-      unsigned long end = std::min(text_.find_first_of(" \t\n()", at_), text_.size());
-      if (end == at_) Expected("a value");
-      std::string value = text_.substr(at_, end - at_);
-      at_ = end;
-      return value;
+      at_ = std::min(text_.find_first_of(ends, at_), text_.size());
+      if (at_ == start) Expected("a value");
+      const std::string value = text_.substr(start, at_ - start);
+      return {value, value, start};
     }
     std::string value;
-    unsigned long start = at_++;
-    for (;; ++at_) {
+    for (++at_;; ++at_) {
       if (at_ >= text_.size()) {
         at_ = start;
         Expected("a closing quote for the text");
@@ -194,7 +261,7 @@ class Parser {
         ++at_;
       } else {
         ++at_;
-        return value;
+        return {value, text_.substr(start, at_ - start), start};
       }
     }
   }
@@ -218,16 +285,6 @@ bool TermMatches(const Term& term, char type, const Field& field) {
 }  // namespace
 
 unsigned short RelationAt(std::string_view text, unsigned long& length) {
-  static const struct {
-    std::string_view sign;
-    unsigned short relation;
-  } kRelations[] = {{"!=", kRelationLess | kRelationGreater},
-                    {"<>", kRelationLess | kRelationGreater},
-                    {"<=", kRelationLess | kRelationEqual},
-                    {">=", kRelationGreater | kRelationEqual},
-                    {"=", kRelationEqual},
-                    {"<", kRelationLess},
-                    {">", kRelationGreater}};
   for (const auto& r : kRelations) {
     if (text.substr(0, r.sign.size()) != r.sign) continue;
     length = r.sign.size();
@@ -240,15 +297,15 @@ Condition Condition::Parse(const std::string& text, const Schema& schema) {
   return Parser(text, schema).Whole();
 }
 
-bool Condition::Matches(const Schema& schema, const std::vector<Field>& fields) const {
-  auto matches = [&](const Condition& part) { return part.Matches(schema, fields); };
+bool Condition::Matches(const Schema& schema, RecordReader& record) const {
+  const auto matches = [&](const Condition& part) { return part.Matches(schema, record); };
   switch (kind) {
     case Kind::kAnd:
       return std::all_of(parts.begin(), parts.end(), matches);
     case Kind::kOr:
       return std::any_of(parts.begin(), parts.end(), matches);
     default:
-      return TermMatches(term, schema.Columns()[term.attribute].type, fields[term.attribute]);
+      return TermMatches(term, schema.Columns()[term.attribute].type, record[term.attribute]);
   }
 }
 

@@ -5,10 +5,13 @@
 ///   born < 1960-01-01
 ///   name = "what?" literally
 ///
-/// Relations: = != < <= > >=. Texts stand in quotes, which are doubled inside. In a
-/// text "*" stands for any characters and "?" for one, unless `literally` follows;
-/// `ignoring` takes case, accents, symbols and spaces. In a date "*" stands for any
-/// year, month or day. Null matches nothing but `is null`.
+///   not (length between 3 and 5) and word in ("der", "die", "das")
+///
+/// Relations: = != < <= > >=; `in` a list, and `between` two values, which belong to it. `not`
+/// selects what the condition behind it does not, but for nulls. Texts stand in quotes, which are doubled
+/// inside. In a text "*" stands for any characters and "?" for one, unless `literally` follows; `ignoring`
+/// takes case, accents, symbols and spaces. In a date "*" stands for any year, month or day. Null matches
+/// nothing but `is null`.
 #ifndef NXTM_QUERY_H
 #define NXTM_QUERY_H
 
@@ -32,7 +35,6 @@ struct Term {
   unsigned short options = 0;
   Image key;              // the value compared with, as a stored image
   bool wantNull = false;  // of a test of null: whether null matches
-  bool anyYear = false;   // of a date: "*" stands for the year
   std::string text;       // as it was written
 };
 
@@ -44,17 +46,19 @@ struct Condition {
 
   /// Throws a Failure that names the place in the text and what was expected there.
   static Condition Parse(const std::string& text, const Schema& schema);
-  bool Matches(const Schema& schema, const std::vector<Field>& fields) const;
+  bool Matches(const Schema& schema, RecordReader& record) const;
 };
 
-/// A way through an index to the records that one term may select.
+/// A way through an index to the records that a term may select, or several terms that all
+/// have to.
 struct Access {
-  const Term* term = nullptr;
+  std::vector<const Term*> terms;
   IndexInfo index;
-  double fraction = 1.0;  // estimated part of the index, 0 to 1
-  Image lower, upper;     // scan bounds; empty when open
-  bool plainToo = false;  // texts in plain order are read, too: they sort behind all bounds
+  double fraction = 1.0;     // estimated part of the index, 0 to 1
+  std::string lower, upper;  // keys of the entries: from, and below; empty when open
   unsigned long entriesRead = 0;
+
+  bool IsFor(const Term* term) const;
 };
 
 /// What a query read and found.
@@ -71,9 +75,9 @@ using OnRecord = std::function<bool(unsigned int number, const std::vector<Field
 /// index is used.
 QueryReport RunQuery(Store& store, const Condition& condition, bool scan, const OnRecord& onRecord);
 
-/// Scan bounds and estimate of a term on an ordered index. A term that selects no
-/// range of the index has no bounds.
-Access BoundTerm(Store& store, const Term& term, const IndexInfo& index);
+/// Bounds and estimate of a term on an ordered index. A term that selects no range of the
+/// index has no bounds.
+Access BoundTerm(const Store& store, const Term& term, const IndexInfo& index);
 
 }  // namespace nxtm
 

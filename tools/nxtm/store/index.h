@@ -1,28 +1,27 @@
-/// Indexes of a store: keys, building, checking.
+/// Indexes of a store: the keys of their entries, building, checking.
 ///
-/// The key of an ordered index is the attribute's image; of a text its key form, at
-/// most 254 bytes. Texts that have no key of their own are listed apart. The key of a
-/// hash index is the hash of the image. Null attributes have no entry.
+/// An entry is a key alone: of an ordered index the sort key of the attribute, cut where it
+/// is longer than kLongestSortKey, and of a hash index the hash of the image; then the number
+/// of the record. Null attributes have no entry.
 #ifndef NXTM_INDEX_H
 #define NXTM_INDEX_H
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "store/store.h"
 
 namespace nxtm {
 
-/// The key of an attribute's image in an ordered index.
-Image OrderedKey(char type, std::string_view image, unsigned char format = kFormatNative);
-/// Whether a text's key is cut short because it would be too long.
-bool IsCut(const Image& key);
-/// Whether a key stands for the whole of its text. One that does not (it is cut, or the
-/// text changes to another collation) says nothing of the rest, and two of such sort as
-/// their texts do only where a base letter differs. Their records are listed apart.
-bool IsWhole(char type, const Image& key);
-/// The key of an attribute's image in a hash index.
-unsigned int HashKey(char type, std::string_view image);
+constexpr unsigned long kLongestSortKey = KeyValue::kLongestKey - sizeof(unsigned int);
+
+/// The sort key of an attribute's image, cut. A Failure for an image without one.
+std::string SortKeyOf(char type, std::string_view image);
+/// The library's key form of an image, in which it estimates what a range holds.
+Image KeyImageOf(char type, std::string_view image, unsigned char format = kFormatNative);
+/// The hash of an attribute's image as it stands in keys.
+std::string HashKeyOf(char type, std::string_view image);
 
 /// One attribute of a record, without taking the others further apart than needed.
 Field FieldOf(const Schema& schema, std::string_view record, unsigned long attribute);
@@ -31,42 +30,56 @@ Field FieldOf(const Schema& schema, std::string_view record, unsigned long attri
 /// command that rebuilds it.
 void RequireCurrent(const Store& store, const IndexInfo& index);
 
-/// Walks the entries of an index as they lie. Throws a Failure where they are not those that
-/// were written, or are not found where they are.
-void WalkIndex(Store& store, const IndexInfo& index);
+/// An entry that was read: the number of its record, and the checksum of its key.
+struct Entry {
+  unsigned int number;
+  unsigned int sum;
+};
+/// Appends the entries of an index with keys from `from` on, below `to` (empty: to the last).
+/// Returns how many there were.
+unsigned long ReadEntries(Store& store, const IndexInfo& index, std::string_view from, std::string_view to,
+                          std::vector<Entry>& entries);
+/// Throws a StoreFailure when an entry that was read is not the one of the record that it names.
+void RequireEntry(const Store& store, const IndexInfo& index, const Entry& entry, std::string_view record);
 
-/// Holds entries that are read one behind the other to what they should be: keys of the
-/// records that they name, in order. Throws a Failure for others.
-class EntryCheck {
+/// Collects the entries of an index from records, and writes them in order.
+class IndexBuilder {
  public:
-  EntryCheck(Store& store, const IndexInfo& index);
-
-  /// The number of the record of the next entry.
-  unsigned int Take(MDB_val key, MDB_val data);
-  /// The same of the list apart.
-  unsigned int TakeApart(MDB_val key);
+  IndexBuilder(const Store& store, const IndexInfo& index);
+  void Take(unsigned int number, std::string_view record);
+  /// Writes what was taken to the index's empty table, and describes it.
+  void Write(Store& store);
+  /// Compares what was taken with what is there. Throws a StoreFailure at the first difference.
+  void Compare(Store& store);
 
  private:
-  Store& store_;
-  const IndexInfo& index_;
-  MDB_dbi table_;
-  bool any_ = false;
-  Image key_;
-  unsigned int number_ = 0;
+  struct Key {
+    unsigned long long part;  // of the key, which is compared
+    unsigned long at;         // of the key among the keys
+    unsigned short size;
+  };
+  using Keys = std::vector<Key>;
+  std::string_view KeyOf(const Key& key) const { return std::string_view(keys_).substr(key.at, key.size); }
+  void FetchAhead(Keys::iterator entry, Keys::iterator last) const;
+  void Sort(Keys::iterator first, Keys::iterator last, unsigned long from);
+
+  const Schema& schema_;
+  IndexInfo index_;
+  char type_;
+  std::string keys_;
+  Keys entries_;
 };
 
-/// Fills an index anew from the records.
-void BuildIndex(Store& store, const IndexInfo& index);
-/// Drops every index, and makes it anew.
+/// Makes an index anew from the records.
+void BuildIndex(Store& store, unsigned long attribute, bool hash);
+/// Empties every index, and makes it anew.
 void RebuildIndexes(Store& store);
 /// Adds a record that was appended to every index of the store.
 void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& fields);
-/// Compares an index with the records, both ways. Throws a Failure at the first
-/// difference; returns the number of its entries, those apart included.
-unsigned long CheckIndex(Store& store, const IndexInfo& index);
-
-/// Refuses a store that is damaged, which would only be damaged further.
-void RequireSound(Store& store);
+/// Takes records away, whose numbers ascend; those behind them get lower numbers.
+void RemoveRecords(Store& store, const std::vector<unsigned int>& numbers);
+/// Compares an index with the records. Throws a StoreFailure at the first difference.
+void CheckIndex(Store& store, const IndexInfo& index);
 
 }  // namespace nxtm
 

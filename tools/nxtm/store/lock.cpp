@@ -19,7 +19,9 @@ namespace nxtm {
 
 namespace {
 
-[[noreturn]] void FailBySystem(const std::string& what) { throw Failure(what + ": " + std::strerror(errno)); }
+[[noreturn]] void FailBySystem(const std::string& what) {
+  throw StoreFailure(what + ": " + std::strerror(errno));
+}
 
 // The file that a signal is to remove; empty for none. Written before the handler is set.
 char unfinished[PATH_MAX];

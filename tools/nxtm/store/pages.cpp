@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -30,18 +31,11 @@ struct Node {
 };
 static_assert(sizeof(Node) == 8);
 
-struct Tree {
-  std::uint32_t pad;  // of the first tree of a meta page: the size of pages
-  std::uint16_t flags;
-  std::uint16_t depth;
-  std::uint32_t branchPages, leafPages, overflowPages, entries;
-  std::uint32_t root;
-};
-static_assert(sizeof(Tree) == 28);
+static_assert(sizeof(PageTree) == 28);
 
 struct Meta {
   std::uint32_t magic, version, address, mapSize;
-  Tree free, tables;
+  PageTree free, tables;
   std::uint32_t lastPage;
   std::uint32_t transaction;
 };
@@ -51,8 +45,8 @@ constexpr std::uint32_t kMagic = 0xBEEFC0DE;
 constexpr std::uint32_t kNoPage = 0xFFFFFFFF;
 constexpr std::uint32_t kMetaPages = 2;
 
-constexpr std::uint16_t kBranch = 0x01, kLeaf = 0x02, kOverflow = 0x04, kKeysAlone = 0x20;  // kinds of pages
-constexpr std::uint16_t kOnOtherPages = 1, kTree = 2;                                       // kinds of data
+constexpr std::uint16_t kBranch = 0x01, kLeaf = 0x02, kOverflow = 0x04;  // kinds of pages
+constexpr std::uint16_t kOnOtherPages = 1, kTree = 2;                    // kinds of data
 
 template <class T>
 T ReadAs(const std::string& bytes, unsigned long at) {
@@ -68,30 +62,29 @@ std::string ReadBytes(int file, unsigned long long at, unsigned long size) {
   return bytes;
 }
 
-class Walk {
+/// Reads pages, and refuses those that cannot be what they should be.
+class PageReader {
  public:
-  Walk(int file, const Snapshot& snapshot, const std::string& path)
-      : file_(file), snapshot_(snapshot), path_(path), owned_(snapshot.lastPage + 1ULL, false) {}
+  PageReader(int file, const Snapshot& snapshot, const std::string& path)
+      : file_(file), snapshot_(snapshot), path_(path) {}
 
-  void All() {
-    for (std::uint32_t page = 0; page < kMetaPages; ++page) Own(page);
-    inFreeList_ = true;
-    WalkTree(snapshot_.freeRoot, 0);
-    inFreeList_ = false;
-    WalkTree(snapshot_.tableRoot, 0);
-    for (std::uint32_t page = 0; page <= snapshot_.lastPage; ++page)
-      if (!owned_[page]) Fail(page, "belongs to nothing");
-  }
+ protected:
+  /// A page of a tree: its nodes fill it from the end without a gap.
+  struct TreePage {
+    std::uint32_t number;
+    bool isBranch;
+    std::string bytes;
+    std::vector<std::uint16_t> places;
 
- private:
+    Node NodeAt(unsigned long i) const { return ReadAs<Node>(bytes, places[i]); }
+    std::string_view Key(unsigned long i) const {
+      return std::string_view(bytes).substr(places[i] + sizeof(Node), NodeAt(i).keySize);
+    }
+    unsigned long DataPlace(unsigned long i) const { return places[i] + sizeof(Node) + NodeAt(i).keySize; }
+  };
+
   [[noreturn]] void Fail(std::uint32_t page, const char* what) const {
-    throw Failure(path_ + ": the store is damaged: page " + std::to_string(page) + " " + what);
-  }
-
-  void Own(std::uint32_t page) {
-    if (page > snapshot_.lastPage) Fail(page, "lies behind the last one");
-    if (owned_[page]) Fail(page, "belongs to two");
-    owned_[page] = true;
+    throw StoreFailure(path_ + ": the store is damaged: page " + std::to_string(page) + " " + what);
   }
 
   std::string Read(std::uint32_t page, unsigned long pages) const {
@@ -102,47 +95,108 @@ class Walk {
     return bytes;
   }
 
-  void WalkTree(std::uint32_t page, int depth) {
+  TreePage ReadTreePage(std::uint32_t number, int depth) const {
     constexpr int kDeepest = 32;
-    if (page == kNoPage) return;
-    if (depth > kDeepest) Fail(page, "lies too deep");
-    Own(page);
-    const std::string bytes = Read(page, 1);
-    const auto head = ReadAs<PageHead>(bytes, 0);
-    if (head.lower < sizeof head || head.lower > head.upper || head.upper > bytes.size())
-      Fail(page, "has no place for its nodes");
-    if (head.flags & kKeysAlone) return;
-    if (!(head.flags & (kBranch | kLeaf))) Fail(page, "is no part of a tree");
+    if (depth > kDeepest) Fail(number, "lies too deep");
+    TreePage page{number, false, Read(number, 1), {}};
+    const auto head = ReadAs<PageHead>(page.bytes, 0);
+    if (head.lower < sizeof head || head.lower > head.upper || head.upper > page.bytes.size())
+      Fail(number, "has no place for its nodes");
+    if (head.flags != kBranch && head.flags != kLeaf) Fail(number, "is no part of a tree");
+    page.isBranch = head.flags == kBranch;
+    unsigned long filled = 0;
     for (unsigned long at = sizeof head; at < head.lower; at += sizeof(std::uint16_t)) {
-      const std::uint16_t place = ReadAs<std::uint16_t>(bytes, at);
-      const auto node = ReadAs<Node>(bytes, place);
-      const unsigned long data = place + sizeof node + node.keySize;
-      if (place < head.upper || data > bytes.size()) Fail(page, "has a node outside of it");
-      if (head.flags & kBranch)
-        WalkTree(node.size, depth + 1);
+      page.places.push_back(ReadAs<std::uint16_t>(page.bytes, at));
+      filled += SizeOfNode(page, page.places.size() - 1, head.upper);
+    }
+    if (filled != page.bytes.size() - head.upper) Fail(number, "does not have all of its nodes");
+    return page;
+  }
+
+  const int file_;
+  const Snapshot& snapshot_;
+  const std::string& path_;
+
+ private:
+  unsigned long SizeOfNode(const TreePage& page, unsigned long i, unsigned long first) const {
+    const Node node = page.NodeAt(i);
+    unsigned long size = sizeof node + node.keySize;
+    if (!page.isBranch) size += node.flags & kOnOtherPages ? sizeof(std::uint32_t) : node.size;
+    if (page.places[i] < first || size > page.bytes.size() - page.places[i])
+      Fail(page.number, "has a node outside of it");
+    return size + size % 2;
+  }
+};
+
+/// Walks everything, and finds the owner of each page.
+class Walk : PageReader {
+ public:
+  Walk(int file, const Snapshot& snapshot, const std::string& path)
+      : PageReader(file, snapshot, path), owned_(snapshot.lastPage + 1ULL, false) {}
+
+  void All() {
+    for (std::uint32_t page = 0; page < kMetaPages; ++page) Own(page);
+    constexpr std::uint16_t kFreeFlags = 0x4008;  // keys are numbers; the store is one file
+    if (snapshot_.free.flags != kFreeFlags || snapshot_.tables.flags != 0)
+      Fail(snapshot_.transaction % kMetaPages, "has trees of other kinds");
+    inFreeList_ = true;
+    WalkTree(snapshot_.free, 0);
+    inFreeList_ = false;
+    WalkTree(snapshot_.tables, 0);
+    for (std::uint32_t page = 0; page <= snapshot_.lastPage; ++page)
+      if (!owned_[page]) Fail(page, "belongs to nothing");
+  }
+
+ private:
+  void Own(std::uint32_t page) {
+    if (page > snapshot_.lastPage) Fail(page, "lies behind the last one");
+    if (owned_[page]) Fail(page, "belongs to two");
+    owned_[page] = true;
+  }
+
+  /// A whole tree, which must be as it is described.
+  void WalkTree(const PageTree& tree, std::uint32_t describedOn) {
+    PageTree found{};
+    if (tree.root != kNoPage) WalkPage(tree.root, 0, found);
+    if (tree.depth != found.depth || tree.branchPages != found.branchPages ||
+        tree.leafPages != found.leafPages || tree.overflowPages != found.overflowPages ||
+        tree.entries != found.entries)
+      Fail(describedOn, "does not describe a tree as it is");
+  }
+
+  void WalkPage(std::uint32_t number, int depth, PageTree& tree) {
+    Own(number);
+    const TreePage page = ReadTreePage(number, depth);
+    ++(page.isBranch ? tree.branchPages : tree.leafPages);
+    tree.depth = std::max(tree.depth, static_cast<std::uint16_t>(depth + 1));
+    for (unsigned long i = 0; i < page.places.size(); ++i) {
+      if (page.isBranch)
+        WalkPage(page.NodeAt(i).size, depth + 1, tree);
       else
-        WalkData(page, bytes, node, data, depth);
+        WalkData(page, i, tree);
     }
   }
 
-  void WalkData(std::uint32_t page, const std::string& bytes, const Node& node, unsigned long at, int depth) {
-    const bool elsewhere = node.flags & kOnOtherPages;
-    if (at + (elsewhere ? sizeof(std::uint32_t) : node.size) > bytes.size())
-      Fail(page, "has data outside of it");
-    if (elsewhere)
-      WalkOverflow(ReadAs<std::uint32_t>(bytes, at), node.size);
+  void WalkData(const TreePage& page, unsigned long i, PageTree& tree) {
+    const Node node = page.NodeAt(i);
+    const unsigned long at = page.DataPlace(i);
+    ++tree.entries;
+    if (node.flags & kOnOtherPages)
+      tree.overflowPages += WalkOverflow(ReadAs<std::uint32_t>(page.bytes, at), node.size);
     else if (inFreeList_)
-      OwnFreePages(page, bytes.substr(at, node.size));
+      OwnFreePages(page.number, page.bytes.substr(at, node.size));
     else if (node.flags & kTree)
-      WalkTree(ReadAs<Tree>(bytes, at).root, depth + 1);
+      WalkTree(ReadAs<PageTree>(page.bytes, at), page.number);
   }
 
-  void WalkOverflow(std::uint32_t page, std::uint32_t size) {
+  /// Returns how many pages it has.
+  std::uint32_t WalkOverflow(std::uint32_t page, std::uint32_t size) {
     const std::uint32_t pages = (sizeof(PageHead) - 1 + size) / snapshot_.pageSize + 1;
     for (std::uint32_t i = 0; i < pages; ++i) Own(page + i);
     const std::string bytes = Read(page, inFreeList_ ? pages : 1);
     if (!(ReadAs<PageHead>(bytes, 0).flags & kOverflow)) Fail(page, "is no page of long data");
     if (inFreeList_) OwnFreePages(page, bytes.substr(sizeof(PageHead), size));
+    return pages;
   }
 
   /// A number of pages, and their numbers.
@@ -152,11 +206,71 @@ class Walk {
     for (unsigned long i = 1; i <= count; ++i) Own(ReadAs<std::uint32_t>(list, i * sizeof(std::uint32_t)));
   }
 
-  int file_;
-  const Snapshot& snapshot_;
-  const std::string& path_;
   std::vector<bool> owned_;
   bool inFreeList_ = false;
+};
+
+/// Walks the pages of a tree on which keys of a range lie.
+class RangeWalk : PageReader {
+ public:
+  using PageReader::PageReader;
+
+  void Table(const std::string& name, std::string_view from, std::string_view to) {
+    std::uint32_t number = snapshot_.tables.root;
+    for (int depth = 0; number != kNoPage; ++depth) {
+      const TreePage page = ReadTreePage(number, depth);
+      const unsigned long i = Find(page, name);
+      if (i == page.places.size()) return;
+      if (page.isBranch) {
+        number = page.NodeAt(i).size;
+        continue;
+      }
+      if (page.Key(i) != name) return;
+      const auto tree = ReadAs<PageTree>(page.bytes, page.DataPlace(i));
+      levels_ = tree.depth;
+      WalkTree({tree.root, {}, {}, 0}, from, to);
+      return;
+    }
+  }
+
+ private:
+  /// A page, and what its parent says of its keys: from `first` on, below `end` (empty: any).
+  struct Place {
+    std::uint32_t number;
+    std::string_view first, end;
+    int depth;
+  };
+
+  /// The node under which a key lies; none of a page without nodes.
+  static unsigned long Find(const TreePage& page, std::string_view key) {
+    unsigned long i = 0;
+    while (i + 1 < page.places.size() && page.Key(i + 1) <= key) ++i;
+    return i;
+  }
+
+  void WalkTree(const Place& place, std::string_view from, std::string_view to) {
+    if (place.number == kNoPage) return;
+    const TreePage page = ReadTreePage(place.number, place.depth);
+    const unsigned long count = page.places.size();
+    if (count == 0) Fail(place.number, "is empty");
+    if (page.isBranch != (place.depth + 1 < levels_)) Fail(place.number, "lies at another level");
+    const unsigned long named = page.isBranch ? 1 : 0;  // the first node of a branch has no key
+    std::string_view last = place.first;
+    for (unsigned long i = named; i < count; ++i) {
+      if (i == 0 ? page.Key(i) < last : page.Key(i) <= last) Fail(place.number, "has keys out of order");
+      last = page.Key(i);
+    }
+    if (!place.end.empty() && last >= place.end) Fail(place.number, "has keys of another page");
+    if (!page.isBranch) return;
+    for (unsigned long i = 0; i < count; ++i) {
+      const std::string_view first = i == 0 ? place.first : page.Key(i);
+      const std::string_view end = i + 1 == count ? place.end : page.Key(i + 1);
+      if (!to.empty() && first >= to) return;
+      if (end.empty() || end > from) WalkTree({page.NodeAt(i).size, first, end, place.depth + 1}, from, to);
+    }
+  }
+
+  int levels_ = 0;  // of the tree
 };
 
 }  // namespace
@@ -165,11 +279,18 @@ std::optional<Snapshot> FindSnapshot(int file, std::uint32_t transaction) {
   const auto first = ReadAs<Meta>(ReadBytes(file, sizeof(PageHead), sizeof(Meta)), 0);
   const std::uint32_t pageSize = first.free.pad;
   const auto second = ReadAs<Meta>(ReadBytes(file, pageSize + sizeof(PageHead), sizeof(Meta)), 0);
+  const bool follow =
+      std::max(first.transaction, second.transaction) - std::min(first.transaction, second.transaction) == 1;
   for (const Meta& meta : {first, second}) {
-    if (meta.magic != kMagic || meta.transaction != transaction) continue;
-    return Snapshot{pageSize, meta.lastPage, meta.free.root, meta.tables.root, meta.transaction};
+    if (!follow || meta.magic != kMagic || meta.transaction != transaction) continue;
+    return Snapshot{pageSize, meta.lastPage, meta.free, meta.tables, meta.transaction};
   }
   return std::nullopt;
+}
+
+void CheckRange(int file, const Snapshot& snapshot, const std::string& table, std::string_view from,
+                std::string_view to, const std::string& path) {
+  RangeWalk(file, snapshot, path).Table(table, from, to);
 }
 
 void CheckPages(int file, const Snapshot& snapshot, const std::string& path) {

@@ -5,25 +5,41 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace nxtm {
+
+/// A tree of pages, as the file describes it.
+struct PageTree {
+  std::uint32_t pad;  // of the first tree of a meta page: the size of pages
+  std::uint16_t flags;
+  std::uint16_t depth;
+  std::uint32_t branchPages, leafPages, overflowPages, entries;
+  std::uint32_t root;
+};
 
 /// One state of the file: what one of its two meta pages says.
 struct Snapshot {
   std::uint32_t pageSize = 0;
   std::uint32_t lastPage = 0;
-  std::uint32_t freeRoot = 0;   // of the tree of the pages that are free
-  std::uint32_t tableRoot = 0;  // of the tree of the tables
+  PageTree free{};    // the pages that are free
+  PageTree tables{};  // the tables
   std::uint32_t transaction = 0;
 };
 
-/// The state that a transaction left; none when it is not there any more.
+/// The state that a transaction left; none when it is not there any more, or the two meta
+/// pages do not follow each other.
 std::optional<Snapshot> FindSnapshot(int file, std::uint32_t transaction);
 
 /// Walks every tree and the list of free pages. Throws a Failure where a page has contents
 /// that it cannot have, or belongs to two owners or to none: what is written to such a file
 /// could overwrite other pages.
 void CheckPages(int file, const Snapshot& snapshot, const std::string& path);
+
+/// The same of the pages on which a table's keys lie from one on, below another one (empty:
+/// to the last): none of them is missing from the table's tree. `table` is its name.
+void CheckRange(int file, const Snapshot& snapshot, const std::string& table, std::string_view from,
+                std::string_view to, const std::string& path);
 
 }  // namespace nxtm
 

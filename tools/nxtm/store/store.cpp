@@ -1,429 +1,213 @@
-// The store over LMDB.
+// The store over an engine: its root and its records.
 
 #include "store/store.h"
 
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#include <utility>
+#include <sstream>
 
 #include "data/failure.h"
 #include "nxlang.h"
+
+#define XXH_INLINE_ALL
+#include <xxhash.h>
 
 namespace nxtm {
 
 namespace {
 
-// A store is mapped whole. The address space of a process gives about 2 GiB in one piece,
-// or less where much of it is taken.
-constexpr unsigned long kMapSizes[] = {2047UL << 20, 1536UL << 20, 1024UL << 20, 512UL << 20};
-constexpr unsigned long kBlock = 256;  // records under one checksum
-constexpr unsigned int kMaxTables = 4096;
-constexpr unsigned long kMaxIndexes = 2000;  // of two tables each at most
-const char kKind[] = "nxtm store 3";
+const char kKind[] = "nxtm store 4";
+constexpr unsigned long kMaxIndexes = 2000;
+constexpr unsigned long kSumSize = sizeof(unsigned int);
 
-// ---------------------------------------------------------------------------
-// Damage
-//
-// LMDB trusts its pages. Where one is damaged it may follow a wild pointer or stop
-// the process; both end here, with the message that the user needs.
+/// What a record's checksum begins with, so that it holds in its own place alone.
+unsigned int SeedOf(KeyValue::Table records, unsigned int number) { return records * 2654435761U + number; }
 
-char damageMessage[512];
-
-void OnDamage(int) {
-  ssize_t ignored = write(STDERR_FILENO, damageMessage, std::strlen(damageMessage));
-  static_cast<void>(ignored);
-  _exit(2);
-}
-
-void ExpectDamage(const std::string& path) {
-  std::snprintf(damageMessage, sizeof damageMessage, "nxtm: %s: the store is damaged\n", path.c_str());
-  for (int signal : {SIGSEGV, SIGBUS, SIGABRT, SIGFPE}) {
-    struct sigaction action {};
-    action.sa_handler = OnDamage;
-    sigaction(signal, &action, nullptr);
-  }
-}
-
-// ---------------------------------------------------------------------------
-// Order of index keys
-
-template <int kType>
-long Compare(const MDB_val* a, const MDB_val* b, int& error) {
-  constexpr unsigned char kFormat = kType == kStringTypeId ? kFormatKey | kFormatNative : kFormatNative;
-  return Manager().Cmp(kType, a->mv_size, a->mv_data, b->mv_size, b->mv_data, kWildcardsOff, 1, kFormat,
-                       error);
-}
-
-template <int kType>
-int CompareKeys(const MDB_val* a, const MDB_val* b) {
-  int error;
-  long order = Compare<kType>(a, b, error);
-  // Keys of alphabetic strings compare as far as the first one reaches.
-  if (order == 0 && error == kPastBuffer) order = -Compare<kType>(b, a, error);
-  return order < 0 ? -1 : order > 0;
-}
-
-template <std::size_t... kTypes>
-constexpr auto ComparisonTable(std::index_sequence<kTypes...>) {
-  return std::array<MDB_cmp_func*, sizeof...(kTypes)>{CompareKeys<static_cast<int>(kTypes)>...};
-}
-constexpr auto kComparisons = ComparisonTable(std::make_index_sequence<kTypeCount>());
-
-const char kLockSuffix[] = "-lock";  // of the file beside a store that LMDB keeps its locks in
-
-/// Refuses a path at which there is no store, with the reason.
-void RequireStoreFile(const std::string& path) {
-  struct stat status {};
-  if (lstat(path.c_str(), &status) != 0)
-    throw Failure(path + ": " + (errno == ENOENT ? "there is no such store" : std::strerror(errno)));
-  if (stat(path.c_str(), &status) != 0)
-    throw Failure(path + ": a link that cannot be followed: " + std::strerror(errno));
-  if (!S_ISREG(status.st_mode) || status.st_size == 0) throw Failure(path + ": not a store");
-}
-
-unsigned long ToNumber(const std::string& text) { return std::strtoul(text.c_str(), nullptr, 10); }
+std::string HexOrNone(std::string_view bytes) { return bytes.empty() ? "-" : Hex(bytes, ""); }
+std::string FromHexOrNone(const std::string& text) { return text == "-" ? "" : FromHex(text); }
 
 }  // namespace
 
-unsigned long long AddToSum(unsigned long long sum, std::string_view bytes) {  // FNV-1a
-  for (unsigned char byte : bytes) sum = (sum ^ byte) * 1099511628211ULL;
-  return (sum ^ bytes.size()) * 1099511628211ULL;
+std::string NumberKey(unsigned int number) {
+  return {static_cast<char>(number >> 24), static_cast<char>(number >> 16), static_cast<char>(number >> 8),
+          static_cast<char>(number)};
 }
 
-void CheckMdb(int code, const std::string& what) {
-  if (code == MDB_MAP_FULL)
-    throw Failure(what + ": the store would grow beyond what this process can map (about 2 GiB)");
-  if (code == EIO) throw Failure(what + ": cannot be read or written; is there space left on the device?");
-  if (code != 0) throw Failure(what + ": " + mdb_strerror(code));
+unsigned int NumberAtEnd(std::string_view key) {
+  unsigned int number = 0;
+  for (unsigned char byte : key.substr(key.size() - sizeof number)) number = number << 8 | byte;
+  return number;
 }
 
-bool Cursor::Get(MDB_val& key, MDB_val& data, MDB_cursor_op op) {
-  int code = mdb_cursor_get(cursor_, &key, &data, op);
-  if (code == MDB_NOTFOUND) return false;
-  CheckMdb(code, store_.Path());
-  store_.RequireFits(key);
-  store_.RequireFits(data);
-  return true;
+unsigned int SumOf(std::string_view bytes, unsigned int seed) {
+  return XXH32(bytes.data(), bytes.size(), seed);
 }
 
-void Store::OpenEnvironment(unsigned int flags) {
-  int code = ENOMEM;
-  for (unsigned long size : kMapSizes) {
-    mdb_env_close(env_);
-    env_ = nullptr;
-    CheckMdb(mdb_env_create(&env_), path_);
-    CheckMdb(mdb_env_set_mapsize(env_, size), path_);
-    CheckMdb(mdb_env_set_maxdbs(env_, kMaxTables), path_);
-    code = mdb_env_open(env_, file_.c_str(), MDB_NOSUBDIR | flags, 0666);
-    largest_ = size;
-    if (code != ENOMEM) break;
-  }
-  // Who may not write here reads without being known to those who write.
-  if (code == EACCES && mode_ == Mode::kRead && !(flags & MDB_NOLOCK))
-    return OpenEnvironment(flags | MDB_NOLOCK);
-  if (code == MDB_INVALID || code == MDB_VERSION_MISMATCH) throw Failure(path_ + ": not a store");
-  CheckMdb(code, path_);
-}
+// ---------------------------------------------------------------------------
+// Opening, and the root
 
-void Store::Begin() {
-  CheckMdb(mdb_txn_begin(env_, nullptr, mode_ == Mode::kRead ? MDB_RDONLY : 0, &txn_), path_);
-}
+Store::Store(const std::string& path, std::unique_ptr<KeyValue> engine)
+    : path_(path), engine_(std::move(engine)), collation_(NxCollationVersion()) {}
 
-Store::~Store() {
-  if (txn_) mdb_txn_abort(txn_);
-  mdb_env_close(env_);
-  // A lock file whose store was never made is of no use to others.
-  if (IsNew()) unlink((path_ + kLockSuffix).c_str());
-}
-
-void Store::LockForWriting(Wait wait) {
-  writing_ = std::make_unique<FileLock>(path_ + kLockSuffix, FileLock::Kind::kExclusive, wait, path_, true);
-}
+std::string Store::Kind() { return kKind; }
 
 std::unique_ptr<Store> Store::Open(const std::string& path, Mode mode, Wait wait) {
-  RequireStoreFile(path);
-  std::unique_ptr<Store> store(new Store(path, mode));
-  if (mode != Mode::kRead) store->LockForWriting(wait);
-  store->OpenExisting(wait);
+  std::unique_ptr<Store> store(new Store(path, KeyValue::Open(path, mode, wait)));
+  store->ReadRoot();
+  if (mode != Mode::kRead) store->SweepUnfinished();
   return store;
 }
 
 std::unique_ptr<Store> Store::OpenOrCreate(const std::string& path, const Schema& schema, Wait wait) {
-  std::unique_ptr<Store> store(new Store(path, Mode::kWrite));
-  store->LockForWriting(wait);
-  struct stat status {};
-  if (lstat(path.c_str(), &status) != 0 && errno == ENOENT) {
-    store->MakeNew(schema);
-  } else {
-    RequireStoreFile(path);
-    store->OpenExisting(wait);
-  }
+  std::unique_ptr<Store> store(new Store(path, KeyValue::Open(path, Mode::kCreate, wait)));
+  if (store->IsNew())
+    store->schema_ = schema;
+  else
+    store->ReadRoot();
+  store->SweepUnfinished();
   return store;
 }
 
-void Store::OpenExisting(Wait wait) {
-  const FileLock::Kind kind = mode_ == Mode::kAlone ? FileLock::Kind::kExclusive : FileLock::Kind::kShared;
-  using_ = std::make_unique<FileLock>(path_, kind, wait, path_);
-  ExpectDamage(path_);
-  OpenEnvironment(mode_ == Mode::kRead ? MDB_RDONLY : 0);
-  int dead;
-  mdb_reader_check(env_, &dead);  // pages that a killed process was reading can be used again
-  RequireWholeFile();
-  BeginFromSnapshot();
-  ReadMeta();
-}
-
-/// Begins a transaction and finds the state of the file that it sees, which later ones of
-/// other processes may hide.
-void Store::BeginFromSnapshot() {
-  int file;
-  CheckMdb(mdb_env_get_fd(env_, &file), path_);
-  constexpr int kTries = 100;
-  for (int i = 0; i < kTries; ++i) {
-    Begin();
-    const auto seen = static_cast<std::uint32_t>(mdb_txn_id(txn_)) - (mode_ == Mode::kRead ? 0 : 1);
-    const std::optional<Snapshot> found = FindSnapshot(file, seen);
-    if (found) {
-      snapshot_ = *found;
-      return;
-    }
-    mdb_txn_abort(std::exchange(txn_, nullptr));
+std::string Store::RootText() const {
+  std::ostringstream text;
+  text << kKind << "\ncollation " << collation_ << "\nrecords " << records_ << ' ' << count_ << "\ntables "
+       << nextTable_ << '\n';
+  for (const IndexInfo& index : indexes_) {
+    text << "index " << index.attribute << ' ' << index.hash << ' ' << index.collation << ' ' << index.table
+         << ' ' << index.entries << ' ' << index.sum;
+    for (const IndexEdge* edge : {&index.low, &index.high})
+      text << ' ' << HexOrNone(edge->sortKey) << ' ' << HexOrNone(edge->keyImage);
+    text << '\n';
   }
-  throw Failure(path_ + ": the store is damaged");
+  text << "schema\n" << schema_.Text();
+  return text.str() + "sum " + std::to_string(SumOf(text.str())) + '\n';
 }
 
-void Store::CheckFile() const {
-  int file;
-  CheckMdb(mdb_env_get_fd(env_, &file), path_);
-  CheckPages(file, snapshot_, path_);
-}
-
-void Store::MakeNew(const Schema& schema) {
-  unfinished_ = std::make_unique<NewFile>(path_);
-  file_ = unfinished_->Name();
-  OpenEnvironment(MDB_NOLOCK);  // nobody else knows of it
-  Begin();
-  schema_ = schema;
-  meta_ = Table("meta", MDB_CREATE);
-  records_ = Table("records", MDB_CREATE | MDB_INTEGERKEY);
-  sums_ = Table("sums", MDB_CREATE | MDB_INTEGERKEY);
-  blockSum_ = kEmptySum;
-  SetMeta("kind", kKind);
-  SetMeta("collation", std::to_string(NxCollationVersion()));
-  SetMeta("schema", schema.Text());
-}
-
-/// LMDB maps the file without asking whether all of its pages are there.
-void Store::RequireWholeFile() {
-  MDB_envinfo info;
-  MDB_stat pages;
-  CheckMdb(mdb_env_info(env_, &info), path_);
-  CheckMdb(mdb_env_stat(env_, &pages), path_);
-  if (FileSize() / pages.ms_psize < info.me_last_pgno + 1) throw Failure(path_ + ": the store is truncated");
-  if (mode_ == Mode::kRead) largest_ = FileSize();
-}
-
-void Store::RequireFits(const MDB_val& value) const {
-  if (value.mv_size > largest_) throw Failure(path_ + ": the store is damaged");
-}
-
-void Store::ReadMeta() {
-  MDB_dbi table;
-  if (mdb_dbi_open(txn_, "meta", 0, &table) != 0) throw Failure(path_ + ": not a store");
-  meta_ = table;
-  if (Meta("kind") != kKind) throw Failure(path_ + ": not a store of this format");
-  // A meta page whose transaction was changed would bring back an older state.
-  if (Meta("transaction") != std::to_string(snapshot_.transaction))
-    throw Failure(path_ + ": the store is damaged: a meta page has another transaction's number");
-  OpenTables();
-  schema_ = Schema::Parse(Meta("schema"), path_ + " (schema)");
-  count_ = ToNumber(Meta("count"));
-  for (unsigned long i = 0; i < schema_.Columns().size(); ++i) {
-    for (bool hash : {false, true}) {
-      IndexInfo index{i, hash};
-      std::string made = Meta(IndexName(index));
-      if (made.empty()) continue;
-      char* rest = nullptr;
-      index.collation = std::strtoul(made.c_str(), &rest, 10);
-      index.sum = std::strtoull(rest, nullptr, 10);
-      indexes_.push_back(index);
+void Store::ReadRoot() {
+  const std::string& root = engine_->Root();
+  const unsigned long end = std::min(root.rfind("sum "), root.size());
+  if (root.substr(end) != "sum " + std::to_string(SumOf(root.substr(0, end))) + '\n')
+    throw StoreFailure(path_ + ": the store's root is damaged");
+  if (root.rfind(kKind, 0) != 0)
+    throw Failure(path_ + ": a store of another version; make it anew with nxtm import");
+  std::istringstream text(root.substr(0, end));
+  std::string line, word;
+  std::getline(text, line);
+  while (text >> word && word != "schema") {
+    if (word == "records") {
+      text >> records_ >> count_;
+    } else if (word == "tables") {
+      text >> nextTable_;
+    } else if (word == "collation") {
+      text >> collation_;
+    } else if (word == "index") {
+      IndexInfo index;
+      text >> index.attribute >> index.hash >> index.collation >> index.table >> index.entries >> index.sum;
+      for (IndexEdge* edge : {&index.low, &index.high}) {
+        std::string sortKey, keyImage;
+        text >> sortKey >> keyImage;
+        *edge = {FromHexOrNone(sortKey), FromHexOrNone(keyImage)};
+      }
+      indexes_.push_back(std::move(index));
+    } else {
+      text >> word;
     }
   }
-  blockSum_ = kEmptySum;
-  if (count_ % kBlock == 0) return;
-  auto block = static_cast<unsigned int>(count_ / kBlock);
-  MDB_val key = ValOf(block), data;
-  CheckMdb(mdb_get(txn_, sums_, &key, &data), path_ + ": checksum");
-  RequireFits(data);
-  if (data.mv_size == sizeof blockSum_) std::memcpy(&blockSum_, data.mv_data, sizeof blockSum_);
+  std::getline(text, line);
+  const auto at = static_cast<unsigned long>(text.tellg());
+  schema_ = Schema::Parse(root.substr(at, end - at), path_ + " (schema)");
 }
 
-void Store::OpenTables() {
-  meta_ = Table("meta", 0);
-  records_ = Table("records", MDB_INTEGERKEY);
-  sums_ = Table("sums", MDB_INTEGERKEY);
-}
-
-MDB_dbi Store::Table(const std::string& name, unsigned int flags) {
-  MDB_dbi table;
-  CheckMdb(mdb_dbi_open(txn_, name.c_str(), flags, &table), path_ + ": table " + name);
-  return table;
-}
-
-std::string Store::Meta(const std::string& key) {
-  MDB_val k = Val(key), data;
-  int code = mdb_get(txn_, meta_, &k, &data);
-  if (code == MDB_NOTFOUND) return "";
-  CheckMdb(code, path_);
-  RequireFits(data);
-  std::string value(View(data));
-  unsigned long long sum = 0;
-  if (value.size() >= sizeof sum) {
-    value.resize(value.size() - sizeof sum);
-    std::memcpy(&sum, View(data).data() + value.size(), sizeof sum);
+/// Takes away what a writer that was ended left behind: records and entries of numbers that
+/// do not count, and tables of which the root says nothing.
+void Store::SweepUnfinished() {
+  if (!engine_->LeftUnfinished()) return;
+  const auto removeNewIn = [this](KeyValue::Table table, std::string_view from) {
+    std::vector<std::string> keys;
+    engine_->Range(table, from, {}, [&](std::string_view key, std::string_view) {
+      if (key.size() >= sizeof(unsigned int) && NumberAtEnd(key) >= count_) keys.emplace_back(key);
+      return true;
+    });
+    for (const std::string& key : keys) engine_->Remove(table, key);
+  };
+  removeNewIn(records_, NumberKey(static_cast<unsigned int>(count_)));
+  std::vector<KeyValue::Table> used{records_};
+  for (const IndexInfo& index : indexes_) {
+    removeNewIn(index.table, {});
+    used.push_back(index.table);
   }
-  if (sum != AddToSum(kEmptySum, value)) throw Failure(path_ + ": the store's " + key + " is damaged");
-  return value;
+  // The writer may have begun as many tables as it takes to make all anew.
+  nextTable_ += static_cast<KeyValue::Table>(indexes_.size()) + 2;
+  for (KeyValue::Table table = 0; table < nextTable_; ++table)
+    if (std::find(used.begin(), used.end(), table) == used.end()) engine_->Drop(table);
+  if (!IsNew()) Commit();
 }
 
-void Store::SetMeta(const std::string& key, const std::string& value) {
-  unsigned long long sum = AddToSum(kEmptySum, value);
-  std::string stored = value + std::string(reinterpret_cast<const char*>(&sum), sizeof sum);
-  MDB_val k = Val(key), data = Val(stored);
-  CheckMdb(mdb_put(txn_, meta_, &k, &data, 0), path_);
-}
+// ---------------------------------------------------------------------------
+// Records
 
-unsigned long long Store::FileSize() const {
-  struct stat status {};
-  return stat(file_.c_str(), &status) == 0 ? static_cast<unsigned long long>(status.st_size) : 0;
-}
-
-unsigned int Store::Append(const std::string& record) {
-  auto number = static_cast<unsigned int>(count_);
-  MDB_val key = ValOf(number), data = Val(record);
-  CheckMdb(mdb_put(txn_, records_, &key, &data, MDB_APPEND), path_);
-  blockSum_ = AddToSum(blockSum_, record);
-  if (++count_ % kBlock == 0) {
-    NoteBlockSum();
-    blockSum_ = kEmptySum;
-  }
+unsigned int Store::Append(std::string_view record) {
+  const auto number = static_cast<unsigned int>(count_);
+  const unsigned int sum = SumOf(record, SeedOf(records_, number));
+  value_.assign(reinterpret_cast<const char*>(&sum), kSumSize);
+  value_ += record;
+  engine_->Put(records_, NumberKey(number), value_);
+  ++count_;
   return number;
 }
 
-/// Notes the sum of the block that the last record is in, as far as it goes.
-void Store::NoteBlockSum() {
-  auto block = static_cast<unsigned int>((count_ - 1) / kBlock);
-  MDB_val key = ValOf(block), data = ValOf(blockSum_);
-  CheckMdb(mdb_put(txn_, sums_, &key, &data, 0), path_);
-}
-
-void Store::WriteTransaction() {
-  if (count_ % kBlock != 0) NoteBlockSum();
-  SetMeta("count", std::to_string(count_));
-  for (const IndexInfo& index : indexes_) DescribeIndex(index);
-  SetMeta("transaction", std::to_string(mdb_txn_id(txn_)));
-  MDB_txn* txn = std::exchange(txn_, nullptr);
-  CheckMdb(mdb_txn_commit(txn), path_);
-}
-
-void Store::Checkpoint() {
-  WriteTransaction();
-  Begin();
-}
-
-void Store::Commit() {
-  WriteTransaction();
-  if (unfinished_) unfinished_->TakeName(false);
-  file_ = path_;
-}
-
-void Store::Compact() {
-  NewFile copy(path_);
-  mdb_txn_abort(std::exchange(txn_, nullptr));
-  const int descriptor = open(copy.Name().c_str(), O_WRONLY | O_CLOEXEC);
-  const int code = mdb_env_copyfd2(env_, descriptor, MDB_CP_COMPACT);
-  const bool kept = fsync(descriptor) == 0;
-  close(descriptor);
-  CheckMdb(code, path_);
-  if (!kept) throw Failure(path_ + ": " + std::strerror(errno));
-  // The copy begins to count its transactions anew, and has to say so.
-  file_ = copy.Name();
-  OpenEnvironment(MDB_NOLOCK);
-  Begin();
-  OpenTables();
-  WriteTransaction();
-  mdb_env_close(std::exchange(env_, nullptr));
-  copy.TakeName(true);
-  file_ = path_;
-}
-
-std::string_view Store::ReadRecord(unsigned int number) {
-  MDB_val key = ValOf(number), data;
-  int code = mdb_get(txn_, records_, &key, &data);
-  if (code == MDB_NOTFOUND) throw Failure(path_ + ": record " + std::to_string(number) + " is missing");
-  CheckMdb(code, path_);
-  RequireFits(data);
-  return View(data);
-}
-
-std::string_view Store::Get(unsigned int number) {
-  RequireBlock(number / kBlock);
-  return ReadRecord(number);
-}
-
-/// Reads the block of a record once: who relies on one of its records relies on its sum.
-void Store::RequireBlock(unsigned int block) {
-  soundBlocks_.resize(count_ / kBlock + 1);
-  if (soundBlocks_[block]) return;
-  const auto first = static_cast<unsigned int>(block * kBlock);
-  const auto last = static_cast<unsigned int>(std::min<unsigned long>(first + kBlock, count_) - 1);
-  unsigned long long sum = kEmptySum;
-  for (unsigned int number = first; number <= last; ++number) sum = AddToSum(sum, ReadRecord(number));
-  RequireBlockSum(block, sum, last);
-  soundBlocks_[block] = true;
-}
-
-void Store::RequireBlockSum(unsigned int block, unsigned long long sum, unsigned int last) {
-  MDB_val key = ValOf(block), expected;
-  const int code = mdb_get(txn_, sums_, &key, &expected);
-  if (code == 0) RequireFits(expected);
-  if (code != 0 || expected.mv_size != sizeof sum || std::memcmp(expected.mv_data, &sum, sizeof sum) != 0)
-    throw Failure(path_ + ": one of the records " + std::to_string(block * kBlock) + " to " +
-                  std::to_string(last) + " is damaged: their checksum differs");
-}
-
-void Store::ForEach(const std::function<void(unsigned int, std::string_view)>& onRecord) {
-  Cursor cursor(*this, records_);
-  MDB_val key, data;
-  unsigned int number = 0;
-  unsigned long long sum = kEmptySum;
-  for (; cursor.Get(key, data, MDB_NEXT); ++number) {
-    unsigned int stored = 0;
-    if (key.mv_size == sizeof stored) std::memcpy(&stored, key.mv_data, sizeof stored);
-    if (key.mv_size != sizeof stored || stored != number)
-      throw Failure(path_ + ": record " + std::to_string(number) + " is missing");
-    onRecord(number, View(data));
-    sum = AddToSum(sum, View(data));
-    if ((number + 1) % kBlock != 0 && number + 1 != count_) continue;
-    RequireBlockSum(number / kBlock, sum, number);
-    sum = kEmptySum;
+/// The bytes of a record, out of its value.
+std::string_view Store::CheckedRecord(KeyValue::Table records, unsigned int number,
+                                      std::string_view value) const {
+  unsigned int sum = 0;
+  if (value.size() >= kSumSize) {
+    std::memcpy(&sum, value.data(), kSumSize);
+    const std::string_view record = value.substr(kSumSize);
+    if (sum == SumOf(record, SeedOf(records, number))) return record;
   }
-  if (number != count_)
-    throw Failure(path_ + ": " + std::to_string(number) + " of " + std::to_string(count_) +
-                  " records are there");
+  throw StoreFailure(path_ + ": record " + std::to_string(number) + " is damaged: its checksum differs");
 }
 
-std::string Store::IndexName(const IndexInfo& index) const {
-  return (index.hash ? "h:" : "o:") + schema_.Columns()[index.attribute].name;
+void Store::ForEach(const OnRecord& onRecord) { ForEachOf(records_, count_, onRecord); }
+
+void Store::ForEachOf(KeyValue::Table records, unsigned long count, const OnRecord& onRecord) {
+  unsigned int number = 0;
+  bool ended = false;
+  const auto onEntry = [&](std::string_view key, std::string_view value) {
+    if (key.size() != sizeof number || NumberAtEnd(key) != number)
+      throw StoreFailure(path_ + ": record " + std::to_string(number) + " is missing");
+    ended = !onRecord(number, CheckedRecord(records, number, value));
+    ++number;
+    return !ended;
+  };
+  engine_->Range(records, {}, NumberKey(static_cast<unsigned int>(count)), onEntry);
+  if (!ended && number != count)
+    throw StoreFailure(path_ + ": " + std::to_string(number) + " of " + std::to_string(count) +
+                       " records are there");
 }
+
+void Store::GetMany(const std::vector<unsigned int>& numbers, const OnRecord& onRecord) {
+  std::vector<std::string> keys;
+  keys.reserve(numbers.size());
+  for (unsigned int number : numbers) keys.push_back(NumberKey(number));
+  engine_->GetMany(records_, keys, [&](unsigned long place, const std::string_view* value) {
+    const unsigned int number = numbers[place];
+    if (!value) throw StoreFailure(path_ + ": record " + std::to_string(number) + " is missing");
+    return onRecord(number, CheckedRecord(records_, number, *value));
+  });
+}
+
+KeyValue::Table Store::BeginRecordsAnew() {
+  const KeyValue::Table before = records_;
+  records_ = nextTable_++;
+  count_ = 0;
+  for (IndexInfo& index : indexes_) EmptyIndex(index);
+  return before;
+}
+
+// ---------------------------------------------------------------------------
+// Descriptions of indexes
 
 const IndexInfo* Store::FindIndex(unsigned long attribute, bool hash) const {
   for (const IndexInfo& index : indexes_)
@@ -431,62 +215,40 @@ const IndexInfo* Store::FindIndex(unsigned long attribute, bool hash) const {
   return nullptr;
 }
 
-void Store::DescribeIndex(const IndexInfo& index) {
-  SetMeta(IndexName(index), std::to_string(index.collation) + " " + std::to_string(index.sum));
-}
-
-IndexInfo* Store::FindDescribed(const IndexInfo& index) {
+IndexInfo* Store::FindDescribed(unsigned long attribute, bool hash) {
   for (IndexInfo& known : indexes_)
-    if (known.attribute == index.attribute && known.hash == index.hash) return &known;
+    if (known.attribute == attribute && known.hash == hash) return &known;
   return nullptr;
 }
 
-void Store::AddIndex(const IndexInfo& index) {
-  if (IndexInfo* known = FindDescribed(index)) {
-    *known = index;
-    return;
-  }
+IndexInfo& Store::Describe(unsigned long attribute, bool hash) {
+  if (IndexInfo* const known = FindDescribed(attribute, hash)) return *known;
   if (indexes_.size() == kMaxIndexes)
     throw Failure(path_ + ": a store has at most " + std::to_string(kMaxIndexes) + " indexes");
-  indexes_.push_back(index);
+  IndexInfo index;
+  index.attribute = attribute;
+  index.hash = hash;
+  const auto behind = std::find_if(indexes_.begin(), indexes_.end(), [&](const IndexInfo& known) {
+    return std::make_pair(known.attribute, known.hash) > std::make_pair(attribute, hash);
+  });
+  return *indexes_.insert(behind, index);
 }
 
-void Store::AddToIndexSum(const IndexInfo& index, unsigned long long entry) {
-  FindDescribed(index)->sum += entry;
+void Store::EmptyIndex(IndexInfo& index) {
+  if (index.table != 0) engine_->Drop(index.table);
+  IndexInfo empty;
+  empty.attribute = index.attribute;
+  empty.hash = index.hash;
+  empty.table = nextTable_++;
+  index = empty;
 }
 
-bool Store::DropIndex(const IndexInfo& index) {
-  const IndexInfo* known = FindDescribed(index);
+bool Store::DropIndex(unsigned long attribute, bool hash) {
+  const IndexInfo* const known = FindDescribed(attribute, hash);
   if (!known) return false;
+  if (known->table != 0) engine_->Drop(known->table);
   indexes_.erase(indexes_.begin() + (known - indexes_.data()));
-  CheckMdb(mdb_drop(txn_, IndexTable(index, false), 1), path_);
-  const std::string apart = "a:" + schema_.Columns()[index.attribute].name;
-  MDB_dbi table;
-  if (!index.hash && mdb_dbi_open(txn_, apart.c_str(), MDB_INTEGERKEY, &table) == 0)
-    CheckMdb(mdb_drop(txn_, table, 1), path_);
-  const std::string name = IndexName(index);
-  MDB_val key = Val(name);
-  CheckMdb(mdb_del(txn_, meta_, &key, nullptr), path_);
   return true;
-}
-
-MDB_dbi Store::IndexTable(const IndexInfo& index, bool fresh) {
-  unsigned int flags = MDB_DUPSORT | MDB_DUPFIXED | MDB_INTEGERDUP;
-  if (index.hash) flags |= MDB_INTEGERKEY;
-  MDB_dbi table = Table(IndexName(index), flags | (fresh ? MDB_CREATE : 0));
-  if (!index.hash) {
-    auto type = static_cast<unsigned char>(schema_.Columns()[index.attribute].type);
-    CheckMdb(mdb_set_compare(txn_, table, kComparisons[type]), path_);
-  }
-  if (fresh) CheckMdb(mdb_drop(txn_, table, 0), path_);
-  return table;
-}
-
-MDB_dbi Store::ApartTable(const IndexInfo& index, bool fresh) {
-  const std::string& name = schema_.Columns()[index.attribute].name;
-  MDB_dbi table = Table("a:" + name, MDB_INTEGERKEY | (fresh ? MDB_CREATE : 0));
-  if (fresh) CheckMdb(mdb_drop(txn_, table, 0), path_);
-  return table;
 }
 
 }  // namespace nxtm
