@@ -155,7 +155,11 @@ struct EtcdClient::Curl {
 
 EtcdClient::EtcdClient(const std::string& name, const std::vector<std::string>& nodes,
                        const std::atomic<bool>* stop)
-    : name_(name), nodes_(nodes), curl_(std::make_unique<Curl>()), stop_(stop) {
+    : name_(name),
+      nodes_(nodes),
+      timeout_(TheEtcdOptions().timeoutSeconds * 1000LL),
+      curl_(std::make_unique<Curl>()),
+      stop_(stop) {
   curl_->SetHeaders("");
   if (!TheEtcdOptions().user.empty()) Authenticate();
 }
@@ -180,7 +184,7 @@ EtcdClient::Ticket EtcdClient::Start(const char* path, std::string body) {
   request->body = std::move(body);
   request->wait = waits_ + 1;
   request->again = Clock::now();
-  request->end = request->again + std::chrono::seconds(TheEtcdOptions().timeoutSeconds);
+  request->end = request->again + timeout_;
   requests_[lastTicket_] = std::move(request);
   Work(false);
   return lastTicket_;
@@ -201,7 +205,7 @@ void EtcdClient::Send(Request& request) {
   const std::string url = (safe ? "https://" : "http://") + nodes_[node_] + request.path;
   const auto left = std::chrono::duration_cast<milliseconds>(request.end - Clock::now()).count();
   // A node that hangs leaves time for the others.
-  const long share = std::max(1000L, options.timeoutSeconds * 1000L / 3);
+  const long share = std::max(1000L, static_cast<long>(timeout_.count() / 3));
   const long limit = std::max(1L, std::min(share, static_cast<long>(left)));
   curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
   curl_easy_setopt(handle, CURLOPT_NOPROXY, "*");
@@ -215,11 +219,11 @@ void EtcdClient::Send(Request& request) {
   curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
   curl_easy_setopt(handle, CURLOPT_PRIVATE, &request);
   curl_easy_setopt(handle, CURLOPT_WRITEDATA, &request.answer);
-  curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION,
-                   +[](char* bytes, std::size_t size, std::size_t n, std::string* answer) {
-                     answer->append(bytes, size * n);
-                     return size * n;
-                   });
+  curl_easy_setopt(
+      handle, CURLOPT_WRITEFUNCTION, +[](char* bytes, std::size_t size, std::size_t n, std::string* answer) {
+        answer->append(bytes, size * n);
+        return size * n;
+      });
   if (!options.caFile.empty()) curl_easy_setopt(handle, CURLOPT_CAINFO, options.caFile.c_str());
   if (!options.certFile.empty()) curl_easy_setopt(handle, CURLOPT_SSLCERT, options.certFile.c_str());
   if (!options.keyFile.empty()) curl_easy_setopt(handle, CURLOPT_SSLKEY, options.keyFile.c_str());

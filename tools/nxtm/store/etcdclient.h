@@ -70,6 +70,9 @@ class EtcdClient {
   /// Gives up a request whose answer is not needed.
   void Forget(Ticket ticket);
 
+  /// For requests from now on.
+  void SetTimeout(std::chrono::milliseconds timeout) { timeout_ = timeout; }
+
   /// Waits so far, one for all requests that were sent before it.
   unsigned long RoundTrips() const { return waits_; }
 
@@ -86,6 +89,7 @@ class EtcdClient {
 
   std::string name_;
   std::vector<std::string> nodes_;
+  std::chrono::milliseconds timeout_;
   unsigned long node_ = 0;  // the one that requests go to
   std::unique_ptr<Curl> curl_;
   std::map<Ticket, std::unique_ptr<Request>> requests_;
