@@ -26,7 +26,7 @@ using Mode = KeyValue::Mode;
 using Map = std::map<std::string, std::string>;
 
 /// Runs a command of a shell and returns what it prints, without the last end of line.
-std::string Run(const std::string& command) {
+std::string Shell(const std::string& command) {
   FILE* pipe = popen(command.c_str(), "r");
   std::string output;
   char buffer[4096];
@@ -41,12 +41,12 @@ class Machines : public testing::Environment {
  public:
   void SetUp() override {
     mkdtemp(folder_);
-    cluster_ = Run(Script("start"));
+    cluster_ = Shell(Script("start"));
     ASSERT_EQ(0U, cluster_.rfind("etcd://", 0)) << "the cluster does not start";
   }
   void TearDown() override {
-    Run(Script("stop"));
-    Run(std::string("rm -rf ") + folder_);
+    Shell(Script("stop"));
+    Shell(std::string("rm -rf ") + folder_);
   }
   static std::string Script(const std::string& command) {
     return NX_SOURCE_DIR "/scripts/cluster " + command + " " + folder_ + "/cluster";
@@ -120,7 +120,9 @@ TEST_P(KeyValueTest, KeepsTheOrderOfBytesOverAllPages) {
     if (i % 3 == 0) from += '\0';  // between two keys
     if (i % 5 == 0) to.pop_back();
     const Map right = from < to ? Map(rows.lower_bound(from), rows.lower_bound(to)) : Map();
-    if (!to.empty()) ASSERT_TRUE(right == All(*store, 5, from, to)) << i;
+    if (!to.empty()) {
+      ASSERT_TRUE(right == All(*store, 5, from, to)) << i;
+    }
   }
   int calls = 0;
   store->Range(5, "", "", [&](std::string_view, std::string_view) { return ++calls < 3000; });
@@ -141,15 +143,20 @@ TEST_P(KeyValueTest, GetsManyValuesInTheOrderOfTheKeys) {
     EXPECT_EQ(next++, place);
     const int number = std::stoi(keys[place].substr(1));
     EXPECT_EQ(number < 3000, value != nullptr) << number;
-    if (value) EXPECT_EQ(number % 7 ? std::to_string(number) : "", *value);
+    if (value) {
+      EXPECT_EQ(number % 7 ? std::to_string(number) : "", *value);
+    }
     return next < 4900;
   });
   EXPECT_EQ(4900U, next);
-  if (GetParam() == Engine::kEtcd) EXPECT_LE(store->RoundTrips(), 7U) << "a round trip serves many keys";
+  if (GetParam() == Engine::kEtcd) {
+    EXPECT_LE(store->RoundTrips(), 7U) << "a round trip serves many keys";
+  }
   // Reading goes on from within a reading.
   store->Range(1, "k1", "k11", [&](std::string_view key, std::string_view) {
     store->GetMany(1, {std::string(key)}, [&](unsigned long, const std::string_view* value) {
-      return EXPECT_NE(nullptr, value), true;
+      EXPECT_NE(nullptr, value);
+      return true;
     });
     return true;
   });
@@ -170,7 +177,8 @@ TEST_P(KeyValueTest, AReaderSeesOneStateWhileOthersWrite) {
       writer->Remove(1, "was never there");
       writer->Commit("two");
     }
-    return EXPECT_EQ("old", value), true;
+    EXPECT_EQ("old", value);
+    return true;
   });
   EXPECT_EQ(2000, calls);
   EXPECT_TRUE(before == All(*reader, 1));
@@ -319,7 +327,7 @@ TEST(Cluster, OneNodeMayDieOrHangAndTheMajorityMayNot) {
     const std::string key = std::to_string(i);
     store->Put(1, key, right[key] = "v");
     if (i == 5000) kill(Machines::Node(1), SIGKILL);  // the one that is spoken to
-    if (i == 10000) Run(Machines::Script("start"));
+    if (i == 10000) Shell(Machines::Script("start"));
     if (i == 15000) kill(Machines::Node(2), SIGSTOP);
     if (i == 18000) kill(Machines::Node(2), SIGCONT);
   }
@@ -338,7 +346,7 @@ TEST(Cluster, OneNodeMayDieOrHangAndTheMajorityMayNot) {
   EXPECT_THROW(KeyValue::Open(name, Mode::kRead, Wait::kNever), nxtm::Unreachable);
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(4));
   nxtm::TheEtcdOptions().timeoutSeconds = 10;
-  Run(Machines::Script("start"));
+  Shell(Machines::Script("start"));
   store->Put(1, "more", "v");
   store->Commit("two");
   EXPECT_EQ("two", KeyValue::Open(name, Mode::kRead, Wait::kNever)->Root());

@@ -67,9 +67,6 @@ std::string PutOf(std::string_view key, std::string_view value, const std::strin
 std::string RemovalOf(std::string_view from, std::string_view to = {}) {
   return "{\"request_delete_range\":{" + RangeOf(from, to) + "}}";
 }
-std::string ReadingOf(std::string_view from, std::string_view to, long long revision) {
-  return "{\"request_range\":{" + RangeOf(from, to) + ",\"revision\":\"" + std::to_string(revision) + "\"}}";
-}
 std::string Equal(std::string_view key, const char* target, const char* field, long long number) {
   return "{" + Quoted("key", key) + ",\"result\":\"EQUAL\",\"target\":\"" + target + "\",\"" + field +
          "\":\"" + std::to_string(number) + "\"}";
@@ -229,7 +226,10 @@ class Etcd : public KeyValue {
     for (int shift = 24; shift >= 0; shift -= 8) full += static_cast<char>(table >> shift & 255);
     return full.append(key);
   }
-  std::string AtRevision() const { return ",\"revision\":\"" + std::to_string(revision_) + "\""; }
+  /// A revision is the same on every node that has it, so that the one asked may answer alone.
+  std::string AtRevision() const {
+    return ",\"serializable\":true,\"revision\":\"" + std::to_string(revision_) + "\"";
+  }
   std::string IsWriter() const { return Equal(WriterKey(), "CREATE", "create_revision", writerRevision_); }
 
   json Read(const std::string& body) {
@@ -391,7 +391,8 @@ void Etcd::GetMany(Table table, const std::vector<std::string>& keys, const OnVa
   const auto ask = [&](unsigned long from, unsigned long to) {
     std::string reads;
     for (unsigned long i = from; i < to; ++i)
-      reads += (i > from ? "," : "") + ReadingOf(Key(table, keys[i]), {}, revision_);
+      reads += (i > from ? ",{" : "{") +
+               ("\"request_range\":{" + RangeOf(Key(table, keys[i]), {}) + AtRevision() + "}}");
     return Part{from, to, client_.Start("/v3/kv/txn", Txn("", reads))};
   };
   for (unsigned long asked = 0; asked < keys.size() || !parts.empty();) {
