@@ -75,6 +75,27 @@ std::string Txn(const std::string& compares, const std::string& then, const std:
   return "{\"compare\":[" + compares + "],\"success\":[" + then + "],\"failure\":[" + otherwise + "]}";
 }
 
+/// A key that about `ahead` entries stand before, by the keys of a page; empty where there is
+/// no telling. A node walks a range to its end however few entries are asked for, so that
+/// pages up to the end of a table would cost the square of its size.
+std::string KeyAhead(const std::string& first, const std::string& last, unsigned long entries,
+                     unsigned long ahead) {
+  unsigned long same = 0;
+  while (same < first.size() && same < last.size() && first[same] == last[same]) ++same;
+  const auto number = [same](const std::string& key) {
+    unsigned long long value = 0;
+    for (unsigned long i = same; i < same + sizeof value; ++i)
+      value = value << 8 | (i < key.size() ? static_cast<unsigned char>(key[i]) : 0U);
+    return value;
+  };
+  const unsigned long long from = number(last);
+  const unsigned long long step = (from - number(first)) / entries;
+  if (step == 0 || step > (~0ULL - from) / ahead) return "";
+  std::string key = last.substr(0, same);
+  for (int shift = 56; shift >= 0; shift -= 8) key += static_cast<char>((from + step * ahead) >> shift & 255);
+  return key;
+}
+
 struct Name {
   std::vector<std::string> nodes;
   std::string prefix;
@@ -339,6 +360,7 @@ void Etcd::Range(Table table, std::string_view from, std::string_view to, const 
   const std::string end = to.empty() ? BehindPrefix(begin) : Key(table, to);
   std::string at = Key(table, from);
   if (at >= end) return;
+  std::string pageEnd = end;
   unsigned long limit = kFirstPage;
   // The request of a page is given up where an exception or the caller ends the reading.
   struct Page {
@@ -347,22 +369,29 @@ void Etcd::Range(Table table, std::string_view from, std::string_view to, const 
     ~Page() { client.Forget(ticket); }
   } page{client_, 0};
   const auto ask = [&] {
-    page.ticket = client_.Start("/v3/kv/range", "{" + RangeOf(at, end) + AtRevision() + ",\"limit\":\"" +
+    page.ticket = client_.Start("/v3/kv/range", "{" + RangeOf(at, pageEnd) + AtRevision() + ",\"limit\":\"" +
                                                     std::to_string(limit) + "\"}");
   };
   ask();
   for (;;) {
     const json answer = Unrefused(client_.Finish(page.ticket));
     const json& entries = List(answer, "kvs");
-    const bool more = answer.value("more", false) && !entries.empty();
+    const bool full = answer.value("more", false) && !entries.empty();
+    const bool more = full || pageEnd < end;
     if (more) {
-      unsigned long bytes = 0;
-      for (const json& entry : entries)
-        bytes += entry.at("key").get_ref<const std::string&>().size() +
-                 (entry.contains("value") ? entry["value"].get_ref<const std::string&>().size() : 0);
-      const unsigned long fitting = std::max(1UL, kPageBytes / (bytes / entries.size() + 1));
-      limit = std::min({limit * 4, kLongestPage, fitting});
-      at = BytesOf(entries.back(), "key") + '\0';
+      at = full ? BytesOf(entries.back(), "key") + '\0' : pageEnd;
+      pageEnd.clear();
+      if (!entries.empty()) {
+        unsigned long bytes = 0;
+        for (const json& entry : entries)
+          bytes += entry.at("key").get_ref<const std::string&>().size() +
+                   (entry.contains("value") ? entry["value"].get_ref<const std::string&>().size() : 0);
+        const unsigned long fitting = std::max(1UL, kPageBytes / (bytes / entries.size() + 1));
+        limit = std::min({limit * 4, kLongestPage, fitting});
+        pageEnd = KeyAhead(BytesOf(entries.front(), "key"), BytesOf(entries.back(), "key"), entries.size(),
+                           2 * limit);
+      }
+      if (pageEnd <= at || pageEnd > end) pageEnd = end;
       ask();
     }
     for (const json& entry : entries) {
