@@ -1,14 +1,20 @@
 #!/usr/bin/env bash
 # Shows the workbench at its job on real tables: demo.sh NXTM. Fails when what comes out
 # of a store is not what went in, or when an index finds other records than a full scan.
+# With --cluster CLUSTER the stores are in a cluster of three nodes that CLUSTER (the script)
+# starts, and one of them is killed on the way.
 set -euo pipefail
 
 nxtm=$(realpath "$1")
+cluster=
+[[ ${2-} == --cluster ]] && cluster=$(realpath "$3")
 words=/usr/share/dict/ngerman
 cities=/usr/share/misc/cities.dat.gz
 dir=$(mktemp -d)
-trap 'rm -rf "$dir"' EXIT
+trap '[[ -z $cluster ]] || "$cluster" stop "$dir/nodes"; rm -rf "$dir"' EXIT
 cd "$dir"
+at=  # what stands in front of a store's name
+[[ -z $cluster ]] || at=$("$cluster" start "$dir/nodes")
 
 title() { printf '\n== %s\n' "$1"; }
 run() {
@@ -34,8 +40,8 @@ run bounds int '<' 30 1 100
 
 title "356,010 German words: in, out, and the same"
 echo 'word NxString language=german' >words.schema
-run import words.schema "$words" words.store
-"$nxtm" export words.store | cmp - "$words"
+run import words.schema "$words" "$at"words.store
+"$nxtm" export "$at"words.store | cmp - "$words"
 echo "export: equal to the import, byte for byte"
 
 title "Cities of the world: in, out, and the same"
@@ -69,8 +75,8 @@ zcat "$cities" | awk '
   }
   /^\/\// { finish() }
   END { finish() }' >cities.csv
-run import --header cities.schema cities.csv cities.store
-"$nxtm" export --header cities.store | cmp - cities.csv
+run import --header cities.schema cities.csv "$at"cities.store
+"$nxtm" export --header "$at"cities.store | cmp - cities.csv
 echo "export: equal to the import, byte for byte"
 
 title "When clocks change: the points in time of every zone of the package tzdata"
@@ -92,8 +98,8 @@ cat clocks.schema
     print $1 "," when "," here "," $14 "," ($15 == "isdst=1" ? "true" : "false") "," substr($16, 8)
   }' >clocks.csv
 head -3 clocks.csv
-run import clocks.schema clocks.csv clocks.store
-"$nxtm" export clocks.store | cmp - clocks.csv
+run import clocks.schema clocks.csv "$at"clocks.store
+"$nxtm" export "$at"clocks.store | cmp - clocks.csv
 echo "export: equal to the import, byte for byte"
 
 title "Files of the package miscfiles as blobs: in, out, and the same"
@@ -108,47 +114,52 @@ dpkg -L miscfiles | grep '^/usr/share/misc/' | sort | while read -r file; do
   [[ -f $file ]] && TZ=UTC stat -c "%n,%s,%y,@%n" "$file" | sed -E 's/ ([0-9:]+)\.([0-9]*) \+0000/T\1/'
 done >files.csv
 head -3 files.csv
-run import files.schema files.csv files.store
-"$nxtm" export files.store --blobs out >exported.csv
+run import files.schema files.csv "$at"files.store
+"$nxtm" export "$at"files.store --blobs out >exported.csv
 cut -d, -f1-3 exported.csv | cmp - <(cut -d, -f1-3 files.csv)
 paste -d, <(cut -d, -f1 files.csv) <(cut -d, -f4 exported.csv) |
   while IFS=,@ read -r file _ copy; do cmp "$file" "$copy"; done
 echo "$(wc -l <files.csv) files, $(cat out/* | wc -c) bytes: equal to the originals, byte for byte"
 
+if [[ $cluster ]]; then
+  title "One node of three is killed"
+  kill -KILL "$(cat "$dir/nodes/node1.pid")"
+fi
+
 title "Indexes"
-run index words.store word
-run index words.store word --hash
-run index cities.store name
-run index cities.store population
-run index cities.store entered
-run index clocks.store when
-run index files.store content --hash
+run index "$at"words.store word
+run index "$at"words.store word --hash
+run index "$at"cities.store name
+run index "$at"cities.store population
+run index "$at"cities.store entered
+run index "$at"clocks.store when
+run index "$at"files.store content --hash
 
 title "Queries"
-run query words.store 'word = "Haus*ung"' --explain
-run query words.store 'word = "*schifffahrt*" ignoring case' --limit 5
-run query words.store 'word = "strasse" ignoring case, accents' --explain
-run query words.store 'word = "Dampfschiff"' --explain
-run query words.store 'word >= "zy" and word < "zz"' --explain --limit 5
-run query cities.store 'name = "G?rlitz" or name = "monchengladbach" ignoring case, accents' --explain
-run query cities.store 'population > 7000000 and country != "CN"' --explain
-run query cities.store 'entered = 1997-*-* and population < 100000 and region is not null' --explain --limit 5
-run query clocks.store 'when >= "Sun Mar 29 00:00:00 2026" and when < "Mon Mar 30 00:00:00 2026" and zone = "Europe/*"' \
+run query "$at"words.store 'word = "Haus*ung"' --explain
+run query "$at"words.store 'word = "*schifffahrt*" ignoring case' --limit 5
+run query "$at"words.store 'word = "strasse" ignoring case, accents' --explain
+run query "$at"words.store 'word = "Dampfschiff"' --explain
+run query "$at"words.store 'word >= "zy" and word < "zz"' --explain --limit 5
+run query "$at"cities.store 'name = "G?rlitz" or name = "monchengladbach" ignoring case, accents' --explain
+run query "$at"cities.store 'population > 7000000 and country != "CN"' --explain
+run query "$at"cities.store 'entered = 1997-*-* and population < 100000 and region is not null' --explain --limit 5
+run query "$at"clocks.store 'when >= "Sun Mar 29 00:00:00 2026" and when < "Mon Mar 30 00:00:00 2026" and zone = "Europe/*"' \
   --explain --limit 5
-run query clocks.store 'when < "Mon Jan 01 00:00:00 1900"' --explain
-run query files.store 'content = "@/usr/share/misc/airport.gz"' --explain --limit 0 | grep '^--'
+run query "$at"clocks.store 'when < "Mon Jan 01 00:00:00 1900"' --explain
+run query "$at"files.store 'content = "@/usr/share/misc/airport.gz"' --explain --limit 0 | grep '^--'
 
 title "An index finds what a full scan finds"
 for condition in 'word = "Haus*"' 'word = "?a?a*"' 'word = "uber*" ignoring accents' 'word <= "aal" or word > "zwo"' \
     'word = "e-mail*" ignoring case, symbols' 'word = "Haus"'; do
-  found=$("$nxtm" query words.store "$condition" | md5sum)
-  scanned=$("$nxtm" query words.store "$condition" --scan | md5sum)
+  found=$("$nxtm" query "$at"words.store "$condition" | md5sum)
+  scanned=$("$nxtm" query "$at"words.store "$condition" --scan | md5sum)
   [[ $found == "$scanned" ]] || { echo "$condition: index and scan differ" >&2; exit 1; }
-  printf '%s: %s words\n' "$condition" "$("$nxtm" query words.store "$condition" --count)"
+  printf '%s: %s words\n' "$condition" "$("$nxtm" query "$at"words.store "$condition" --count)"
 done
 
 title "Stores are sound"
-run check words.store
-run check cities.store
-run check clocks.store
-run check files.store
+run check "$at"words.store
+run check "$at"cities.store
+run check "$at"clocks.store
+run check "$at"files.store

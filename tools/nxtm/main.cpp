@@ -14,6 +14,7 @@
 #include "data/failure.h"
 #include "nxtmdata.h"
 #include "nxversion.h"
+#include "store/etcdclient.h"
 
 namespace {
 
@@ -259,6 +260,20 @@ void AddHelp(CLI::App& app, Arguments& a) {
   completion->callback([&] { std::fputs(BashCompletion(app).c_str(), stdout); });
 }
 
+/// How the nodes of a store in a cluster are spoken to; there is no option for a password.
+void AddClusterOptions(CLI::App& app) {
+  EtcdOptions& options = TheEtcdOptions();
+  app.fallthrough();
+  app.add_option("--cacert", options.caFile,
+                 "nodes of a cluster are spoken to by TLS, and known by this file");
+  app.add_option("--cert", options.certFile, "certificate to show to the nodes of a cluster");
+  app.add_option("--key", options.keyFile, "key of the certificate");
+  app.add_option("--user", options.user, "user of a cluster; the password is asked for, or in NXTM_PASSWORD");
+  app.add_option("--timeout", options.timeoutSeconds, "seconds that a cluster has for an answer")
+      ->check(CLI::Range(1, 3600))
+      ->capture_default_str();
+}
+
 /// Runs what the command line asks for; returns the exit status.
 int Run(CLI::App& app, int argc, char** argv) {
   try {
@@ -288,6 +303,7 @@ int main(int argc, char** argv) {
   AddLookingCommands(app, arguments);
   AddWorkingCommands(app, arguments);
   AddHelp(app, arguments);
+  AddClusterOptions(app);
   int status = Run(app, argc, argv);
   if ((std::fflush(stdout) != 0 || std::ferror(stdout)) && status == 0) {
     // What is written to a store is there, whatever becomes of the line that says so.
