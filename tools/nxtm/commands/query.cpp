@@ -42,6 +42,8 @@ void Explain(const Store& store, const QueryReport& report, double seconds) {
   if (report.used.empty()) std::printf("-- no index helps: all records are read\n");
   std::printf("-- %lu of %lu records read, %lu found, %.3f ms\n", report.recordsRead, store.Count(),
               report.found, seconds * 1000);
+  const unsigned long roundTrips = store.Engine().RoundTrips();
+  if (roundTrips != 0) std::printf("-- %lu round trips\n", roundTrips);
 }
 
 // ---------------------------------------------------------------------------

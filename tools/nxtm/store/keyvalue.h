@@ -43,8 +43,8 @@ class KeyValue {
   using OnEntry = std::function<bool(std::string_view key, std::string_view value)>;
   /// Reads the entries of a table from `from` on, below `to` (empty: to the last) in order.
   virtual void Range(Table table, std::string_view from, std::string_view to, const OnEntry& onEntry) = 0;
-  /// Throws a StoreFailure where entries of such a range are lost, which Range itself cannot
-  /// tell: for tables whose keys do not follow from each other.
+  /// Throws a StoreFailure where entries of such a range of a table that has some are lost,
+  /// which Range itself cannot tell: for tables whose keys do not follow from each other.
   virtual void RequireWhole(Table /*table*/, std::string_view /*from*/, std::string_view /*to*/) {}
   /// Gets the value of a key by its place among the keys, null where there is none; false
   /// ends the reading. The bytes are valid during the call.

@@ -227,17 +227,18 @@ class RangeWalk : PageReader {
     for (int depth = 0; number != kNoPage; ++depth) {
       const TreePage page = ReadTreePage(number, depth);
       const unsigned long i = Find(page, name);
-      if (i == page.places.size()) return;
+      if (i == page.places.size()) break;
       if (page.isBranch) {
         number = page.NodeAt(i).size;
         continue;
       }
-      if (page.Key(i) != name) return;
+      if (page.Key(i) != name) break;
       const PageTree tree = TableOn(page, page.DataPlace(i));
       levels_ = tree.depth;
       WalkTree({tree.root, {}, {}, 0}, from, to);
       return;
     }
+    throw StoreFailure(path_ + ": the store is damaged: table " + name + " is lost");
   }
 
  private:

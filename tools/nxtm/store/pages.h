@@ -37,7 +37,7 @@ std::optional<Snapshot> FindSnapshot(int file, std::uint32_t transaction);
 void CheckPages(int file, const Snapshot& snapshot, const std::string& path);
 
 /// The same of the pages on which a table's keys lie from one on, below another one (empty:
-/// to the last): none of them is missing from the table's tree. `table` is its name.
+/// to the last): none of them is missing from the table's tree, and the table is there. `table` is its name.
 void CheckRange(int file, const Snapshot& snapshot, const std::string& table, std::string_view from,
                 std::string_view to, const std::string& path);
 
