@@ -193,7 +193,7 @@ What is asked wrongly.
   $ nxtm --version | grep -cE '^nxtm [0-9]+(\.[0-9]+)+$'
   1
   $ nxtm manual | grep -c '^.TP'
-  21
+  22
   $ nxtm completion >complete && . ./complete && COMP_WORDS=(nxtm ind) COMP_CWORD=1 && _nxtm && echo ${COMPREPLY[@]}
   index
   $ COMP_WORDS=(nxtm help q) COMP_CWORD=2 && _nxtm && echo ${COMPREPLY[@]}

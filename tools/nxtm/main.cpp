@@ -159,6 +159,12 @@ void AddWorkingCommands(CLI::App& app, Arguments& a) {
   check->add_option("STORE", a.store)->required();
   check->callback([&] { Check(a.store); });
 
+  auto* salvage =
+      app.add_subcommand("salvage", "print the records that can be read of a damaged store as CSV");
+  salvage->add_option("STORE", a.store)->required();
+  salvage->add_flag("--header", a.header, "print the names of the columns first");
+  salvage->callback([&] { Salvage(a.store, a.header); });
+
   auto* info = app.add_subcommand("info", "the schema, counts, indexes and versions of a store");
   info->add_option("STORE", a.store)->required();
   info->callback([&] { Info(a.store); });

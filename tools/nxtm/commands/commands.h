@@ -53,6 +53,8 @@ void Import(const std::string& schemaFile, const std::string& dataFile, const st
             const ImportOptions& options = {});
 /// Blobs go to new files of a folder where one is named.
 void Export(const std::string& storeFile, bool header, const std::string& blobFolder = "");
+/// Prints the records that can be read of a damaged store in a file, and tells how many.
+void Salvage(const std::string& storeFile, bool header);
 void Check(const std::string& storeFile);
 /// Prints the schema, the counts, the indexes and the versions of a store.
 void Info(const std::string& storeFile);

@@ -33,6 +33,25 @@ void Export(const std::string& storeFile, bool header, const std::string& blobFo
   });
 }
 
+void Salvage(const std::string& storeFile, bool header) {
+  const auto store = Store::OpenDamaged(storeFile);
+  const Schema& schema = store->GetSchema();
+  const std::vector<unsigned long> columns = AllColumns(schema);
+  if (header) std::fputs(CsvHeader(schema, columns).c_str(), stdout);
+  RecordReader reader(schema);
+  CsvWriter writer(schema, columns);
+  const unsigned long found = store->ForEachSound([&](unsigned int, std::string_view record) {
+    reader.Begin(record);
+    const std::string& line = writer.LineOf(reader.All());
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    return true;
+  });
+  const std::string told =
+      std::to_string(found) + " of " + std::to_string(store->Count()) + " records were found";
+  if (found != store->Count()) throw StoreFailure(storeFile + ": " + told);
+  std::fprintf(stderr, "nxtm: %s\n", told.c_str());
+}
+
 void Check(const std::string& storeFile) {
   auto store = Store::Open(storeFile, Store::Mode::kRead);
   if (store->Engine().LeftUnfinished()) {

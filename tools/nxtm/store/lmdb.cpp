@@ -232,6 +232,7 @@ void LmdbKeyValue::OpenEnvironment(unsigned int flags) {
     mdb_env_close(env_);
     env_ = nullptr;
     CheckMdb(mdb_env_create(&env_), path_);
+    CheckMdb(mdb_env_set_assert(env_, [](MDB_env*, const char*) { OnDamage(SIGABRT); }), path_);
     CheckMdb(mdb_env_set_mapsize(env_, size), path_);
     CheckMdb(mdb_env_set_maxdbs(env_, kMaxTables), path_);
     code = mdb_env_open(env_, file_.c_str(), MDB_NOSUBDIR | flags, 0666);

@@ -3,6 +3,7 @@
 
 #include "store/pages.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -303,6 +304,75 @@ void CheckRange(int file, const Snapshot& snapshot, const std::string& table, st
 
 void CheckPages(int file, const Snapshot& snapshot, const std::string& path) {
   Walk(file, snapshot, path).All();
+}
+
+// ---------------------------------------------------------------------------
+// What can be read of a damaged file
+
+namespace {
+
+constexpr std::uint32_t kPageSize = 4096;  // of this machine: the meta pages, too, may be damaged
+
+/// The nodes of a leaf page by what is there alone.
+class LooseLeaf {
+ public:
+  explicit LooseLeaf(int file) : file_(file) {
+    struct stat status {};
+    if (fstat(file, &status) == 0) fileSize_ = static_cast<unsigned long long>(status.st_size);
+  }
+
+  /// False behind the end of the file.
+  bool Read(std::uint32_t page) {
+    bytes_ = ReadBytes(file_, 1ULL * page * kPageSize, kPageSize);
+    const auto head = ReadAs<PageHead>(bytes_, 0);
+    const bool isLeaf = bytes_.size() == kPageSize && head.flags == kLeaf && head.number == page &&
+                        head.lower >= sizeof head && head.lower <= kPageSize;
+    nodes_ = isLeaf ? (head.lower - sizeof head) / sizeof(std::uint16_t) : 0;
+    return !bytes_.empty();
+  }
+  unsigned long Count() const { return nodes_; }
+  /// False for a node that does not lie on the page, or is no value.
+  bool Get(unsigned long i, std::string_view& key, std::string& value) const {
+    const unsigned long at = ReadAs<std::uint16_t>(bytes_, sizeof(PageHead) + i * sizeof(std::uint16_t));
+    const auto node = ReadAs<Node>(bytes_, at);
+    const unsigned long data = at + sizeof node + node.keySize;
+    const unsigned long size = node.flags & kOnOtherPages ? sizeof(std::uint32_t) : node.size;
+    if (data > kPageSize || size > kPageSize - data || node.flags & kTree) return false;
+    key = std::string_view(bytes_).substr(at + sizeof node, node.keySize);
+    if (!(node.flags & kOnOtherPages)) return value = bytes_.substr(data, size), true;
+    const auto first = ReadAs<std::uint32_t>(bytes_, data);
+    const auto head = ReadAs<PageHead>(ReadBytes(file_, 1ULL * first * kPageSize, sizeof(PageHead)), 0);
+    if (head.flags != kOverflow || head.number != first || node.size > fileSize_) return false;
+    value = ReadBytes(file_, 1ULL * first * kPageSize + sizeof head, node.size);
+    return true;
+  }
+
+ private:
+  int file_;
+  unsigned long long fileSize_ = 0;
+  std::string bytes_;
+  unsigned long nodes_ = 0;
+};
+
+}  // namespace
+
+void ForEachNode(int file,
+                 const std::function<void(const NodePlace&, std::string_view, std::string_view)>& onNode) {
+  LooseLeaf leaf(file);
+  std::string_view key;
+  std::string value;
+  for (std::uint32_t page = 0; leaf.Read(page); ++page)
+    for (unsigned long i = 0; i < leaf.Count(); ++i)
+      if (leaf.Get(i, key, value)) onNode({page, static_cast<std::uint16_t>(i)}, key, value);
+}
+
+std::string ReadNode(int file, const NodePlace& place) {
+  LooseLeaf leaf(file);
+  std::string_view key;
+  std::string value;
+  leaf.Read(place.page);
+  if (place.node < leaf.Count() && leaf.Get(place.node, key, value)) return value;
+  return "";
 }
 
 }  // namespace nxtm

@@ -3,6 +3,7 @@
 #define NXTM_PAGES_H
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,6 +41,18 @@ void CheckPages(int file, const Snapshot& snapshot, const std::string& path);
 /// to the last): none of them is missing from the table's tree, and the table is there. `table` is its name.
 void CheckRange(int file, const Snapshot& snapshot, const std::string& table, std::string_view from,
                 std::string_view to, const std::string& path);
+
+/// Where a key and its value lie.
+struct NodePlace {
+  std::uint32_t page;
+  std::uint16_t node;  // its place among the page's nodes
+};
+/// Finds every key with a value on the pages of a file, whatever is left of its trees: older
+/// ones are among them, and what is damaged is passed over. The bytes are valid during the call.
+void ForEachNode(int file,
+                 const std::function<void(const NodePlace&, std::string_view, std::string_view)>& onNode);
+/// The value at such a place.
+std::string ReadNode(int file, const NodePlace& place);
 
 }  // namespace nxtm
 

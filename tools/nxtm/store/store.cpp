@@ -9,6 +9,7 @@
 
 #include "data/failure.h"
 #include "nxlang.h"
+#include "store/salvage.h"
 
 #define XXH_INLINE_ALL
 #include <xxhash.h>
@@ -23,6 +24,14 @@ constexpr unsigned long kSumSize = sizeof(unsigned int);
 
 /// What a record's checksum begins with, so that it holds in its own place alone.
 unsigned int SeedOf(KeyValue::Table records, unsigned int number) { return records * 2654435761U + number; }
+
+/// Whether a value is that of a record, by its checksum.
+bool IsSound(KeyValue::Table records, unsigned int number, std::string_view value) {
+  unsigned int sum = 0;
+  if (value.size() < kSumSize) return false;
+  std::memcpy(&sum, value.data(), kSumSize);
+  return sum == SumOf(value.substr(kSumSize), SeedOf(records, number));
+}
 
 std::string HexOrNone(std::string_view bytes) { return bytes.empty() ? "-" : Hex(bytes, ""); }
 std::string FromHexOrNone(const std::string& text) { return text == "-" ? "" : FromHex(text); }
@@ -84,11 +93,40 @@ std::string Store::RootText() const {
   return text.str() + "sum " + std::to_string(SumOf(text.str())) + '\n';
 }
 
+namespace {
+
+/// Where the line with the checksum of a root begins; none where it is not the root's.
+unsigned long EndOfRoot(const std::string& root) {
+  const unsigned long end = std::min(root.rfind("sum "), root.size());
+  return root.substr(end) == "sum " + std::to_string(SumOf(root.substr(0, end))) + '\n' ? end : root.npos;
+}
+
+}  // namespace
+
+std::unique_ptr<Store> Store::OpenDamaged(const std::string& path) {
+  const auto isRoot = [](const std::string& root) { return EndOfRoot(root) != root.npos; };
+  std::unique_ptr<Store> store(new Store(path, nxtm::OpenDamaged(path, isRoot)));
+  store->ReadRoot();
+  return store;
+}
+
+unsigned long Store::ForEachSound(const OnRecord& onRecord) {
+  unsigned int next = 0;
+  unsigned long found = 0;
+  engine_->Range(records_, {}, {}, [&](std::string_view key, std::string_view value) {
+    const unsigned int number = NumberAtEnd(key);
+    if (number < next || number >= count_ || !IsSound(records_, number, value)) return true;
+    next = number + 1;
+    ++found;
+    return onRecord(number, value.substr(kSumSize));
+  });
+  return found;
+}
+
 void Store::ReadRoot() {
   const std::string& root = engine_->Root();
-  const unsigned long end = std::min(root.rfind("sum "), root.size());
-  if (root.substr(end) != "sum " + std::to_string(SumOf(root.substr(0, end))) + '\n')
-    throw StoreFailure(path_ + ": the store's root is damaged");
+  const unsigned long end = EndOfRoot(root);
+  if (end == root.npos) throw StoreFailure(path_ + ": the store's root is damaged");
   if (root.rfind(kKind, 0) != 0)
     throw Failure(path_ + ": a store of another version; make it anew with nxtm import");
   std::istringstream text(root.substr(0, end));
@@ -160,12 +198,7 @@ unsigned int Store::Append(std::string_view record) {
 /// The bytes of a record, out of its value.
 std::string_view Store::CheckedRecord(KeyValue::Table records, unsigned int number,
                                       std::string_view value) const {
-  unsigned int sum = 0;
-  if (value.size() >= kSumSize) {
-    std::memcpy(&sum, value.data(), kSumSize);
-    const std::string_view record = value.substr(kSumSize);
-    if (sum == SumOf(record, SeedOf(records, number))) return record;
-  }
+  if (IsSound(records, number, value)) return value.substr(kSumSize);
   throw StoreFailure(path_ + ": record " + std::to_string(number) + " is damaged: its checksum differs");
 }
 

@@ -52,12 +52,20 @@ struct IndexInfo {
 class Store {
  public:
   using Mode = KeyValue::Mode;
+  /// Gets a record, whose bytes are valid during the call; false ends the reading.
+  using OnRecord = std::function<bool(unsigned int number, std::string_view record)>;
 
   /// Opens a store; a Failure when it is none, is damaged, or has another format.
   static std::unique_ptr<Store> Open(const std::string& path, Mode mode, Wait wait = Wait::kForever);
   /// The same to write, or a new store of a schema where there is none. A new one is at its
   /// path from Commit on.
   static std::unique_ptr<Store> OpenOrCreate(const std::string& path, const Schema& schema, Wait wait);
+
+  /// What is left of a damaged store in a file; a StoreFailure when nothing tells what it was.
+  /// Only ForEachSound may be asked of it.
+  static std::unique_ptr<Store> OpenDamaged(const std::string& path);
+  /// The records whose checksums hold, in order of number. Returns how many there were.
+  unsigned long ForEachSound(const OnRecord& onRecord);
 
   /// Whether this process is making it.
   bool IsNew() const { return engine_->Root().empty(); }
@@ -73,8 +81,6 @@ class Store {
 
   /// Adds a record behind the last one and returns its number.
   unsigned int Append(std::string_view record);
-  /// Gets a record, whose bytes are valid during the call; false ends the reading.
-  using OnRecord = std::function<bool(unsigned int number, std::string_view record)>;
   /// Every record in order of number. Throws a StoreFailure when a number is missing or a
   /// record is not what its checksum says.
   void ForEach(const OnRecord& onRecord);
