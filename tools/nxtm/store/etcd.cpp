@@ -547,8 +547,9 @@ void Etcd::Split(std::vector<Change> changes, Refusal refusal) {
     for (const Change& change : changes) bytes += change.bytes;
     bytes_ = std::min(bytes_, bytes / 2);
   }
-  SendBatch({std::make_move_iterator(changes.begin()), std::make_move_iterator(changes.begin() + half)});
-  SendBatch({std::make_move_iterator(changes.begin() + half), std::make_move_iterator(changes.end())});
+  const auto middle = std::make_move_iterator(changes.begin() + static_cast<long>(half));
+  SendBatch({std::make_move_iterator(changes.begin()), middle});
+  SendBatch({middle, std::make_move_iterator(changes.end())});
 }
 
 /// Sends what waits, and waits for all that is under way.

@@ -2,6 +2,8 @@
 
 #include "store/store.h"
 
+#include <xxhash.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -10,9 +12,6 @@
 #include "data/failure.h"
 #include "nxlang.h"
 #include "store/salvage.h"
-
-#define XXH_INLINE_ALL
-#include <xxhash.h>
 
 namespace nxtm {
 
