@@ -105,10 +105,13 @@ void RequireStoreFile(const std::string& path) {
 
 class LmdbKeyValue : public KeyValue {
  public:
-  LmdbKeyValue(const std::string& path, Mode mode, Wait wait);
+  LmdbKeyValue(const std::string& path, Mode mode) : path_(path), file_(path), mode_(mode) {}
   LmdbKeyValue(const LmdbKeyValue&) = delete;
   LmdbKeyValue& operator=(const LmdbKeyValue&) = delete;
   ~LmdbKeyValue() override;
+
+  /// Opens the file, or begins a new one; the object can be used behind it.
+  void OpenFile(Wait wait);
 
   const std::string& Root() const override { return root_; }
   void Range(Table table, std::string_view from, std::string_view to, const OnEntry& onEntry) override;
@@ -189,18 +192,17 @@ class LmdbKeyValue::Cursor {
 // ---------------------------------------------------------------------------
 // Opening
 
-LmdbKeyValue::LmdbKeyValue(const std::string& path, Mode mode, Wait wait)
-    : path_(path), file_(path), mode_(mode) {
-  if (mode != Mode::kCreate) RequireStoreFile(path);
-  if (mode != Mode::kRead)
-    writing_ = std::make_unique<FileLock>(path + kLockSuffix, FileLock::Kind::kExclusive, wait, path, true);
+void LmdbKeyValue::OpenFile(Wait wait) {
+  if (mode_ != Mode::kCreate) RequireStoreFile(path_);
+  if (mode_ != Mode::kRead)
+    writing_ = std::make_unique<FileLock>(path_ + kLockSuffix, FileLock::Kind::kExclusive, wait, path_, true);
   struct stat status {};
-  if (mode != Mode::kCreate || lstat(path.c_str(), &status) == 0 || errno != ENOENT) {
-    RequireStoreFile(path);
+  if (mode_ != Mode::kCreate || lstat(path_.c_str(), &status) == 0 || errno != ENOENT) {
+    RequireStoreFile(path_);
     OpenExisting(wait);
     return;
   }
-  unfinished_ = std::make_unique<NewFile>(path);
+  unfinished_ = std::make_unique<NewFile>(path_);
   file_ = unfinished_->Name();
   isChanged_ = true;
   OpenEnvironment(MDB_NOLOCK);  // nobody else knows of it
@@ -462,7 +464,9 @@ void LmdbKeyValue::Compact() {
 }  // namespace
 
 std::unique_ptr<KeyValue> OpenLmdb(const std::string& path, KeyValue::Mode mode, Wait wait) {
-  return std::make_unique<LmdbKeyValue>(path, mode, wait);
+  auto store = std::make_unique<LmdbKeyValue>(path, mode);
+  store->OpenFile(wait);
+  return store;
 }
 
 }  // namespace nxtm
