@@ -8,6 +8,7 @@
 #include <stdlib.h>
 #include <sys/time.h>
 
+#include <ctime>
 #include <memory>
 #include <random>
 #include <string>
@@ -94,7 +95,14 @@ TEST(DateTime, MinutesOfDaysAround) {
   EXPECT_EQ(t.ToUTCTime(), 0);
   EXPECT_EQ(Text(t), "2000-02-29T23:30:00");
   NxDateTime local, utc;
-  utc.NowUTC();
+  const auto clock = [] {
+    char text[32];
+    const time_t now = std::time(nullptr);
+    return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", std::gmtime(&now)));
+  };
+  const std::string before = clock();
+  const std::string now = Text(utc.NowUTC());
+  EXPECT_TRUE(before <= now && now <= clock()) << now;
   utc.ToLocalTime();
   local.Now();
   utc.AddSeconds(60);

@@ -152,14 +152,15 @@ void Translate(const Words& in, const Words& out) {
   const auto from = static_cast<unsigned char>(std::stoi(in[2], nullptr, 16));
   const auto to = static_cast<unsigned char>(std::stoi(in[4], nullptr, 16));
   Block dst(std::stoul(in[5]));
+  const unsigned long n = in.size() > 6 ? std::stoul(in[6]) : 1;
   int produced;
   if (from == kFormatMemory) {
     const InMemory value(type, in[3]);
-    produced = type.mgr.Translate(type.row.id, dst.Data(), to, dst.Size(), value.Get(), from, 0, 1);
+    produced = type.mgr.Translate(type.row.id, dst.Data(), to, dst.Size(), value.Get(), from, 0, n);
   } else {
     const std::string source = type.Stored(in[3], from);
     const Block src = Exactly(source);
-    produced = type.mgr.Translate(type.row.id, dst.Data(), to, dst.Size(), src.Data(), from, src.Size(), 1);
+    produced = type.mgr.Translate(type.row.id, dst.Data(), to, dst.Size(), src.Data(), from, src.Size(), n);
     EXPECT_EQ(Str(src), source);
   }
   std::string expected;

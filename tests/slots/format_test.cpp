@@ -67,6 +67,7 @@ TEST(Numbers, PrintAsTheCLibraryHasThem) {
 // What formats make of numbers are golden cases.
 TEST(Numbers, StayInsideTheWorkAreaAndWantAFormat) {
   EXPECT_EQ(Print(IntPrintToNxString, 7, "%600d"), std::string(511, ' '));
+  EXPECT_EQ(Print(IntPrintToNxString, 7, (std::string(511, 'x') + "%d").c_str()), std::string(511, 'x'));
   EXPECT_EQ(Print(IntPrintToNxString, 7, static_cast<const char*>(nullptr)), "old");
 }
 

@@ -414,6 +414,7 @@ TEST(Case, ExpandsByTheIterator) {
 TEST(Comparison, OperatorsFollowTheLanguageOrNot) {
   EXPECT_TRUE(OperatorsAgree(NxString("abc"), Wide(u"abd"), -1));
   EXPECT_TRUE(OperatorsAgree(NxString("abc"), NxString("a*"), 0));
+  EXPECT_TRUE(OperatorsAgree(Narrow("b", 0, 0), Narrow("a", 0, 0), 1));  // by bytes, one apart
   EXPECT_EQ(NxString("abc").Compare(NxString("abd"), 2, 0), 0);
   EXPECT_NE(NxString("abc").Compare(NxString("a*"), -1, kWildcardsOff), 0);
   EXPECT_TRUE(

@@ -140,6 +140,9 @@ TEST(Blob, TextsAndNumbers) {
   EXPECT_EQ(static_cast<int>(NxBlob()), 0);
   EXPECT_EQ(static_cast<short>(NxBlob(65537)), 1);
   EXPECT_EQ(static_cast<long>(NxBlob("12345", 3)), 123);  // no zero behind it
+  NxBlob cut("12345", 5);
+  cut.Resize(3);
+  EXPECT_EQ(static_cast<long>(cut), 123);
   const char counted[] = "\3\0\0\0abcd";
   NxBlob b;
   b = counted;
