@@ -78,38 +78,6 @@ void TextsCompareAsTheirKeys(Compare compare, bool foldsCase) {
 TEST(AlphaOrder, TextsCompareAsTheirKeys) { TextsCompareAsTheirKeys(nxistrcmp, false); }
 TEST(AlphaOrder, CaseTextsCompareAsTheirKeys) { TextsCompareAsTheirKeys(nxcaseistrcmp, true); }
 
-TEST(AlphaOrder, AccentsCountWhereTheFirstOperandAsks) {
-  const Uchar plain = kAlphaDisk, accents = kAlphaDisk | kAlphaAccents;
-  const struct {
-    const char *a, *b;
-    Uchar formA, formB;
-    int result;
-  } cases[] = {
-      {"\xC0", "A", plain, plain, 0},
-      {"\xC0", "A", accents, plain, 3},
-      {"A", "\xC0", accents, plain, -3},
-      {"A", "\xC0", plain, accents, 0},  // the second one's flag is not read
-      {"\xDF", "S", accents, plain, -1},
-      {"\xDF!", "S!", accents, plain, -1},
-      {"\xDF", "\xDF", accents, plain, 0},
-  };
-  for (const auto& t : cases) {
-    EXPECT_EQ(nxcaseistrcmp(t.a, t.b, 0, t.formA, t.formB), t.result) << t.a << " " << t.b;
-  }
-  EXPECT_EQ(nxistrcmp("\xC0", "A", 0, accents, plain), 0);  // not this comparison
-}
-
-TEST(AlphaOrder, AbsentAndEmptyTexts) {
-  EXPECT_EQ(nxistrcmp(nullptr, nullptr, 0, 0, 0), 0);
-  EXPECT_EQ(nxistrcmp(nullptr, "", 0, 0, 0), -1);
-  EXPECT_EQ(nxistrcmp("", nullptr, 0, 0, 0), 1);
-  EXPECT_EQ(nxistrcmp("", "\xFF", 0, 0, 0), -255);
-  EXPECT_EQ(nxistrcmp("b", "", 0, 0, 0), 'b');
-  // Not in the disk code set: 0xCC is an "a" with diaeresis there.
-  EXPECT_EQ(nxistrcmp("\xCC", "a", 0, 0, 0), 0);
-  EXPECT_NE(nxistrcmp("\xCC", "a", 0, kAlphaDisk, 0), 0);
-}
-
 TEST(AlphaOrder, Operators) {
   const NxIString b("b"), ascending[] = {NxIString(), NxIString("a"), NxIString("A"), b};
   for (const NxIString& x : ascending)

@@ -126,38 +126,7 @@ TEST(Identifiers, OutsideTheTables) {
   EXPECT_EQ(early.IsValidType(40), 1);  // by the identifier alone
 }
 
-TEST(Identifiers, ByName) {
-  struct Row {
-    unsigned long factory;
-    const char* name;
-    int result;
-    char id;
-  };
-  const Row rows[] = {
-      {5, "NxWord", 0, 5},  {5, "nxword", 1, 41},   {5, "Word", 1, 41},      {5, "NxWor", 1, 41},
-      {5, "", 1, 41},       {3, "NxString", 0, 11}, {3, "NxBoolean", 0, 27}, {3, "NxNull_char", 1, 28},
-      {3, "illegal", 1, 28}};
-  for (const Row& row : rows) {
-    char id = 77;
-    EXPECT_EQ(NxTypeMgr(row.factory).Name2NxTypeId(row.name, id), row.result) << row.name;
-    EXPECT_EQ(id, row.id) << row.name;
-  }
-}
-
 TEST(Manager, FactoryChoosesTheTable) {
-  struct Row {
-    unsigned long given;
-    unsigned short effective;
-    bool early;
-  };
-  const Row rows[] = {{0, 0, true},  {3, 3, true},   {4, 4, false},    {10, 10, false},
-                      {11, 3, true}, {12, 4, false}, {1000, 4, false}, {65547, 4, false}};
-  NxTypeMgr mgr(5);
-  for (const Row& row : rows) {
-    mgr.SetFactory(row.given);
-    EXPECT_EQ(mgr.factory, row.effective) << row.given;
-    EXPECT_EQ(mgr.table, row.early ? NxOldtypetab : NxNewtypetab) << row.given;
-  }
   for (unsigned i = 0; i < kOldTypeCount; ++i)
     EXPECT_EQ(NxOldtypetab[i], i == 11 ? &NxOldStringTab : NxNewtypetab[i]);
   EXPECT_EQ(NxTypeMgr(3).SupportsNullValue(11), 0);

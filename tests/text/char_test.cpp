@@ -274,20 +274,6 @@ TEST(CompareKey, OrdersLettersByBaseThenCaseThenAccent) {
   }
 }
 
-TEST(CharClass, FollowsTheOrderValue) {
-  const struct {
-    unsigned short value;
-    int space, symbol, digit, alpha, han;
-  } cases[] = {{0, 1, 0, 0, 0, 0},   {' ', 1, 0, 0, 0, 0},   {'*', 0, 1, 0, 0, 0},   {'9', 0, 0, 1, 0, 0},
-               {'a', 0, 0, 0, 1, 0}, {0x153, 0, 0, 0, 1, 0}, {0x9FA5, 0, 0, 0, 0, 1}};
-  for (const auto& test : cases) {
-    const NxChar c(test.value, 253, 1);
-    EXPECT_EQ(c.IsSpace() * 16 + c.IsSymbol() * 8 + c.IsDigit() * 4 + c.IsAlpha() * 2 + c.IsHan(),
-              test.space * 16 + test.symbol * 8 + test.digit * 4 + test.alpha * 2 + test.han)
-        << test.value;
-  }
-}
-
 TEST(CharCase, MapsWithinTheCodeSet) {
   const NxChar c('q', 0, 1), wide(static_cast<unsigned short>(0xFF), 253, 1), narrow('\xFF', 1, 1);
   EXPECT_EQ(Value(c.ToUpper(nullptr)), 'Q');
