@@ -1,11 +1,10 @@
-// The alphabetic strings: byte maps, order, and editing against a plain model.
+// The alphabetic strings: byte maps, order, and the edges of editing.
 #include "nxistr.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <climits>
-#include <random>
 #include <set>
 #include <string>
 #include <vector>
@@ -142,60 +141,6 @@ TYPED_TEST(AlphaText, OwnTextAsArgument) {
   EXPECT_EQ(str(s.Replace(s, 1)), "aab");
   EXPECT_EQ(s.SubStringPos(s), 0);
   EXPECT_EQ(str(s + s), "aabaab");
-}
-
-/// Edits against the same edits on std::string.
-TYPED_TEST(AlphaText, EditsAsTheModelDoes) {
-  using Text = TypeParam;
-  std::mt19937 random(20);
-  auto pick = [&](unsigned n) { return static_cast<unsigned short>(random() % n); };
-  for (int round = 0; round < 20000; ++round) {
-    std::string model(pick(6), 'x'), other(pick(4), 'x');
-    for (char& c : model) c = static_cast<char>('a' + pick(2));
-    for (char& c : other) c = static_cast<char>('a' + pick(2));
-    Text text(model.c_str());
-    const Text argument(other.c_str());
-    const size_t length = model.size();
-    unsigned short pos = pick(9), n = pick(9);
-    if (pick(8) == 0) pos = 65535;
-    if (pick(8) == 0) n = 65535;
-    const int edit = pick(7);
-    switch (edit) {
-      case 0:
-        text.Insert(argument, pos);
-        model.insert(std::min<size_t>(pos, length), other);
-        break;
-      case 1:
-        text.Replace(argument, pos);
-        if (pos <= length) {
-          size_t k = std::min(other.size(), length - pos);
-          model.replace(pos, k, other, 0, k);
-        }
-        break;
-      case 2:
-        text.Cut(pos, n);
-        if (pos <= length) model.erase(pos, n);
-        break;
-      case 3:
-        text.Fill(n, 'z');
-        model = n > length ? std::string(n, 'z') : std::string(n, 'z') + model.substr(n);
-        break;
-      case 4:
-        text.Expand(n, 'z');
-        if (n > length) model.resize(n, 'z');
-        break;
-      case 5:
-        text = text.Copy(pos, n);
-        model = pos <= length ? model.substr(pos, n) : "";
-        break;
-      default:
-        if (other.empty()) break;  // an empty text is found where both end
-        size_t found = model.find(other);
-        ASSERT_EQ(text.SubStringPos(argument), found == std::string::npos ? -1 : static_cast<int>(found));
-    }
-    ASSERT_EQ(TestFixture::Str(text), model) << "edit " << edit << " pos " << pos << " n " << n;
-    ASSERT_EQ(text._pStr == nullptr, model.empty()) << "edit " << edit;
-  }
 }
 
 TYPED_TEST(AlphaText, LengthsWrapAt16BitsButNoTextIsLost) {

@@ -1,8 +1,7 @@
-// NxStrCmp against a matcher by brute force, the roads of a comparison against the level
-// comparison, the byte matchers, and searching at every position. The levels themselves
-// are cases of golden/collation.txt.
+// NxStrCmp and the byte matchers against matchers by brute force, limits, and searching. The
+// levels are cases of golden/collation.txt; that all roads of a comparison answer alike, and that
+// a search compares at every position, is a fuzz target (reference_fuzz).
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 
 #include <random>
 
@@ -100,113 +99,6 @@ TEST(NxStrCmp, MatchesAsBruteForceDoes) {
   }
 }
 
-// ---------------------------------------------------------------------------
-// The roads against the level comparison
-
-/// A text of bytes in a code set of either width.
-struct EncodedText {
-  EncodedText(const std::string& bytes, unsigned char codeSet)
-      : codeSet(codeSet), text(Encoded(Widened(bytes), codeSet) + std::string(2, '\0')) {}
-  unsigned char codeSet;
-  std::string text;
-};
-
-void ExpectSame(const EncodedText& a, unsigned char langA, const EncodedText& b, unsigned char langB,
-                unsigned short op, short len) {
-  int walkOut = 77;
-  int levelOut = 77;
-  const int walk =
-      NxStrCmp(a.codeSet, langA, a.text.c_str(), b.codeSet, langB, b.text.c_str(), op, len, 1, &walkOut);
-  const int level = NxStrCmpGeneral(a.codeSet, langA, a.text.c_str(), b.codeSet, langB, b.text.c_str(), op,
-                                    len, 1, &levelOut);
-  ASSERT_TRUE(walk == level && walkOut == levelOut)
-      << a.text << " : " << b.text << " op " << op << " len " << len << " code sets " << +a.codeSet << ", "
-      << +b.codeSet << " languages " << +langA << ", " << +langB << ": " << walk << ", " << walkOut << " for "
-      << level << ", " << levelOut;
-}
-
-/// The five option bits of the levels in every combination.
-unsigned short Options(unsigned i) {
-  return (i & 1 ? kWildcardsOff : 0) | (i & 2 ? kIgnoreCase : 0) | (i & 4 ? kIgnoreAccents : 0) |
-         (i & 8 ? kSkipSpaces : 0) | (i & 16 ? kSkipSymbols : 0);
-}
-
-TEST(PlainWalk, AgreesOnRandomTexts) {
-  // What needs more than the table is in here: expansions, contractions, languages
-  // with orders of their own.
-  const std::string pieces[] = {"a", "A", "\xE1", "b",    "c",    "h",    "ch", "ll", "aa",
-                                "n", "s", "\xDF", "\xE6", "\xE4", "\xF8", "1",  "-",  " ",
-                                "'", ".", "*",    "?",    "\xA4", "\xBD", "i",  "I"};
-  const unsigned char codeSets[] = {1, 1, 1, 253, 253, 2, 3, 4, 77};
-  const unsigned char languages[] = {1, 2, 3, 4, 5, 6, 7, 0, 33, 255};
-  std::mt19937 random(2);
-  const auto pick = [&](const auto& list) { return list[random() % std::size(list)]; };
-  for (int i = 0; i < 200000; ++i) {
-    std::string a, b;
-    for (unsigned n = random() % 12; n > 0; --n) {
-      a += pick(pieces);
-      b += random() % 4 ? a.substr(a.size() - 1) : pick(pieces);
-    }
-    const unsigned char codeSetA = pick(codeSets);
-    const unsigned char codeSetB = random() % 3 ? codeSetA : pick(codeSets);
-    const unsigned char langA = pick(languages);
-    const unsigned char langB = random() % 3 ? langA : pick(languages);
-    const short len = random() % 3 ? -1 : static_cast<short>(random() % 10);
-    const unsigned short op = Options(random() % 32) | (random() % 16 ? 0 : kOrderValuesOnly);
-    ExpectSame(EncodedText(a, codeSetA), langA, EncodedText(b, codeSetB), langB, op, len);
-    if (HasFatalFailure()) return;
-  }
-}
-
-/// A page behind which nothing can be read.
-class LastPage {
- public:
-  LastPage()
-      : at_(static_cast<char*>(
-            mmap(nullptr, 2 * kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {
-    EXPECT_EQ(mprotect(at_ + kSize, kSize, PROT_NONE), 0);
-  }
-  ~LastPage() { munmap(at_, 2 * kSize); }
-  /// A copy of the text with its zero, so many bytes before the end, among other letters.
-  const char* Put(const std::string& text, unsigned before) const {
-    char* const place = at_ + kSize - before - text.size() - 1;
-    std::memset(at_, 'x', kSize);
-    std::memcpy(place, text.c_str(), text.size() + 1);
-    return place;
-  }
-
- private:
-  static constexpr std::size_t kSize = 4096;
-  char* at_;
-};
-
-TEST(PlainBytes, AgreeWhereverTextsLieAndEnd) {
-  const LastPage first, second;
-  const std::string letters = "abAB\xE1\xE4";
-  const std::string others = "cClLhaA\xDF\xBD-. *?1";
-  std::mt19937 random(4);
-  for (int i = 0; i < 300000; ++i) {
-    std::string a;
-    for (unsigned n = random() % 40; n > 0; --n) a += letters[random() % letters.size()];
-    for (unsigned n = random() % 3; n > 0; --n)
-      a.insert(random() % (a.size() + 1), 1, others[random() % others.size()]);
-    std::string b = a;
-    for (unsigned n = random() % 3; n > 0 && !b.empty(); --n)
-      b[random() % b.size()] = (random() % 2 ? letters : others)[random() % 6];
-    if (random() % 8 == 0) b.resize(random() % (b.size() + 1));
-    const char* const p = first.Put(a, random() % 18);
-    const char* const q = second.Put(b, random() % 18);
-    const auto language = static_cast<unsigned char>("\2\2\4\6"[random() % 4]);
-    const unsigned short op = Options(random() % 2 ? random() % 2 : random() % 32);
-    const int order = NxStrCmp(1, language, p, 1, language, q, op, -1, 1, nullptr);
-    ASSERT_EQ(order, NxStrCmpGeneral(1, language, p, 1, language, q, op, -1, 1, nullptr))
-        << a << " : " << b << " op " << op << " language " << +language;
-    int error;
-    std::string imageA = StringImage(a, 1, language), imageB = StringImage(b, 1, language);
-    ASSERT_EQ(StringCompare(1, imageA.size(), &imageA[0], imageB.size(), &imageB[0], op, 1, error), order);
-  }
-}
-
 TEST(PlainWalk, LeavesWideCharactersAndByteOrdersToTheLevels) {
   const Units texts[] = {u"a\u4E00", u"a\u4E01", u"\u0141a", u"la", u"a*", u"\u4E00?", u"aa",
                          // U+0258 changes the collation selector, "a" changes it back, U+FFF5 keeps it.
@@ -269,44 +161,6 @@ TEST(Find, CountsBytesAndWantsABuffer) {
   EXPECT_EQ(NxString("xxab").Find(Wide(u"ab")), -1);
   EXPECT_EQ(NxString("xabcd").Find(Wide(u"ab")), 1);
   EXPECT_EQ(NxString("xab").SubStringPos("ab"), 1);
-}
-
-TEST(Find, ComparesAtEveryPosition) {
-  std::mt19937 random(3);
-  const char characters[] =
-      "aAb\xE1\xDF"
-      "c -*?";
-  const auto make = [&](unsigned most) {
-    std::string text;
-    for (unsigned n = random() % (most + 1); n > 0; --n) text += characters[random() % 10];
-    NxString s = random() % 3 ? NxString(text.c_str()) : Wide(Widened(text));
-    s._nLanguage = random() % 5;
-    return s;
-  };
-  for (int round = 0; round < 30000; ++round) {
-    const NxString s = make(9), pattern = make(3);
-    constexpr unsigned short kOptions[] = {0, 0x10, 0x20, 0x60, 0x80, 0x280, 0x290, 0x100, 0x110, 0xFFFF};
-    const unsigned short op = kOptions[random() % 10];
-    const bool open = !(op & kWildcardsOff);
-    const NxString used = open ? pattern + NxString('*') : pattern;
-    const int bytes = pattern.Len() * pattern.NullLen();
-    int found = -1;
-    for (int at = s.Len(); pattern._nSize && s._nSize && at >= 0; --at) {
-      const char* text = s._pBuffer + at * s.NullLen();
-      if ((s.Len() - at) * s.NullLen() >= bytes &&
-          NxStrCmp(s._nCodeSet, s._nLanguage, text, used._nCodeSet, used._nLanguage, used.StrGet(),
-                   op == 0xFFFF ? 0 : op, open ? -1 : static_cast<short>(pattern.Len()), 1, nullptr) == 0)
-        found = at;
-    }
-    // In a buffer behind which nothing may be read.
-    const Block exact(s._pBuffer, s._nSize);
-    NxString within(s._nCodeSet, s._nLanguage);
-    within._pBuffer = reinterpret_cast<char*>(exact.Data());
-    within._nSize = s._nSize;
-    const short position = within.Find(pattern, 0, op);
-    within._pBuffer = nullptr;
-    ASSERT_EQ(position, found) << Text(s) << " / " << Text(pattern) << " under " << op;
-  }
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -214,48 +213,6 @@ TEST(NextOrder, CharactersWithoutRecordSwitchToPlainOrder) {
   EXPECT_EQ(it.GetNextOrder(1), 0x3042);
   EXPECT_EQ(it._nCollation, 1);
   NxString::_nAsterisk = asterisk;
-}
-
-/// An iterator that takes the general steps: a finished list is attached, which they
-/// drop and the short way does not know.
-unsigned short NextByTheSteps(NxStringIterator& it, unsigned short update) {
-  if (!it._pOverflow) it.SetOverflow(&kFinished, 254);
-  const unsigned short order = it.GetNextOrder(update);
-  if (it._pOverflow == &kFinished) it.SetOverflow(nullptr, 0), it._nOverflowCodeSet = 0;
-  return order;
-}
-
-void ExpectSameOrders(const char* text, unsigned char codeSet, unsigned char language,
-                      unsigned short update) {
-  NxStringIterator quick(text, codeSet, language, 1), general(quick);
-  for (;;) {
-    const unsigned short order = quick.GetNextOrder(update);
-    ASSERT_EQ(order, NextByTheSteps(general, update)) << +codeSet << " " << +language << " " << text;
-    ASSERT_EQ(quick._pPos, general._pPos);
-    ASSERT_EQ(quick._nCollation, general._nCollation);
-    ASSERT_EQ(quick._pOverflow, general._pOverflow);
-    ASSERT_TRUE(!quick._pOverflow || quick._nOverflowIndex == general._nOverflowIndex);
-    if (order == 0) break;
-  }
-}
-
-TEST(NextOrder, ShortWayAnswersAsTheSteps) {
-  std::mt19937 random(5);
-  const char letters[] = "aAcClLhHnN\xE5\xC5\xE6\xDF*? 1";
-  for (unsigned char codeSet : {0, 1, 2, 3, 4, 253})
-    for (unsigned char language : {0, 1, 2, 3, 4, 5, 6, 7, 99, 254}) {
-      for (int byte = 1; byte < 256; ++byte) {
-        const char text[] = {static_cast<char>(byte), 0, 0, 0};
-        ExpectSameOrders(text, codeSet, language, 0);
-        ExpectSameOrders(text, codeSet, language, 1);
-      }
-      for (int round = 0; round < 200; ++round) {
-        char text[28] = {};
-        for (int i = 0; i < 24; ++i)
-          text[i] = static_cast<char>(random() % 3 == 0 ? 1 + random() % 255 : letters[random() % 18]);
-        ExpectSameOrders(text, codeSet, language, round % 2);
-      }
-    }
 }
 
 // What an iterator keeps from its opening gives way to fields that were changed since.

@@ -6,7 +6,6 @@
 
 #include <cstring>
 #include <functional>
-#include <random>
 
 #include "nxchar.h"
 #include "nxstritr.h"
@@ -154,77 +153,6 @@ TEST(NxString, Wildcards) {
   NxString::SetAsterisk(NxChar('*'));
   EXPECT_EQ(NxString::GetAsterisk(), asterisk);
   EXPECT_EQ(NxString::GetQuestion(), question);
-}
-
-// ---------------------------------------------------------------------------
-// The buffer-building routine against its definition, told on byte strings.
-
-struct Build {
-  std::string src;
-  unsigned char srcCodeSet;
-  unsigned short destPos, start, length, repeat, mode;
-  unsigned char byteOrder;
-};
-
-std::string Swapped(std::string bytes, bool swap) {
-  for (size_t i = 0; swap && i + 1 < bytes.size(); i += 2) std::swap(bytes[i], bytes[i + 1]);
-  return bytes;
-}
-
-std::string Expected(const std::string& old, size_t w, const Build& b, std::string src) {
-  const bool swap = w == 2 && b.byteOrder == 2;
-  const size_t d = b.destPos * w, e = d + b.length * w;
-  std::string middle;
-  if (b.repeat == 1)
-    middle = Swapped(src.substr(b.start * w, b.length * w), swap);
-  else
-    for (int i = 0; i < b.repeat; ++i) middle += src.substr(0, w);
-  const std::string head = Swapped(old.substr(0, d), swap);
-  if (b.mode == 3) return head + middle + std::string(w, '\0');
-  if (old.empty()) return b.mode == 2 ? middle + std::string(w, '\0') : old;
-  return head + middle + Swapped(old.substr(b.mode == 2 ? d : e), swap);
-}
-
-TEST(BuildString, FollowsItsDefinition) {
-  std::mt19937 random(7);
-  const auto below = [&](unsigned n) { return static_cast<unsigned short>(random() % n); };
-  for (int round = 0; round < 20000; ++round) {
-    const size_t w = 1 + below(2), srcW = 1 + below(2);
-    NxString s(w == 1 ? below(5) : 253, 3);
-    const unsigned short length = below(6);
-    std::string old;
-    if (below(4)) {
-      for (size_t i = 0; i < length; ++i)
-        old +=
-            w == 1 ? std::string(1, 'a' + below(26)) : std::string({static_cast<char>('a' + below(26)), 0});
-      s.BuildString(old.c_str(), s._nCodeSet, 0, 0, length, 1, 3, 1);
-      old += std::string(w, '\0');
-      ASSERT_EQ(Buffer(s), old);
-    }
-    Build b;
-    std::string inOwnWidth;
-    const unsigned short available = below(6);
-    for (size_t i = 0; i < available; ++i) {
-      const char c = static_cast<char>('A' + below(26));
-      b.src += srcW == 1 ? std::string(1, c) : std::string({c, 0});
-      inOwnWidth += w == 1 ? std::string(1, c) : std::string({c, 0});
-    }
-    b.src += std::string(2, '\0');
-    b.srcCodeSet = srcW == 1 ? below(5) : 253;
-    b.mode = 1 + below(3);
-    const unsigned short textLength = s.Len();
-    b.destPos = below(textLength + 1);
-    b.repeat = b.mode == 3 && available > 0 && below(3) == 0 ? below(5) : 1;
-    b.start = b.repeat == 1 ? below(available + 1) : 0;
-    b.length = b.repeat == 1 ? below(available - b.start + 1) : 1;
-    if (b.mode == 1) b.length = std::min<unsigned short>(b.length, textLength - b.destPos);
-    b.byteOrder = below(3) == 0 ? 2 : 255;
-    const bool nothing = b.mode != 3 && available == 0;
-    const std::string expected = nothing ? old : Expected(old, w, b, inOwnWidth);
-    s.BuildString(b.src.c_str(), b.srcCodeSet, b.destPos, b.start, b.length, b.repeat, b.mode, b.byteOrder);
-    ASSERT_EQ(Buffer(s), expected) << "round " << round << " mode " << b.mode;
-    ASSERT_EQ(s._nLanguage, 3);
-  }
 }
 
 TEST(BuildString, StaysWithinItsTextsWhateverIsAsked) {

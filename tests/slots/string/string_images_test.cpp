@@ -1,8 +1,6 @@
 // What only the images of strings have: sizes of keys and in files, lengths at their
-// limits, odd bytes, and keys compared in place. The rest is in types/strings_test.cpp.
+// limits, and odd bytes. The rest is in types/strings_test.cpp.
 #include <gtest/gtest.h>
-
-#include <random>
 
 #include "nxtypcmp.h"
 #include "nxtypes.h"
@@ -176,76 +174,6 @@ TEST(StringCompare, CutTextsThatNeedMoreThanTheWorkArea) {
   const std::string longCut = StringImage(std::string(300, 'a')).substr(0, 297);
   EXPECT_EQ(StringHash(1, longCut.size(), Exactly(longCut).Data(), 1, error), 0U);
   EXPECT_EQ(error, kNotPossible);
-}
-
-// ---------------------------------------------------------------------------
-// The comparison of keys in place, held to the general way over images of every kind. That
-// it serves is seen in collation/roads_test.cpp.
-
-class KeyImages : public testing::Test {
- protected:
-  unsigned Below(unsigned n) { return static_cast<unsigned>(random_()) % n; }
-
-  /// Units that meet often: letters that differ in one level only, digits, symbols,
-  /// spaces, wildcards and the ends of each class.
-  Units Unit() {
-    Units units = {1,      32,     0x4F, 0x50, 0x60, 0x3EFF, 0x3F00, 0x3F01,
-                   0x4000, 5020,   5021, 5148, 5276, 0x7FFF, 0x8000, 0xFFFE,
-                   0x400C, 0x500C, 400,  401,  402,  403,    0x508C, 0x510C};
-    units += static_cast<char16_t>(NxString::GetAsterisk());
-    units += static_cast<char16_t>(NxString::GetQuestion());
-    return units;
-  }
-  Units Text() {
-    static const Units alphabet = Unit();
-    const bool letters = Below(3) == 0;  // that share their bases often
-    const unsigned few = 2 + Below(static_cast<unsigned>(alphabet.size()) - 1), from = Below(26);
-    Units units(Below(3) ? Below(9) : Below(40), u' ');
-    for (char16_t& unit : units)
-      unit = letters ? static_cast<char16_t>(0x500C + Below(2) * 4 + Below(3) * 0x80)
-                     : alphabet[(from + Below(few)) % alphabet.size()];
-    if (Below(20) == 0 && !units.empty()) units[Below(static_cast<unsigned>(units.size()))] = 0;
-    return units;
-  }
-  /// One of the first again with a unit or two changed, put in or left out.
-  Units Relative(Units units) {
-    const Units other = Text();
-    for (unsigned n = Below(3); n > 0 && !other.empty() && !units.empty(); --n) {
-      const unsigned at = Below(static_cast<unsigned>(units.size()));
-      if (Below(2))
-        units[at] = other[Below(static_cast<unsigned>(other.size()))];
-      else if (Below(2))
-        units.insert(at, 1, other[0]);
-      else
-        units.erase(at, 1);
-    }
-    return units;
-  }
-
-  std::mt19937 random_{11};
-};
-
-TEST_F(KeyImages, CompareAsTheGeneralWay) {
-  const unsigned char languages[] = {1, 1, 1, 1, 4, 0x81, 0, 0x80, 19, 20, 127, 254};
-  for (int i = 0; i < 300000; ++i) {
-    const Units textA = Text(), textB = Below(3) ? Relative(textA) : Text();
-    const unsigned char format = (Below(2) ? 1 : 2) | (Below(4) ? kFormatKey : 0);
-    const auto options = static_cast<unsigned short>(Below(2) ? kWildcardsOff : random_() & 0x3F0);
-    std::string a = StringImage(textA, 254, languages[Below(12)], format);
-    std::string b =
-        StringImage(textB, 254, Below(4) ? static_cast<unsigned char>(a[3]) : languages[Below(12)], format);
-    if (Below(20) == 0) a[Below(4)] = static_cast<char>(random_());
-    if (Below(20) == 0) b[b.size() - 1 - Below(2)] = static_cast<char>(random_());
-    if (Below(10) == 0) b.resize(1 + Below(static_cast<unsigned>(b.size())));
-    const Block x = Exactly(a), y = Exactly(b);
-    int error = 77, expectedError;
-    const long result = StringCompare(format, x.Size(), x.Data(), y.Size(), y.Data(), options, 1, error);
-    ASSERT_EQ(result, StringCompareCommon(format, x.Size(), x.Data(), y.Size(), y.Data(), options, 1,
-                                          expectedError, 0))
-        << testing::PrintToString(a) << testing::PrintToString(b) << " options " << options << " format "
-        << int{format};
-    ASSERT_EQ(error, expectedError);
-  }
 }
 
 }  // namespace
