@@ -230,7 +230,7 @@ long EncodeInto(const NxString& s, std::string& buffer) {
 }
 
 void EncodeText(Input& in) {
-  const unsigned char codeSets[] = {0, 1, 2, 3, 4, 5, 9, 240, 253};
+  const unsigned char codeSets[] = {0, 1, 2, 3, 4, 5, 6, 9, 240, 253};
   const unsigned char codeSet = Pick(in, codeSets);
   const unsigned others = in.Byte() % 8;
   Units units(Below(in, 80), u'\0');

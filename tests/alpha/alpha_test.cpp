@@ -192,6 +192,7 @@ TEST(AlphaSlots, SizesOfImages) {
                             static_cast<unsigned char>(form));
     };
     EXPECT_EQ(size(image, 1, 1, 3), 3 + 6);
+    EXPECT_EQ(size(image, 1, 0x88, 3), 0) << "no keys in memory";
     EXPECT_EQ(size(image, 1, 0x81, 3), 3 + 4 + 3 + 1);
     EXPECT_EQ(size(image, 1, 0x81, 1), 3 + 4);
     EXPECT_EQ(size(image, 1, 0x81, 99), 3 + 4 + 3 + 1) << "fewer texts than asked for";

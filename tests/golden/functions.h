@@ -18,6 +18,7 @@
 #include "nxtyphash.h"
 #include "ord2str.h"
 #include "strwild.h"
+#include "support/terms.h"
 
 namespace golden {
 
@@ -392,6 +393,11 @@ inline const std::map<std::string, Verb> kFunctions = {
        const std::string text = c.Encoded(1);
        NxStringIterator it(text.c_str(), c.Text(1).codeSet, c.Text(1).language, 1);
        return Say(EvalString(it, c.Word(2)));
+     }},
+    {"sort-key",
+     [](const Case& c) {
+       const NxString s = String(c.Text(1).text, c.Text(1).codeSet, c.Text(1).language);
+       return Braced(KeyOf(kStringTypeId, &s, kFormatMemory));
      }},
     {"split", Split},
     {"type-id", TypeId},

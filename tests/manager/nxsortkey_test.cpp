@@ -79,14 +79,6 @@ TEST_F(Texts, OrderAsTheComparisonInOrderValues) {
     for (const Case& b : all) Check(a, b);
 }
 
-TEST_F(Texts, BytesAreThoseOfTheFormat) {
-  EXPECT_EQ(Make("T\xfcr-\xd6l", 1, 2).key, "\x94\x98\x8C\x80\x74\x05\xFE\x06\xFE\x06\x04\xFF\xFD\x81" +
-                                                std::string("\xFD\0\x74\x80\x02", 5));
-  // 300 letters behind the accented one: 249 of them in one byte.
-  const std::string far = Make("\xe4" + std::string(300, 'x'), 1, 2).key;
-  EXPECT_EQ(far.substr(301), "\x05\x06\xCC\x06\x02");
-}
-
 TEST_F(Texts, LongRunsKeepTheirDistances) {
   for (int round = 0; round < 20000; ++round) {
     std::string a, b;

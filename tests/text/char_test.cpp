@@ -281,6 +281,7 @@ TEST(CharCase, MapsWithinTheCodeSet) {
   EXPECT_EQ(Value(wide.ToUpper(nullptr)), 0x178);
   EXPECT_EQ(Value(narrow.ToUpper(nullptr)), 0xFF) << "its capital is not in the code set";
   EXPECT_EQ(Value(NxChar('\xC9', 1, 1).ToLower(nullptr)), 0xE9);
+  EXPECT_EQ(Value(NxChar('\xA1', kCodeSetLatin2, 1).ToLower(nullptr)), 0xB1);  // A with ogonek
 }
 
 }  // namespace

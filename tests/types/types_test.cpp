@@ -201,6 +201,7 @@ TEST_P(Types, LifeAndNull) {
     mgr.DestructorPtrGet(id)(place.Data(), n, 0);
     for (int asNull : {0, 1}) {
       auto* made = static_cast<unsigned char*>(mgr.DefaultValue(id, n, asNull));
+      ASSERT_TRUE(made || n == 0);
       for (unsigned long i = 0; i < n; ++i) {
         EXPECT_EQ(mgr.GetArrayElement(id, made, i, n), made + i * size);
         if (asNull || row.Has('n')) {
