@@ -276,6 +276,7 @@ TEST(BlobSlots, Comparison) {
       const long sign = i == k ? -1 : (i < k ? -1 : 1) * (i == 0 || k == 0 ? 2 : 1);
       int error = 1;
       EXPECT_EQ(BlobCompare(8, 0, a.data(), 0, b.data(), 0, 3, error), sign);
+      EXPECT_EQ(BlobCompare(8, 0, a.data(), 0, b.data(), 0, 0, error), 0);
       EXPECT_EQ(error, 0);
       for (unsigned char format : {1, 2}) {
         EXPECT_EQ(Compare(Image(a, format), Image(b, format), 3, error, format), sign);
