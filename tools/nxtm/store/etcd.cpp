@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <deque>
 #include <mutex>
+#include <numeric>
+#include <optional>
 #include <thread>
 #include <unordered_map>
 
@@ -94,6 +96,37 @@ std::string KeyAhead(const std::string& first, const std::string& last, unsigned
   std::string key = last.substr(0, same);
   for (int shift = 56; shift >= 0; shift -= 8) key += static_cast<char>((from + step * ahead) >> shift & 255);
   return key;
+}
+
+/// Places of keys that one range is read for, in the order of the keys.
+using Run = std::vector<unsigned long>;
+
+/// Whether the keys between two are at most a few, as far as they can be told: reading some
+/// entries in vain takes a node less time than a range of its own.
+bool AreNear(const std::string& a, const std::string& b) {
+  constexpr unsigned long long kNear = 4;
+  if (a.size() != b.size()) return false;
+  const unsigned long head = a.size() - std::min<unsigned long>(a.size(), sizeof kNear);
+  if (a.compare(0, head, b, 0, head) != 0) return false;
+  unsigned long long from = 0, to = 0;
+  for (unsigned long i = head; i < a.size(); ++i) {
+    from = from << 8 | static_cast<unsigned char>(a[i]);
+    to = to << 8 | static_cast<unsigned char>(b[i]);
+  }
+  return to - from <= kNear;
+}
+
+std::vector<Run> RunsOf(const std::vector<std::string>& keys, unsigned long from, unsigned long to) {
+  Run order(to - from);
+  std::iota(order.begin(), order.end(), from);
+  std::sort(order.begin(), order.end(),
+            [&](unsigned long a, unsigned long b) { return keys[a] != keys[b] ? keys[a] < keys[b] : a < b; });
+  std::vector<Run> runs;
+  for (const unsigned long place : order) {
+    if (runs.empty() || !AreNear(keys[runs.back().back()], keys[place])) runs.emplace_back();
+    runs.back().push_back(place);
+  }
+  return runs;
 }
 
 struct Name {
@@ -257,6 +290,9 @@ class Etcd : public KeyValue {
     return Unrefused(client_.Finish(client_.Start("/v3/kv/range", body)));
   }
   json Unrefused(EtcdAnswer answer) const;
+  std::vector<std::optional<std::string>> ValuesOf(const json& found, Table table,
+                                                   const std::vector<std::string>& keys, unsigned long from,
+                                                   const std::vector<Run>& runs) const;
   bool TakeState(const json& range, long long revision);
   void BecomeWriter(Wait wait);
 
@@ -406,6 +442,7 @@ void Etcd::Range(Table table, std::string_view from, std::string_view to, const 
 void Etcd::GetMany(Table table, const std::vector<std::string>& keys, const OnValue& onValue) {
   struct Part {
     unsigned long from, to;
+    std::vector<Run> runs;
     Ticket ticket;
   };
   struct Parts : std::deque<Part> {
@@ -418,11 +455,15 @@ void Etcd::GetMany(Table table, const std::vector<std::string>& keys, const OnVa
     }
   } parts(client_);
   const auto ask = [&](unsigned long from, unsigned long to) {
+    std::vector<Run> runs = RunsOf(keys, from, to);
     std::string reads;
-    for (unsigned long i = from; i < to; ++i)
-      reads += (i > from ? ",{" : "{") +
-               ("\"request_range\":{" + RangeOf(Key(table, keys[i]), {}) + AtRevision() + "}}");
-    return Part{from, to, client_.Start("/v3/kv/txn", Txn("", reads))};
+    for (const Run& run : runs) {
+      const std::string first = Key(table, keys[run.front()]), last = Key(table, keys[run.back()]);
+      reads += (reads.empty() ? "{" : ",{") +
+               ("\"request_range\":{" + RangeOf(first, first == last ? "" : last + '\0')) + AtRevision() +
+               "}}";
+    }
+    return Part{from, to, std::move(runs), client_.Start("/v3/kv/txn", Txn("", reads))};
   };
   for (unsigned long asked = 0; asked < keys.size() || !parts.empty();) {
     while (asked < keys.size() && parts.size() < EtcdClient::kMostInFlight) {
@@ -430,7 +471,7 @@ void Etcd::GetMany(Table table, const std::vector<std::string>& keys, const OnVa
       parts.push_back(ask(asked, to));
       asked = to;
     }
-    const Part part = parts.front();
+    const Part part = std::move(parts.front());
     parts.pop_front();
     EtcdAnswer answer = client_.Finish(part.ticket);
     if (answer.refusal == Refusal::kTooManyOperations || answer.refusal == Refusal::kTooLarge) {
@@ -443,15 +484,36 @@ void Etcd::GetMany(Table table, const std::vector<std::string>& keys, const OnVa
       continue;
     }
     const json found = Unrefused(std::move(answer));
-    const json& responses = List(found, "responses");
-    if (responses.size() != part.to - part.from) throw StoreFailure(name_ + ": an answer has other keys");
+    const std::vector<std::optional<std::string>> values = ValuesOf(found, table, keys, part.from, part.runs);
     for (unsigned long i = part.from; i < part.to; ++i) {
-      const json& entries = List(responses[i - part.from].at("response_range"), "kvs");
-      const std::string value = entries.empty() ? "" : BytesOf(entries[0], "value");
-      const std::string_view view = value;
-      if (!onValue(i, entries.empty() ? nullptr : &view)) return;
+      const std::optional<std::string>& value = values[i - part.from];
+      const std::string_view view = value ? *value : std::string_view();
+      if (!onValue(i, value ? &view : nullptr)) return;
     }
   }
+}
+
+/// The values of the keys that runs were read for, by their places from `from` on.
+std::vector<std::optional<std::string>> Etcd::ValuesOf(const json& found, Table table,
+                                                       const std::vector<std::string>& keys,
+                                                       unsigned long from,
+                                                       const std::vector<Run>& runs) const {
+  const json& responses = List(found, "responses");
+  if (responses.size() != runs.size()) throw StoreFailure(name_ + ": an answer has other keys");
+  unsigned long count = 0;
+  for (const Run& run : runs) count += run.size();
+  std::vector<std::optional<std::string>> values(count);
+  for (unsigned long i = 0; i < runs.size(); ++i) {
+    const json& entries = List(responses[i].at("response_range"), "kvs");
+    auto entry = entries.begin();
+    std::string key;  // of the entry
+    for (const unsigned long place : runs[i]) {
+      const std::string wanted = Key(table, keys[place]);
+      while (entry != entries.end() && (key = BytesOf(*entry, "key")) < wanted) ++entry;
+      if (entry != entries.end() && key == wanted) values[place - from] = BytesOf(*entry, "value");
+    }
+  }
+  return values;
 }
 
 void Etcd::Add(const std::string& key, std::string text, unsigned long bytes) {
