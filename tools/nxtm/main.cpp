@@ -269,7 +269,6 @@ void AddHelp(CLI::App& app, Arguments& a) {
 /// How the nodes of a store in a cluster are spoken to; there is no option for a password.
 void AddClusterOptions(CLI::App& app) {
   EtcdOptions& options = TheEtcdOptions();
-  app.fallthrough();
   app.add_option("--cacert", options.caFile,
                  "nodes of a cluster are spoken to by TLS, and known by this file");
   app.add_option("--cert", options.certFile, "certificate to show to the nodes of a cluster");
@@ -306,6 +305,7 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", "nxtm " NX_VERSION_TEXT);
   app.footer(kStatuses);
   app.require_subcommand(1);
+  app.fallthrough();  // options of all commands may stand behind them
   AddLookingCommands(app, arguments);
   AddWorkingCommands(app, arguments);
   AddHelp(app, arguments);
