@@ -70,7 +70,7 @@ class KeyValue {
   virtual void Check() = 0;
   /// Gives back what is not used; must be open alone with nothing put.
   virtual void Compact() = 0;
-  /// Bytes that the store takes.
+  /// Bytes that the store takes; of machines that many stores share, what one keeps of all.
   virtual unsigned long long Size() const = 0;
   /// Requests that this object waited for, of an engine on other machines; else 0.
   virtual unsigned long RoundTrips() const { return 0; }
