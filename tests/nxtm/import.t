@@ -207,7 +207,20 @@ Other delimiters and encodings.
   \xe2\x82\xac\xc3\xbc,\xc2\x80| (esc)
   \xc2\xa4\xc3\xbc,\xc2\x80| (esc)
   $ read_as --encoding ebcdic </dev/null
-  nxtm: there is no encoding 'ebcdic' (utf-8, latin1, iso-8859-1, windows-1252, latin9, iso-8859-15, latin2, iso-8859-2)
+  nxtm: there is no encoding 'ebcdic' (utf-8, latin1, iso-8859-1, windows-1252, latin9, iso-8859-15, latin2, iso-8859-2, utf-16, utf-16le, utf-16be)
+  [2]
+  $ printf '\377\376a\0\344\0,\0001\0\n\0' | read_as --encoding utf-16
+  a\xc3\xa4,1 (esc)
+  $ printf '\0a\0,\x20\xAC\0\n' | read_as --encoding UTF-16BE
+  a,\xe2\x82\xac (esc)
+  $ printf 'a\0,' | read_as --encoding utf-16le
+  nxtm: standard input: not UTF-16: ends within a character
+  [2]
+  $ printf 'a\0\0\xDC' | read_as --encoding utf-16
+  nxtm: standard input: not UTF-16: half of a surrogate pair as character 2
+  [2]
+  $ printf '\x3D\xD8\0\xDE,\0b\0' | read_as --encoding utf-16
+  nxtm: standard input:1:1: column 'a': byte 1 of the text begins no UTF-8 sequence of a character up to U+FFFF
   [2]
 
 Rows that are not right go to a file of their own, as they stand.

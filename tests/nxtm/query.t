@@ -143,7 +143,7 @@ Rows as they are asked for.
   4999
   4998
   $ nxtm query one 'n > 0' >/dev/full
-  nxtm: the output cannot be written
+  nxtm: the output cannot be written: No space left on device
   [3]
   $ nxtm query five 'n = 2' --output xml
   nxtm: 'xml' is no form of rows (csv, json, table)

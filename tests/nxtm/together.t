@@ -57,11 +57,25 @@ What others have beside a store is theirs; what is unfinished goes with its proc
   $ ls | grep store
   store-lock
   store.new
+  $ (yes a,1 | head -c 999999; sleep 2) | nxtm import s - store --skip-bad bad >>log & sleep 0.4; ls bad
+  bad
+  $ kill -INT $!; wait $!
+  [130]
+  $ ls bad store
+  ls: cannot access 'bad': No such file or directory
+  ls: cannot access 'store': No such file or directory
+  [2]
   $ nxtm import s missing store
   nxtm: missing: No such file or directory
   [2]
   $ nxtm import s d store >>log; cat store.new
   mine
+  $ cp store large; truncate -s 3G large
+  $ for command in check info; do nxtm $command large; done
+  nxtm: large: has 3221225472 bytes, more than this process can map (about 2 GiB)
+  nxtm: large: has 3221225472 bytes, more than this process can map (about 2 GiB)
+  [3]
+  $ rm large
   $ ln -s nowhere link
   $ nxtm import s d link
   nxtm: link: a link that cannot be followed: No such file or directory
@@ -88,7 +102,7 @@ Reasons, when the world is not as it should be.
   $ nxtm import s d store >/dev/full
   nxtm: the output cannot be written; the store is
   $ nxtm export store >/dev/full
-  nxtm: the output cannot be written
+  nxtm: the output cannot be written: No space left on device
   [3]
   $ nxtm export store | wc -l
   600

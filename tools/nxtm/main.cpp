@@ -140,7 +140,9 @@ void AddWorkingCommands(CLI::App& app, Arguments& a) {
   importing->add_flag("--header", a.import.header, "the first row names the columns, in any order");
   importing->add_option("--delimiter", a.import.delimiter, "the byte between fields; tab is one, too")
       ->capture_default_str();
-  importing->add_option("--encoding", a.import.encoding, "utf-8, latin1, windows-1252, latin9 or latin2")
+  importing
+      ->add_option("--encoding", a.import.encoding,
+                   "utf-8, latin1, windows-1252, latin9, latin2, utf-16, utf-16le or utf-16be")
       ->capture_default_str();
   importing->add_option("--skip-bad", a.import.badRows, "set rows that are not right aside in a new file");
   AddWritingOption(importing, a);

@@ -16,6 +16,7 @@
 #include "data/failure.h"
 #include "data/file.h"
 #include "data/progress.h"
+#include "data/removal.h"
 #include "data/utf8.h"
 #include "store/index.h"
 #include "store/store.h"
@@ -64,6 +65,7 @@ class RowsAside {
   explicit RowsAside(const std::string& path) : path_(path) {
     file_ = std::fopen(path.c_str(), "wbx");
     if (!file_) Fail();
+    removed_.emplace(path);
   }
   RowsAside(const RowsAside&) = delete;
   RowsAside& operator=(const RowsAside&) = delete;
@@ -81,25 +83,30 @@ class RowsAside {
     file_ = nullptr;
     if (failed) Fail();
   }
-  void Keep() { kept_ = true; }
+  void Keep() {
+    kept_ = true;
+    removed_.reset();
+  }
 
  private:
   [[noreturn]] void Fail() const { throw Failure(path_ + ": " + std::strerror(errno)); }
 
   std::string path_;
   FILE* file_;
+  std::optional<RemovedOnSignal> removed_;
   bool kept_ = false;
 };
 
 /// Turns the rows of a file into records of a store.
 class Importer {
  public:
-  Importer(Store& store, CsvReader& reader, const std::string& folder, const ImportOptions& options)
+  Importer(Store& store, CsvReader& reader, const Decoder& decoder, const std::string& folder,
+           const ImportOptions& options)
       : store_(store),
         schema_(store.GetSchema()),
         reader_(reader),
         header_(options.header),
-        decoder_(options.encoding),
+        decoder_(decoder),
         converters_(ConvertersOf(schema_, folder)),
         taken_(schema_) {
     for (unsigned long i = 0; i < schema_.Columns().size(); ++i) fieldOf_.push_back(i);
@@ -254,8 +261,10 @@ void Import(const std::string& schemaFile, const std::string& dataFile, const st
   auto store = OpenForImport(schemaFile, storeFile, options.wait);
   const InputFile file(dataFile);
   const unsigned long before = store->Count();
-  CsvReader reader(file.Source(), file.Name(), FormOfRows(store->GetSchema(), options));
-  Importer importer(*store, reader, FolderOf(dataFile), options);
+  const Decoder decoder(options.encoding);
+  CsvReader reader(decoder.Decoded(file.Source(), file.Name()), file.Name(),
+                   FormOfRows(store->GetSchema(), options));
+  Importer importer(*store, reader, decoder, FolderOf(dataFile), options);
   Progress progress("importing", file.Size());
   if (options.header) importer.TakeHeader();
   while (importer.TakeRow())

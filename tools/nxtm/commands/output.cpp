@@ -6,7 +6,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -15,9 +17,12 @@
 
 namespace nxtm {
 
-namespace {
+void Write(std::string_view text) {
+  if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size()) return;
+  throw StoreFailure(std::string("the output cannot be written: ") + std::strerror(errno));
+}
 
-void Write(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+namespace {
 
 class CsvPrinter : public RowPrinter {
  public:

@@ -4,11 +4,15 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "data/schema.h"
 
 namespace nxtm {
+
+/// Writes to standard output; a StoreFailure where that cannot be, so that nothing is read in vain.
+void Write(std::string_view text);
 
 /// What rows look like.
 enum class RowForm {

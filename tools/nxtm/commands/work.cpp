@@ -5,6 +5,7 @@
 
 #include "commands/commands.h"
 #include "commands/csvwriter.h"
+#include "commands/output.h"
 #include "commands/stopwatch.h"
 #include "data/failure.h"
 #include "data/progress.h"
@@ -21,15 +22,17 @@ void Export(const std::string& storeFile, bool header, const std::string& blobFo
   if (header) std::fputs(CsvHeader(store->GetSchema(), AllColumns(store->GetSchema())).c_str(), stdout);
   RecordReader reader(store->GetSchema());
   CsvWriter writer(store->GetSchema(), AllColumns(store->GetSchema()), blobFolder);
-  store->ForEach([&](unsigned int number, std::string_view record) {
+  const auto lineOf = [&](unsigned int number, std::string_view record) -> const std::string& {
     try {
       reader.Begin(record);
-      const std::string& line = writer.LineOf(reader.All());
-      std::fwrite(line.data(), 1, line.size(), stdout);
-      return true;
+      return writer.LineOf(reader.All());
     } catch (const Failure& failure) {
       throw StoreFailure(storeFile + ": record " + std::to_string(number) + ": " + failure.what());
     }
+  };
+  store->ForEach([&](unsigned int number, std::string_view record) {
+    Write(lineOf(number, record));
+    return true;
   });
 }
 
@@ -42,8 +45,7 @@ void Salvage(const std::string& storeFile, bool header) {
   CsvWriter writer(schema, columns);
   const unsigned long found = store->ForEachSound([&](unsigned int, std::string_view record) {
     reader.Begin(record);
-    const std::string& line = writer.LineOf(reader.All());
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    Write(writer.LineOf(reader.All()));
     return true;
   });
   const std::string told =

@@ -172,6 +172,7 @@ Decoder::Decoder(const std::string& encoding) {
   struct Name {
     const char* name;
     unsigned char codeSet;
+    std::optional<Utf16Order> utf16 = {};
   };
   constexpr unsigned char kUtf8 = 0;
   static constexpr Name kNames[] = {{"utf-8", kUtf8},
@@ -181,11 +182,15 @@ Decoder::Decoder(const std::string& encoding) {
                                     {"latin9", kCodeSetLatin9},
                                     {"iso-8859-15", kCodeSetLatin9},
                                     {"latin2", kCodeSetLatin2},
-                                    {"iso-8859-2", kCodeSetLatin2}};
+                                    {"iso-8859-2", kCodeSetLatin2},
+                                    {"utf-16", kUtf8, Utf16Order::kByMark},
+                                    {"utf-16le", kUtf8, Utf16Order::kLittle},
+                                    {"utf-16be", kUtf8, Utf16Order::kBig}};
   std::string names;
   for (const Name& known : kNames) {
     names += (names.empty() ? "" : ", ") + std::string(known.name);
     if (strcasecmp(known.name, encoding.c_str()) != 0) continue;
+    utf16_ = known.utf16;
     if (known.codeSet == kUtf8) return;
     for (unsigned byte = 0; byte < 256; ++byte) {
       const char text[] = {static_cast<char>(byte), 0};

@@ -2,10 +2,12 @@
 #ifndef NXTM_UTF8_H
 #define NXTM_UTF8_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "data/utf16.h"
 #include "nx21rtms.h"
 
 namespace nxtm {
@@ -28,13 +30,18 @@ class Decoder {
  public:
   /// An encoding by its name in any case; a Failure lists them when there is none.
   explicit Decoder(const std::string& encoding);
+  /// A source whose texts ToUtf8 decodes: for UTF-16 the source in UTF-8, else itself.
+  ByteSource Decoded(ByteSource source, const std::string& file) const {
+    return utf16_ ? Utf8OfUtf16(std::move(source), file, *utf16_) : source;
+  }
   /// The text in UTF-8, which holds until the next one.
   std::string_view ToUtf8(std::string_view text) { return sequences_.empty() ? text : Decode(text); }
 
  private:
   std::string_view Decode(std::string_view text);
 
-  std::vector<std::string> sequences_;  // of each byte; none where the encoding is UTF-8
+  std::vector<std::string> sequences_;  // of each byte; none where texts are UTF-8
+  std::optional<Utf16Order> utf16_;
   std::string text_;
 };
 

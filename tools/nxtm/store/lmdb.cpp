@@ -88,8 +88,7 @@ void CheckMdb(int code, const std::string& what) {
   if (code == 0) return;
   if (code == MDB_MAP_FULL)
     throw StoreFailure(what + ": the store would grow beyond what this process can map (about 2 GiB)");
-  if (code == EIO || code == ENOSPC)
-    throw StoreFailure(what + ": cannot be read or written; is there no space left on the device?");
+  if (code == EIO) throw StoreFailure(what + ": cannot be read or written");
   throw StoreFailure(what + ": " + mdb_strerror(code));
 }
 
@@ -101,6 +100,10 @@ void RequireStoreFile(const std::string& path) {
   if (stat(path.c_str(), &status) != 0)
     throw Failure(path + ": a link that cannot be followed: " + std::strerror(errno));
   if (!S_ISREG(status.st_mode) || status.st_size == 0) throw Failure(path + ": not a store");
+  const auto size = static_cast<unsigned long long>(status.st_size);
+  if (size > kMapSizes[0])
+    throw StoreFailure(path + ": has " + std::to_string(size) +
+                       " bytes, more than this process can map (about 2 GiB)");
 }
 
 class LmdbKeyValue : public KeyValue {

@@ -1,13 +1,11 @@
 #include "store/lock.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -21,24 +19,6 @@ namespace {
 
 [[noreturn]] void FailBySystem(const std::string& what) {
   throw StoreFailure(what + ": " + std::strerror(errno));
-}
-
-// The file that a signal is to remove; empty for none. Written before the handler is set.
-char unfinished[PATH_MAX];
-
-void OnEnd(int signal) {
-  if (unfinished[0]) unlink(unfinished);
-  ::signal(signal, SIG_DFL);
-  raise(signal);
-}
-
-void RemoveOnSignals(const std::string& file) {
-  std::snprintf(unfinished, sizeof unfinished, "%s", file.c_str());
-  for (int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    struct sigaction action {};
-    action.sa_handler = OnEnd;
-    sigaction(signal, &action, nullptr);
-  }
 }
 
 /// The permissions that open(2) gives a new file.
@@ -83,7 +63,7 @@ bool FileLock::HasName() const {
 NewFile::NewFile(const std::string& path) : path_(path), name_(path + ".XXXXXX") {
   const int descriptor = mkstemp(name_.data());
   if (descriptor < 0) FailBySystem(path);
-  RemoveOnSignals(name_);
+  removed_.emplace(name_);
   fchmod(descriptor, NewMode());
   close(descriptor);
 }
@@ -91,7 +71,6 @@ NewFile::NewFile(const std::string& path) : path_(path), name_(path + ".XXXXXX")
 NewFile::~NewFile() {
   if (name_.empty()) return;
   unlink(name_.c_str());
-  unfinished[0] = 0;
 }
 
 void NewFile::TakeName(bool replace) {
@@ -101,7 +80,7 @@ void NewFile::TakeName(bool replace) {
   if (code != 0 && errno == EINVAL && !replace && access(path_.c_str(), F_OK) != 0)
     code = std::rename(name_.c_str(), path_.c_str());
   if (code != 0) FailBySystem(path_);
-  unfinished[0] = 0;
+  removed_.reset();
   name_.clear();
   const std::string folder = FolderOf(path_);
   const int descriptor = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

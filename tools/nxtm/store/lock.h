@@ -2,7 +2,10 @@
 #ifndef NXTM_LOCK_H
 #define NXTM_LOCK_H
 
+#include <optional>
 #include <string>
+
+#include "data/removal.h"
 
 namespace nxtm {
 
@@ -47,6 +50,7 @@ class NewFile {
  private:
   std::string path_;
   std::string name_;
+  std::optional<RemovedOnSignal> removed_;
 };
 
 }  // namespace nxtm
