@@ -169,6 +169,18 @@ Records that are deleted are gone from the indexes, too.
   ordered index of word: 3 entries
   ordered index of n: 2 entries
 
+Memory does not grow with the rows that are printed, and a limit ends the reading.
+
+  $ echo 'text NxString' >wide; seq 150000 | awk '{ printf "%s%0300d\n", $1, 0 }' | nxtm import wide - many >log
+  $ for form in csv json table; do prlimit --data=30000000 nxtm query many 'text > "1"' --output $form | wc -c; done
+  45938895
+  48188898
+  45938900
+  $ prlimit --data=30000000 nxtm export many | wc -l
+  150000
+  $ nxtm query many 'text > "1"' --limit 3 --explain | grep found
+  -- 3 of 150000 records read, 3 found, * ms (glob)
+
 What is asked wrongly.
 
   $ nxtm qurey
