@@ -370,6 +370,11 @@ inline const std::map<std::string, Verb> kFunctions = {
     {"first-wild", FirstWild},
     {"fits", Fits},
     {"from-double", [](const Case& c) { return Say(NxInt64(c.Double(1)).Wide()); }},
+    {"hash-string",
+     [](const Case& c) {
+       const NxString s = String(c.Text(1).text, c.Text(1).codeSet, c.Text(1).language);
+       return Say(Hex(HashNxString(s)), Hex(HashNxString7(s)));
+     }},
     {"hash-text",
      [](const Case& c) {
        const TextWord word = c.Text(1);

@@ -57,7 +57,7 @@ TEST(Records, TheIllegalTypeDoesNothing) {
   unsigned char byte = 0xEE;
   NxTypeMgr mgr(5);
   EXPECT_EQ(mgr.Create(40, 3), nullptr);
-  EXPECT_EQ(mgr.Store(40, &byte, &byte, 1, 1), 0);
+  EXPECT_EQ(mgr.Store(40, &byte, &byte, 1, 1) + mgr.table[40]->NullSizeGet(3), 0);
   mgr.ConstructorPtrGet(40)(&byte, 1, 0);
   EXPECT_EQ(mgr.Cmp(40, 0, &byte, 0, &byte, 0, 1, 1, error), 0);
   EXPECT_EQ(mgr.Hash(40, 0, &byte, 1, 1, error), 0U);

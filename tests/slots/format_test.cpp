@@ -86,6 +86,7 @@ TEST(Chars, AreOneText) {
   char text[] = {'A', '\n', 'z'};
   NxString out("old");
   EXPECT_STREQ(CharPrintToNxString(out, text, "%c", 3).StrGet(), "A0x0az");
+  EXPECT_STREQ(CharPrintToNxString(out, text, "%c", 0).StrGet(), "");
   EXPECT_STREQ(CharPrintToNxString(out, text, "<%d>", 3).StrGet(), "<65>0x0a<122>");
   EXPECT_STREQ(CharPrintToNxString(out, text, "%s", 3).StrGet(), "%s");
   std::vector<char> many(30000, '\xFF');
