@@ -97,6 +97,10 @@ Bad rows are named by line and column, and change nothing.
   nxtm: d:1:5: column 'born': '2004--1-01' is not a date (year-month-day)
   nxtm: d:1:5: column 'born': '2004-1' is not a date (year-month-day)
   [2]
+  $ try 'a,1\0002,,0,x\n'; try 'a,1,2004-01-01\0,0,x\n'
+  nxtm: d:1:3: column 'age': '1\x002' is not a whole number
+  nxtm: d:1:5: column 'born': '2004-01-01\x00' is not a date (year-month-day)
+  [2]
   $ for weight in '' nan 1e400 1e-400 0x10 ' 1'; do try "a,1,,$weight,x\n"; done
   nxtm: d:1:6: column 'weight': the field is empty and the column not nullable
   nxtm: d:1:6: column 'weight': 'nan' is not a number

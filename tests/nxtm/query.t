@@ -169,9 +169,20 @@ Records that are deleted are gone from the indexes, too.
   ordered index of word: 3 entries
   ordered index of n: 2 entries
 
+What a text has in common with a pattern, and how it orders, is the same with an index.
+
+  $ echo 'text NxString' >wide; echo 't NxCaseIString' >folding; echo é | nxtm import folding - folded >log; nxtm index folded t >>log
+  $ nxtm query folded 't > "ßa"'; nxtm query folded 't > "ßa"' --scan
+  \xc3\xa9 (esc)
+  \xc3\xa9 (esc)
+  $ printf 'Straße\nStrasse\n' | nxtm import wide - streets >>log
+  $ nxtm query streets 'text = "Stra?e"'; nxtm query streets 'text = "Stra??e"'
+  Stra\xc3\x9fe (esc)
+  Strasse
+
 Memory does not grow with the rows that are printed, and a limit ends the reading.
 
-  $ echo 'text NxString' >wide; seq 150000 | awk '{ printf "%s%0300d\n", $1, 0 }' | nxtm import wide - many >log
+  $ seq 150000 | awk '{ printf "%s%0300d\n", $1, 0 }' | nxtm import wide - many >log
   $ for form in csv json table; do prlimit --data=30000000 nxtm query many 'text > "1"' --output $form | wc -c; done
   45938895
   48188898

@@ -346,3 +346,8 @@ What is no value of its type, or no image of one, is named with its reason.
   $ echo 'a NxString codeset=9' >codeset.txt; nxtm import codeset.txt /dev/null codeset.store
   nxtm: codeset.txt:1:12: there is no code set '9' (0, 1, 2, 3, 4 or 253)
   [2]
+
+Formats with bit 3 are those of values in memory, which have no image.
+
+  $ for type in NxString NxIString; do for format in 8 9 15 255; do nxtm key $type abc --format $format; done; done 2>&1 | uniq -c
+        8 nxtm: format bytes with bit 3 are forms in memory, not of images
