@@ -1,6 +1,5 @@
-// The walk over two texts of one character width by their order tables: the road of texts
-// that nxplainbytes.h leaves over. It compares by the level rule whatever pairs the tables
-// tell, and a pattern behind a star with NxPatternSearch.
+// The walk over two texts of one character width by their order tables: the road of texts that
+// nxplainbytes.h leaves over. A pattern behind a star goes on with NxPatternSearch.
 #ifndef NXPLAINWALK_H
 #define NXPLAINWALK_H
 
@@ -8,8 +7,7 @@
 #include "collation/nxpatternmiss.h"
 #include "collation/nxpatternsearch.h"
 
-/// The walk over two texts whose characters are Units (bytes or 16-bit units). Its steps
-/// are inlined by force: a walk takes a few nanoseconds, of which calls would be a part.
+/// The walk over two texts of Units (bytes or 16-bit units). Its steps are inlined by force.
 template <class Unit>
 class NxPlainWalk {
  public:
