@@ -278,7 +278,9 @@ void EtcdClient::Work(bool wait) {
 
 bool EtcdClient::Take(Request& request, int curlCode) {
   if (curlCode != CURLE_OK) {
-    request.failure = nodes_[request.node] + ": " + curl_easy_strerror(static_cast<CURLcode>(curlCode));
+    // That the time was over at last tells less than what happened before.
+    if (curlCode != CURLE_OPERATION_TIMEDOUT || request.failure.empty())
+      request.failure = nodes_[request.node] + ": " + curl_easy_strerror(static_cast<CURLcode>(curlCode));
     return false;
   }
   json answer = json::parse(request.answer, nullptr, false);
