@@ -182,12 +182,14 @@ What a text has in common with a pattern, and how it orders, is the same with an
 
 Memory does not grow with the rows that are printed, and a limit ends the reading.
 
+  $ small='prlimit --data=30000000'; ldd "$(command -v nxtm)" | grep -q libasan && small= || true  # it needs more
+  $ flat() { $small "$@"; }
   $ seq 150000 | awk '{ printf "%s%0300d\n", $1, 0 }' | nxtm import wide - many >log
-  $ for form in csv json table; do prlimit --data=30000000 nxtm query many 'text > "1"' --output $form | wc -c; done
+  $ for form in csv json table; do flat nxtm query many 'text > "1"' --output $form | wc -c; done
   45938895
   48188898
   45938900
-  $ prlimit --data=30000000 nxtm export many | wc -l
+  $ flat nxtm export many | wc -l
   150000
   $ nxtm query many 'text > "1"' --limit 3 --explain | grep found
   -- 3 of 150000 records read, 3 found, * ms (glob)
