@@ -135,7 +135,8 @@ class LmdbKeyValue : public KeyValue {
   class Cursor;
   struct OpenTable {
     MDB_dbi handle;
-    std::string last;  // the last key that was put, while keys ascend
+    std::string last;        // the last key that was put, while keys ascend
+    bool isChanged = false;  // since the last commit: it has pages that are not in the file
   };
 
   void OpenExisting(Wait wait);
@@ -161,6 +162,7 @@ class LmdbKeyValue : public KeyValue {
   MDB_env* env_ = nullptr;
   MDB_txn* txn_ = nullptr;
   unsigned long long largest_ = 0;  // that a value can be
+  std::uint32_t pageSize_ = 0;
   std::map<Table, OpenTable> tables_;
   std::string root_;
   Snapshot snapshot_;       // of an existing store, as it was opened
@@ -249,6 +251,9 @@ void LmdbKeyValue::OpenEnvironment(unsigned int flags) {
     return OpenEnvironment(flags | MDB_NOLOCK);
   if (code == MDB_INVALID || code == MDB_VERSION_MISMATCH) throw Failure(path_ + ": not a store");
   CheckMdb(code, path_);
+  MDB_stat pages;
+  CheckMdb(mdb_env_stat(env_, &pages), path_);
+  pageSize_ = pages.ms_psize;
 }
 
 void LmdbKeyValue::Begin() {
@@ -281,10 +286,8 @@ int LmdbKeyValue::FileOf() const {
 /// LMDB maps the file without asking whether all of its pages are there.
 void LmdbKeyValue::RequireWholeFile() {
   MDB_envinfo info;
-  MDB_stat pages;
   CheckMdb(mdb_env_info(env_, &info), path_);
-  CheckMdb(mdb_env_stat(env_, &pages), path_);
-  if (Size() / pages.ms_psize < info.me_last_pgno + 1) throw StoreFailure(path_ + ": the store is truncated");
+  if (Size() / pageSize_ < info.me_last_pgno + 1) throw StoreFailure(path_ + ": the store is truncated");
   if (mode_ == Mode::kRead) largest_ = Size();
 }
 
@@ -344,6 +347,7 @@ void LmdbKeyValue::Commit(const std::string& root) {
     unfinished_.reset();
   }
   file_ = path_;
+  for (auto& [number, table] : tables_) table.isChanged = false;
   Begin();
 }
 
@@ -359,20 +363,33 @@ LmdbKeyValue::OpenTable* LmdbKeyValue::Find(Table table, unsigned int flags) {
   if (code == MDB_NOTFOUND) return nullptr;
   CheckMdb(code, path_);
   CheckMdb(mdb_set_compare(txn_, handle, CompareKeys), path_);
-  return &tables_.emplace(table, OpenTable{handle, ""}).first->second;
+  return &tables_.emplace(table, OpenTable{handle, "", false}).first->second;
 }
 
 void LmdbKeyValue::Range(Table table, std::string_view from, std::string_view to, const OnEntry& onEntry) {
   const OpenTable* const open = Find(table, 0);
   if (!open) return;
+  std::string_view last;
+  const auto take = [&](std::string_view key, std::string_view value) {
+    if (!last.empty() && !Precedes(last, key)) FailDamaged();
+    last = key;
+    return (to.empty() || Precedes(key, to)) && onEntry(key, value);
+  };
   Cursor cursor(*this, open->handle);
   MDB_val key = Val(from), data;
   bool found = cursor.Get(key, data, from.empty() ? MDB_FIRST : MDB_SET_RANGE);
-  std::string_view last;
   for (; found; found = cursor.Get(key, data, MDB_NEXT)) {
-    if (!last.empty() && !Precedes(last, View(key))) FailDamaged();
-    last = View(key);
-    if ((!to.empty() && !Precedes(last, to)) || !onEntry(last, View(data))) return;
+    if (!take(View(key), View(data))) return;
+    if (open->isChanged) continue;
+    // The others of the page are read where they lie; the cursor then goes on behind them.
+    const MappedLeaf page(key.mv_data, pageSize_);
+    const unsigned long place = page.PlaceOf(key.mv_data);
+    unsigned long next = place + 1;
+    for (std::string_view k, v; page.Read(next, k, v); ++next)
+      if (!take(k, v)) return;
+    if (next == place + 1) continue;
+    key = Val(last);
+    if (!cursor.Get(key, data, MDB_SET_KEY)) FailDamaged();
   }
 }
 
@@ -391,8 +408,8 @@ void LmdbKeyValue::GetMany(Table table, const std::vector<std::string>& keys, co
 }
 
 void LmdbKeyValue::Put(Table table, std::string_view key, std::string_view value) {
-  isChanged_ = true;
   OpenTable& open = *Find(table, MDB_CREATE);
+  open.isChanged = isChanged_ = true;
   MDB_val k = Val(key), data = Val(value);
   if (Precedes(open.last, key)) {
     // Keys that ascend are appended, which fills every page, as long as nothing is behind them.
@@ -420,9 +437,9 @@ void LmdbKeyValue::RequirePlace(MDB_dbi handle, std::string_view key) {
 }
 
 void LmdbKeyValue::Remove(Table table, std::string_view key) {
-  const OpenTable* const open = Find(table, 0);
+  OpenTable* const open = Find(table, 0);
   if (!open) return;
-  isChanged_ = true;
+  open->isChanged = isChanged_ = true;
   MDB_val k = Val(key);
   const int code = mdb_del(txn_, open->handle, &k, nullptr);
   if (code != MDB_NOTFOUND) CheckMdb(code, path_);

@@ -16,22 +16,6 @@ namespace nxtm {
 
 namespace {
 
-struct PageHead {
-  std::uint32_t number;
-  std::uint16_t keySize;  // of a page of keys alone
-  std::uint16_t flags;
-  std::uint16_t lower;  // where the places of nodes end
-  std::uint16_t upper;  // where the nodes begin
-};
-static_assert(sizeof(PageHead) == 12);
-
-struct Node {
-  std::uint32_t size;  // of its data; of a branch the page below
-  std::uint16_t flags;
-  std::uint16_t keySize;
-};
-static_assert(sizeof(Node) == 8);
-
 static_assert(sizeof(PageTree) == 28);
 
 struct Meta {

@@ -3,6 +3,7 @@
 #define NXTM_PAGES_H
 
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
@@ -41,6 +42,75 @@ void CheckPages(int file, const Snapshot& snapshot, const std::string& path);
 /// to the last): none of them is missing from the table's tree, and the table is there. `table` is its name.
 void CheckRange(int file, const Snapshot& snapshot, const std::string& table, std::string_view from,
                 std::string_view to, const std::string& path);
+
+/// The head of every page.
+struct PageHead {
+  std::uint32_t number;
+  std::uint16_t keySize;  // of a page of keys alone
+  std::uint16_t flags;
+  std::uint16_t lower;  // where the places of nodes end
+  std::uint16_t upper;  // where the nodes begin
+};
+static_assert(sizeof(PageHead) == 12);
+
+/// The head of a key and its data.
+struct Node {
+  std::uint32_t size;  // of its data; of a branch the page below
+  std::uint16_t flags;
+  std::uint16_t keySize;
+};
+static_assert(sizeof(Node) == 8);
+
+/// A leaf page where the file is mapped: its keys whose values lie beside them. A page that a
+/// transaction has changed lies somewhere else until that commits.
+class MappedLeaf {
+ public:
+  /// The page on which a key lies.
+  MappedLeaf(const void* key, std::uint32_t pageSize)
+      : page_(reinterpret_cast<const char*>(reinterpret_cast<std::uintptr_t>(key) & ~(pageSize - 1UL))),
+        size_(pageSize),
+        count_((At<PageHead>(0).lower - sizeof(PageHead)) / sizeof(std::uint16_t)) {
+    if (At<PageHead>(0).flags != kLeafPage || count_ > (size_ - sizeof(PageHead)) / sizeof(std::uint16_t))
+      count_ = 0;
+  }
+
+  /// Which of the page's keys it is; where it is none of them, there is none behind it.
+  unsigned long PlaceOf(const void* key) const {
+    const auto offset = static_cast<unsigned long>(static_cast<const char*>(key) - page_) - sizeof(Node);
+    unsigned long place = 0;
+    while (place < count_ && OffsetAt(place) != offset) ++place;
+    return place;
+  }
+  /// False where there is no such key, or it or its value lies somewhere else.
+  bool Read(unsigned long place, std::string_view& key, std::string_view& value) const {
+    if (place >= count_) return false;
+    const unsigned long offset = OffsetAt(place);
+    if (offset > size_ - sizeof(Node)) return false;
+    const auto node = At<Node>(offset);
+    const unsigned long room = size_ - sizeof(Node) - offset;
+    if (node.flags != 0 || node.keySize > room || node.size > room - node.keySize) return false;
+    key = {page_ + offset + sizeof(Node), node.keySize};
+    value = {key.data() + key.size(), node.size};
+    return true;
+  }
+
+ private:
+  static constexpr std::uint16_t kLeafPage = 2;
+
+  template <class T>
+  T At(unsigned long offset) const {
+    T value;
+    std::memcpy(&value, page_ + offset, sizeof value);
+    return value;
+  }
+  unsigned long OffsetAt(unsigned long place) const {
+    return At<std::uint16_t>(sizeof(PageHead) + place * sizeof(std::uint16_t));
+  }
+
+  const char* page_;
+  unsigned long size_;
+  unsigned long count_;
+};
 
 /// Where a key and its value lie.
 struct NodePlace {
