@@ -169,25 +169,36 @@ std::vector<Converter> ConvertersOf(const Schema& schema, const std::string& fol
   return converters;
 }
 
-Field Record::Take(const Column& column, std::string_view& bytes) {
-  Field field;
-  if (column.HasNullByte()) {
-    if (bytes.empty() || static_cast<unsigned char>(bytes[0]) > 1)
-      throw Failure("attribute '" + column.name + "' is damaged");
-    field.isNull = bytes[0] == 1;
-    bytes.remove_prefix(1);
-    if (field.isNull) return field;
-  }
-  unsigned long size = column.imageSize;
-  if (size == 0)
-    size = ImageSize(column.type, column.kind, bytes);
-  else if (size > bytes.size())
-    size = 0;
-  if (size == 0) throw Failure("attribute '" + column.name + "' is damaged");
-  field.image = bytes.substr(0, size);
-  field.isNull = !column.nullImage.empty() && field.image == column.nullImage;
+namespace {
+
+[[noreturn]] void FailDamaged(const Column& column) {
+  throw Failure("attribute '" + column.name + "' is damaged");
+}
+
+/// Takes the byte that tells whether an attribute is null.
+bool TakeNullByte(const Column& column, std::string_view& bytes) {
+  if (bytes.empty() || static_cast<unsigned char>(bytes[0]) > 1) FailDamaged(column);
+  const bool isNull = bytes[0] == 1;
+  bytes.remove_prefix(1);
+  return isNull;
+}
+
+inline Field TakeField(const Column& column, std::string_view& bytes) {
+  if (column.HasNullByte() && TakeNullByte(column, bytes)) return {{}, true};
+  const unsigned long size =
+      column.imageSize != 0 ? column.imageSize : ImageSize(column.type, column.kind, bytes);
+  if (size == 0 || size > bytes.size()) FailDamaged(column);
+  const std::string_view image(bytes.data(), size);
   bytes.remove_prefix(size);
-  return field;
+  return {image, !column.nullImage.empty() && image == column.nullImage};
+}
+
+}  // namespace
+
+Field Record::Take(const Column& column, std::string_view& bytes) { return TakeField(column, bytes); }
+
+void RecordReader::TakeUpTo(unsigned long attribute) {
+  for (; taken_ <= attribute; ++taken_) fields_[taken_] = TakeField(columns_[taken_], rest_);
 }
 
 const std::vector<Field>& RecordReader::All() {

@@ -73,26 +73,27 @@ class Record {
 /// Takes a record apart as far as it is asked for, where it lies.
 class RecordReader {
  public:
-  explicit RecordReader(const Schema& schema) : columns_(schema.Columns()) {
-    fields_.reserve(columns_.size());
-  }
+  explicit RecordReader(const Schema& schema) : columns_(schema.Columns()), fields_(columns_.size()) {}
 
   /// Begins with another record, whose bytes must stay.
   void Begin(std::string_view record) {
     rest_ = record;
-    fields_.clear();
+    taken_ = 0;
   }
   const Field& operator[](unsigned long attribute) {
-    while (fields_.size() <= attribute) fields_.push_back(Record::Take(columns_[fields_.size()], rest_));
+    if (taken_ <= attribute) TakeUpTo(attribute);
     return fields_[attribute];
   }
   /// All of them. Throws a Failure for bytes behind the last one, too.
   const std::vector<Field>& All();
 
  private:
+  void TakeUpTo(unsigned long attribute);
+
   const std::vector<Column>& columns_;
   std::string_view rest_;
   std::vector<Field> fields_;
+  unsigned long taken_ = 0;  // of them
 };
 
 }  // namespace nxtm

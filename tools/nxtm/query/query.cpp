@@ -212,6 +212,7 @@ class Parser {
     // Without a "*" a field of -1 is a year like any other.
     if (FormOf(column.type).kind == Kind::kDate && value.value.find('*') == std::string::npos)
       term.options |= kWildcardsOff;
+    term.inPlace = InPlaceOrder(column.type, term.options);
   }
 
   unsigned short ReadRelation() {
@@ -272,12 +273,17 @@ class Parser {
   int depth_ = 0;
 };
 
+long Order(const Term& term, char type, std::string_view image) {
+  if (term.inPlace) return term.inPlace(image.data(), term.key.data());
+  int error = 0;
+  return Manager().Cmp(type, image.size(), const_cast<char*>(image.data()), term.key.size(),
+                       const_cast<char*>(term.key.data()), term.options, 1, kFormatNative, error);
+}
+
 bool TermMatches(const Term& term, char type, const Field& field) {
   if (term.relation == 0) return field.isNull == term.wantNull;
   if (field.isNull) return false;
-  int error = 0;
-  long order = Manager().Cmp(type, field.image.size(), const_cast<char*>(field.image.data()), term.key.size(),
-                             const_cast<char*>(term.key.data()), term.options, 1, kFormatNative, error);
+  const long order = Order(term, type, field.image);
   if (order == 0) return term.relation & kRelationEqual;
   return term.relation & (order < 0 ? kRelationLess : kRelationGreater);
 }

@@ -28,14 +28,21 @@ namespace nxtm {
 /// The relation whose sign begins a text, and the length of the sign; 0 for none.
 unsigned short RelationAt(std::string_view text, unsigned long& length);
 
+/// The order of two stored images that lie anywhere: negative, 0 or positive.
+using CompareImages = long (*)(const char* a, const char* b);
+/// The order that the manager's Cmp has under such options, for a type whose images compare
+/// where they lie; null for the other types. Null values are not for it.
+CompareImages InPlaceOrder(char type, unsigned short options);
+
 /// One comparison of an attribute.
 struct Term {
   unsigned long attribute = 0;
   unsigned short relation = 0;  // relation bits; 0 for a test of null
   unsigned short options = 0;
-  Image key;              // the value compared with, as a stored image
-  bool wantNull = false;  // of a test of null: whether null matches
-  std::string text;       // as it was written
+  Image key;                        // the value compared with, as a stored image
+  CompareImages inPlace = nullptr;  // the order of its images; null: the manager is asked
+  bool wantNull = false;            // of a test of null: whether null matches
+  std::string text;                 // as it was written
 };
 
 /// A condition: a term, or conditions joined.

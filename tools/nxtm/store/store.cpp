@@ -2,6 +2,7 @@
 
 #include "store/store.h"
 
+#define XXH_INLINE_ALL  // of short records a call is much of the checksum
 #include <xxhash.h>
 
 #include <algorithm>
@@ -43,9 +44,9 @@ std::string NumberKey(unsigned int number) {
 }
 
 unsigned int NumberAtEnd(std::string_view key) {
-  unsigned int number = 0;
-  for (unsigned char byte : key.substr(key.size() - sizeof number)) number = number << 8 | byte;
-  return number;
+  unsigned int number;
+  std::memcpy(&number, key.data() + key.size() - sizeof number, sizeof number);
+  return __builtin_bswap32(number);
 }
 
 unsigned int SumOf(std::string_view bytes, unsigned int seed) {
