@@ -1,6 +1,5 @@
 #include "store/etcdclient.h"
 
-#include <curl/curl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 #include <iostream>
 
 #include "data/failure.h"
+#include "store/curllibrary.h"
 
 namespace nxtm {
 
@@ -127,28 +127,27 @@ struct EtcdClient::Request {
 
 struct EtcdClient::Curl {
   Curl() {
-    curl_global_init(CURL_GLOBAL_DEFAULT);
-    multi = curl_multi_init();
     if (!multi) throw std::bad_alloc();
-    curl_multi_setopt(multi, CURLMOPT_MAX_TOTAL_CONNECTIONS, long{kMostInFlight});
+    library.multiSetopt(multi, CURLMOPT_MAX_TOTAL_CONNECTIONS, long{kMostInFlight});
   }
   Curl(const Curl&) = delete;
   Curl& operator=(const Curl&) = delete;
   ~Curl() {
-    for (CURL* handle : idle) curl_easy_cleanup(handle);
-    curl_multi_cleanup(multi);
-    curl_slist_free_all(headers);
+    for (CURL* handle : idle) library.easyCleanup(handle);
+    library.multiCleanup(multi);
+    library.slistFreeAll(headers);
   }
 
   /// The fields of a request's head, with the user's token.
   void SetHeaders(const std::string& token) {
-    curl_slist_free_all(headers);
-    headers = curl_slist_append(nullptr, "Content-Type: application/json");
-    headers = curl_slist_append(headers, "Expect:");
-    if (!token.empty()) headers = curl_slist_append(headers, ("Authorization: " + token).c_str());
+    library.slistFreeAll(headers);
+    headers = library.slistAppend(nullptr, "Content-Type: application/json");
+    headers = library.slistAppend(headers, "Expect:");
+    if (!token.empty()) headers = library.slistAppend(headers, ("Authorization: " + token).c_str());
   }
 
-  CURLM* multi;
+  const CurlLibrary& library = TheCurlLibrary();
+  CURLM* multi = library.multiInit();
   std::vector<CURL*> idle;
   curl_slist* headers = nullptr;
 };
@@ -194,12 +193,12 @@ void EtcdClient::Send(Request& request) {
   const EtcdOptions& options = TheEtcdOptions();
   CURL* handle = nullptr;
   if (curl_->idle.empty()) {
-    handle = curl_easy_init();
+    handle = curl_->library.easyInit();
     if (!handle) throw std::bad_alloc();
   } else {
     handle = curl_->idle.back();
     curl_->idle.pop_back();
-    curl_easy_reset(handle);
+    curl_->library.easyReset(handle);
   }
   const bool safe = !options.caFile.empty() || !options.certFile.empty();
   const std::string url = (safe ? "https://" : "http://") + nodes_[node_] + request.path;
@@ -207,30 +206,31 @@ void EtcdClient::Send(Request& request) {
   // A node that hangs leaves time for the others.
   const long share = std::max(1000L, static_cast<long>(timeout_.count() / 3));
   const long limit = std::max(1L, std::min(share, static_cast<long>(left)));
-  curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
-  curl_easy_setopt(handle, CURLOPT_NOPROXY, "*");
-  curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http,https");
-  curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
-  curl_easy_setopt(handle, CURLOPT_TCP_KEEPALIVE, 1L);
-  curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT_MS, std::min(1000L, limit));
-  curl_easy_setopt(handle, CURLOPT_TIMEOUT_MS, limit);
-  curl_easy_setopt(handle, CURLOPT_HTTPHEADER, curl_->headers);
-  curl_easy_setopt(handle, CURLOPT_POSTFIELDS, request.body.data());
-  curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
-  curl_easy_setopt(handle, CURLOPT_PRIVATE, &request);
-  curl_easy_setopt(handle, CURLOPT_WRITEDATA, &request.answer);
-  curl_easy_setopt(
+  const auto set = curl_->library.easySetopt;
+  set(handle, CURLOPT_URL, url.c_str());
+  set(handle, CURLOPT_NOPROXY, "*");
+  set(handle, CURLOPT_PROTOCOLS_STR, "http,https");
+  set(handle, CURLOPT_NOSIGNAL, 1L);
+  set(handle, CURLOPT_TCP_KEEPALIVE, 1L);
+  set(handle, CURLOPT_CONNECTTIMEOUT_MS, std::min(1000L, limit));
+  set(handle, CURLOPT_TIMEOUT_MS, limit);
+  set(handle, CURLOPT_HTTPHEADER, curl_->headers);
+  set(handle, CURLOPT_POSTFIELDS, request.body.data());
+  set(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
+  set(handle, CURLOPT_PRIVATE, &request);
+  set(handle, CURLOPT_WRITEDATA, &request.answer);
+  set(
       handle, CURLOPT_WRITEFUNCTION, +[](char* bytes, std::size_t size, std::size_t n, std::string* answer) {
         answer->append(bytes, size * n);
         return size * n;
       });
-  if (!options.caFile.empty()) curl_easy_setopt(handle, CURLOPT_CAINFO, options.caFile.c_str());
-  if (!options.certFile.empty()) curl_easy_setopt(handle, CURLOPT_SSLCERT, options.certFile.c_str());
-  if (!options.keyFile.empty()) curl_easy_setopt(handle, CURLOPT_SSLKEY, options.keyFile.c_str());
+  if (!options.caFile.empty()) set(handle, CURLOPT_CAINFO, options.caFile.c_str());
+  if (!options.certFile.empty()) set(handle, CURLOPT_SSLCERT, options.certFile.c_str());
+  if (!options.keyFile.empty()) set(handle, CURLOPT_SSLKEY, options.keyFile.c_str());
   request.answer.clear();
   request.node = node_;
   request.handle = handle;
-  curl_multi_add_handle(curl_->multi, handle);
+  curl_->library.multiAddHandle(curl_->multi, handle);
   ++inFlight_;
 }
 
@@ -250,20 +250,20 @@ void EtcdClient::Work(bool wait) {
     }
   }
   int running = 0;
-  curl_multi_perform(curl_->multi, &running);
+  curl_->library.multiPerform(curl_->multi, &running);
   if (wait && static_cast<unsigned int>(running) == inFlight_) {
     // Nothing has ended yet. A pause is cut short to send again, or to see the stop.
-    curl_multi_poll(curl_->multi, nullptr, 0, resting || stop_ ? 20 : 1000, nullptr);
-    curl_multi_perform(curl_->multi, &running);
+    curl_->library.multiPoll(curl_->multi, nullptr, 0, resting || stop_ ? 20 : 1000, nullptr);
+    curl_->library.multiPerform(curl_->multi, &running);
   }
   int left = 0;
-  while (CURLMsg* message = curl_multi_info_read(curl_->multi, &left)) {
+  while (CURLMsg* message = curl_->library.multiInfoRead(curl_->multi, &left)) {
     if (message->msg != CURLMSG_DONE) continue;
     CURL* handle = message->easy_handle;
     const CURLcode code = message->data.result;
     Request* request = nullptr;
-    curl_easy_getinfo(handle, CURLINFO_PRIVATE, &request);
-    curl_multi_remove_handle(curl_->multi, handle);
+    curl_->library.easyGetinfo(handle, CURLINFO_PRIVATE, &request);
+    curl_->library.multiRemoveHandle(curl_->multi, handle);
     curl_->idle.push_back(handle);
     request->handle = nullptr;
     --inFlight_;
@@ -280,7 +280,8 @@ bool EtcdClient::Take(Request& request, int curlCode) {
   if (curlCode != CURLE_OK) {
     // That the time was over at last tells less than what happened before.
     if (curlCode != CURLE_OPERATION_TIMEDOUT || request.failure.empty())
-      request.failure = nodes_[request.node] + ": " + curl_easy_strerror(static_cast<CURLcode>(curlCode));
+      request.failure =
+          nodes_[request.node] + ": " + curl_->library.easyStrerror(static_cast<CURLcode>(curlCode));
     return false;
   }
   json answer = json::parse(request.answer, nullptr, false);
@@ -341,8 +342,8 @@ void EtcdClient::Forget(Ticket ticket) {
   const auto found = requests_.find(ticket);
   if (found == requests_.end()) return;
   if (CURL* handle = found->second->handle) {
-    curl_multi_remove_handle(curl_->multi, handle);
-    curl_easy_cleanup(handle);
+    curl_->library.multiRemoveHandle(curl_->multi, handle);
+    curl_->library.easyCleanup(handle);
     --inFlight_;
   }
   requests_.erase(found);
