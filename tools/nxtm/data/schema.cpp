@@ -3,6 +3,7 @@
 #include "data/schema.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "data/failure.h"
 #include "data/file.h"
@@ -183,10 +184,27 @@ bool TakeNullByte(const Column& column, std::string_view& bytes) {
   return isNull;
 }
 
+/// The size of the image of a string as they are stored today: its first two bytes count
+/// those behind them, and it ends with 00 FF. 0 for what needs a closer look.
+inline unsigned long SizeOfString(std::string_view data) {
+  constexpr unsigned long kCountSize = 2, kLeast = 4;
+  if (data.size() < kCountSize) return 0;
+  unsigned short count;
+  std::memcpy(&count, data.data(), kCountSize);
+  if (count < kLeast || data.size() < count + kCountSize) return 0;
+  return data[count] == 0 && data[count + 1] == '\xFF' ? count + kCountSize : 0;
+}
+
+inline unsigned long SizeOf(const Column& column, std::string_view bytes) {
+  if (column.imageSize != 0) return column.imageSize;
+  if (column.type == kStringTypeId)
+    if (const unsigned long size = SizeOfString(bytes)) return size;
+  return ImageSize(column.type, column.kind, bytes);
+}
+
 inline Field TakeField(const Column& column, std::string_view& bytes) {
   if (column.HasNullByte() && TakeNullByte(column, bytes)) return {{}, true};
-  const unsigned long size =
-      column.imageSize != 0 ? column.imageSize : ImageSize(column.type, column.kind, bytes);
+  const unsigned long size = SizeOf(column, bytes);
   if (size == 0 || size > bytes.size()) FailDamaged(column);
   const std::string_view image(bytes.data(), size);
   bytes.remove_prefix(size);

@@ -44,17 +44,6 @@ bool IsClosed(Kind kind, std::string_view image, unsigned char format) {
   }
 }
 
-/// The size of the image of a string as they are stored today: its first two bytes count
-/// those behind them, and it ends with 00 FF. 0 for what needs a closer look.
-unsigned long SizeOfString(std::string_view data) {
-  constexpr unsigned long kCountSize = 2, kLeast = 4;
-  if (data.size() < kCountSize) return 0;
-  unsigned short count;
-  std::memcpy(&count, data.data(), kCountSize);
-  if (count < kLeast || data.size() < count + kCountSize) return 0;
-  return data[count] == 0 && data[count + 1] == '\xFF' ? count + kCountSize : 0;
-}
-
 /// A text as the library's scan functions take it: its bytes as they stand.
 NxString BytesAsString(std::string_view text) {
   constexpr unsigned long kLongest = 511;  // what the print functions write
@@ -223,8 +212,6 @@ unsigned long ImageSize(char type, std::string_view data, unsigned char format) 
 }
 
 unsigned long ImageSize(char type, Kind kind, std::string_view data, unsigned char format) {
-  if (type == kStringTypeId && format == kFormatNative)
-    if (const unsigned long size = SizeOfString(data)) return size;
   const unsigned long head = SizeHead(kind);
   if (data.size() < head) return 0;
   const auto size =

@@ -84,6 +84,7 @@ class MappedLeaf {
   /// False where there is no such key, or it or its value lies somewhere else.
   bool Read(unsigned long place, std::string_view& key, std::string_view& value) const {
     if (place >= count_) return false;
+    if (place + kAhead < count_) __builtin_prefetch(page_ + OffsetAt(place + kAhead));
     const unsigned long offset = OffsetAt(place);
     if (offset > size_ - sizeof(Node)) return false;
     const auto node = At<Node>(offset);
@@ -96,6 +97,7 @@ class MappedLeaf {
 
  private:
   static constexpr std::uint16_t kLeafPage = 2;
+  static constexpr unsigned long kAhead = 8;  // entries that the memory is told of
 
   template <class T>
   T At(unsigned long offset) const {
