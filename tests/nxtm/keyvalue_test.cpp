@@ -382,6 +382,48 @@ TEST(Cluster, CompactionUnderAReaderIsTold) {
   }
 }
 
+TEST(Cluster, EntriesHaveCopiesOfShortRecords) {
+  const std::string name = Machines::Cluster() + "copies", schema = Machines::Folder() + "/schema";
+  std::ofstream(schema) << "text NxString\nnumber long\n";
+  std::ofstream(schema + ".rows") << "short,1\n" << std::string(300, 'l') << ",2\nthird,3\n";
+  const auto run = [](const std::string& command) { return Shell(NXTM " " + command + " 2>&1; echo $?"); };
+  const auto ends = [](const std::string& text, const std::string& with) {
+    EXPECT_EQ(with, text.substr(text.size() - std::min(text.size(), with.size())));
+  };
+  const auto tripsOf = [&](const std::string& term) {
+    return Shell(NXTM " query " + name + " '" + term + "' --explain | grep -o '[0-9]* round trips'");
+  };
+  const std::string import = "import " + schema + " " + schema + ".rows " + name;
+  ends(run(import), "\n0");
+  ends(run("index " + name + " number"), "\n0");  // copies made by an index of old records
+  ends(run(import), "\n0");                       // and of new ones
+  EXPECT_EQ("2 round trips", tripsOf("number = 1"));
+  EXPECT_EQ("3 round trips", tripsOf("number = 2"));  // too long for a copy
+  EXPECT_EQ("3 round trips", tripsOf("number > 0"));
+  const std::string all = run("query " + name + " 'number > 0'");
+  EXPECT_EQ(run("export " + name), all);
+
+  std::string key, value;
+  const auto replace = [&](const std::string& copy) {
+    auto engine = KeyValue::Open(name, Mode::kWrite, Wait::kNever);
+    if (key.empty())
+      engine->Range(1, "", "", [&](std::string_view first, std::string_view its) {
+        return key = first, value = its, false;
+      });
+    engine->Put(1, key, copy);
+    engine->Commit(engine->Root());
+  };
+  replace("");  // as an index made before has it
+  EXPECT_EQ(all, run("query " + name + " 'number > 0'"));
+  ends(run("check " + name), "\n0");
+  value.back() ^= 1;
+  replace(value);
+  ends(run("query " + name + " 'number = 1'"), "nxtm reindex " + name + "\n3");
+  ends(run("check " + name), "has another copy of record 0\n3");
+  ends(run("reindex " + name), "\n0");
+  EXPECT_EQ(all, run("query " + name + " 'number > 0'"));
+}
+
 TEST(Cluster, NamesThatAreNoneAreRefused) {
   for (const char* name : {"etcd://", "etcd:///p", "etcd://host/p", "etcd://host:1", "etcd://host:1/",
                            "etcd://host:x/p", "etcd://host:1,/p", "etcd://:1/p", "etcd://a:b@host:1/p"})

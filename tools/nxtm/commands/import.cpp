@@ -203,7 +203,7 @@ class Importer {
       const unsigned int number = store_.Append(record_);
       if (store_.Indexes().empty()) return;
       taken_.Begin(record_);
-      AddToIndexes(store_, number, taken_.All());
+      AddToIndexes(store_, number, record_, taken_.All());
     } catch (const Failure& failure) {
       throw reader_.FailureOf(0,
                               "a record of " + std::to_string(record_.size()) + " bytes: " + failure.what());

@@ -227,7 +227,7 @@ QueryReport RunQuery(Store& store, const Condition& condition, bool scan, const 
     return test(number, record);
   };
   constexpr unsigned long kSparse = 8;
-  if (numbers.size() < store.Count() / kSparse) {
+  if (numbers.size() - store.Copies() <= store.Count() / kSparse) {
     store.GetMany(numbers, testHit);
     return report;
   }

@@ -239,6 +239,7 @@ class Etcd : public KeyValue {
     return static_cast<unsigned long long>(
         Number(client_.Call("/v3/maintenance/status", "{}"), "dbSizeInUse"));
   }
+  bool IsFar() const override { return true; }
   unsigned long RoundTrips() const override { return client_.RoundTrips(); }
 
  private:

@@ -91,13 +91,17 @@ unsigned long ReadEntries(Store& store, const IndexInfo& index, std::string_view
                           std::vector<Entry>& entries) {
   unsigned long read = 0;
   if (index.entries != 0) store.Engine().RequireWhole(index.table, from, to);
-  store.Engine().Range(index.table, from, to, [&](std::string_view key, std::string_view) {
+  store.Engine().Range(index.table, from, to, [&](std::string_view key, std::string_view value) {
     ++read;
     const unsigned int number = key.size() > sizeof number ? NumberAtEnd(key) : ~0U;
-    if (number < store.Count())
-      entries.push_back({number, SumOf(key)});
-    else if (!store.Engine().LeftUnfinished())
-      FailDamaged(store, index);
+    if (number >= store.Count()) {
+      if (!store.Engine().LeftUnfinished()) FailDamaged(store, index);
+      return true;
+    }
+    entries.push_back({number, SumOf(key)});
+    if (value.empty()) return true;
+    if (!store.IsCopy(number, value)) FailDamaged(store, index);
+    store.KeepCopy(number, value);
     return true;
   });
   return read;
@@ -119,16 +123,29 @@ IndexBuilder::IndexBuilder(const Store& store, const IndexInfo& index)
   index_.sum = 0;
 }
 
-void IndexBuilder::Take(unsigned int number, std::string_view record) {
+/// The key of a record's entry, which the description then has, too; empty for a null attribute.
+std::string IndexBuilder::TakeKey(unsigned int number, std::string_view record) {
   const Field field = FieldOf(schema_, record, index_.attribute);
-  if (field.isNull) return;
-  const std::string key = OrderKey(index_, type_, field.image);
+  if (field.isNull) return "";
+  std::string key = OrderKey(index_, type_, field.image);
   WidenEdges(index_, type_, key, field.image);
-  const unsigned long at = keys_.size();
-  keys_.append(key).append(NumberKey(number));
-  entries_.push_back({0, at, static_cast<unsigned short>(keys_.size() - at)});
+  key += NumberKey(number);
   ++index_.entries;
-  index_.sum += SumOf(std::string_view(keys_).substr(at));
+  index_.sum += SumOf(key);
+  return key;
+}
+
+void IndexBuilder::Take(unsigned int number, std::string_view record) {
+  const std::string key = TakeKey(number, record);
+  if (key.empty()) return;
+  entries_.push_back({0, keys_.size(), static_cast<unsigned short>(key.size())});
+  keys_ += key;
+}
+
+void IndexBuilder::Add(Store& store, unsigned int number, std::string_view record) {
+  if (!store.Engine().IsFar()) return Take(number, record);
+  const std::string key = TakeKey(number, record);
+  if (!key.empty()) store.Engine().Put(index_.table, key, store.CopyOf(number, record));
 }
 
 /// Has the memory fetch a key that is soon read: in their order keys lie anywhere.
@@ -172,11 +189,13 @@ void IndexBuilder::Compare(Store& store) {
     throw StoreFailure(where + " is described wrong");
   Sort(entries_.begin(), entries_.end(), 0);
   auto expected = entries_.begin();
-  store.Engine().Range(index_.table, {}, {}, [&](std::string_view key, std::string_view) {
+  store.Engine().Range(index_.table, {}, {}, [&](std::string_view key, std::string_view value) {
     if (expected == entries_.end()) throw StoreFailure(where + " has an entry too many");
     if (KeyOf(*expected) != key)
       throw StoreFailure(where + " has another entry in place of that of record " +
                          std::to_string(NumberAtEnd(KeyOf(*expected))));
+    if (!value.empty() && !store.IsCopy(NumberAtEnd(key), value))
+      throw StoreFailure(where + " has another copy of record " + std::to_string(NumberAtEnd(key)));
     ++expected;
     return true;
   });
@@ -187,13 +206,20 @@ void IndexBuilder::Compare(Store& store) {
 
 namespace {
 
-void TakeAll(Store& store, IndexBuilder& builder) {
+template <class Take>
+void ForAll(Store& store, Take take) {
   Progress progress("indexing", store.Count());
   store.ForEach([&](unsigned int number, std::string_view record) {
-    builder.Take(number, record);
+    take(number, record);
     progress.At(number);
     return true;
   });
+}
+
+void WriteIndex(Store& store, const IndexInfo& index) {
+  IndexBuilder builder(store, index);
+  ForAll(store, [&](unsigned int number, std::string_view record) { builder.Add(store, number, record); });
+  builder.Write(store);
 }
 
 }  // namespace
@@ -201,22 +227,18 @@ void TakeAll(Store& store, IndexBuilder& builder) {
 void BuildIndex(Store& store, unsigned long attribute, bool hash) {
   IndexInfo& index = store.Describe(attribute, hash);
   store.EmptyIndex(index);
-  IndexBuilder builder(store, index);
-  TakeAll(store, builder);
-  builder.Write(store);
+  WriteIndex(store, index);
 }
 
 void RebuildIndexes(Store& store) {
   for (IndexInfo& index : store.Indexes()) store.EmptyIndex(index);
   store.Commit();  // the pages of the old ones serve the new ones
-  for (const IndexInfo& index : store.Indexes()) {
-    IndexBuilder builder(store, index);
-    TakeAll(store, builder);
-    builder.Write(store);
-  }
+  for (const IndexInfo& index : store.Indexes()) WriteIndex(store, index);
 }
 
-void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& fields) {
+void AddToIndexes(Store& store, unsigned int number, std::string_view record,
+                  const std::vector<Field>& fields) {
+  const std::string_view copy = store.CopyOf(number, record);
   for (IndexInfo& index : store.Indexes()) {
     const Field& field = fields[index.attribute];
     if (field.isNull || !index.IsMade()) continue;
@@ -224,7 +246,7 @@ void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& f
     std::string key = OrderKey(index, type, field.image);
     WidenEdges(index, type, key, field.image);
     key += NumberKey(number);
-    store.Engine().Put(index.table, key, {});
+    store.Engine().Put(index.table, key, copy);
     ++index.entries;
     index.sum += SumOf(key);
   }
@@ -242,7 +264,7 @@ void RemoveRecords(Store& store, const std::vector<unsigned int>& numbers) {
   store.ForEachOf(records, count, [&](unsigned int number, std::string_view record) {
     if (next != numbers.end() && *next == number) return ++next, true;
     const unsigned int now = store.Append(record);
-    for (IndexBuilder& builder : builders) builder.Take(now, record);
+    for (IndexBuilder& builder : builders) builder.Add(store, now, record);
     return true;
   });
   for (IndexBuilder& builder : builders) builder.Write(store);
@@ -255,7 +277,7 @@ void RemoveRecords(Store& store, const std::vector<unsigned int>& numbers) {
 void CheckIndex(Store& store, const IndexInfo& index) {
   RequireCurrent(store, index);
   IndexBuilder expected(store, index);
-  TakeAll(store, expected);
+  ForAll(store, [&](unsigned int number, std::string_view record) { expected.Take(number, record); });
   expected.Compare(store);
 }
 

@@ -1,8 +1,9 @@
 /// Indexes of a store: the keys of their entries, building, checking.
 ///
-/// An entry is a key alone: of an ordered index the sort key of the attribute, cut where it
-/// is longer than kLongestSortKey, and of a hash index the hash of the image; then the number
-/// of the record. Null attributes have no entry.
+/// An entry's key is, of an ordered index, the sort key of the attribute, cut where it is longer
+/// than kLongestSortKey, and of a hash index the hash of the image; then the number of the
+/// record. Its value is the copy of the record that the store makes, or nothing. Null
+/// attributes have no entry.
 #ifndef NXTM_INDEX_H
 #define NXTM_INDEX_H
 
@@ -42,13 +43,17 @@ unsigned long ReadEntries(Store& store, const IndexInfo& index, std::string_view
 /// Throws a StoreFailure when an entry that was read is not the one of the record that it names.
 void RequireEntry(const Store& store, const IndexInfo& index, const Entry& entry, std::string_view record);
 
-/// Collects the entries of an index from records, and writes them in order.
+/// Makes the entries of an index from records: collects their keys and writes them in order, or
+/// writes entries with copies at once, for which the order does not matter.
 class IndexBuilder {
  public:
   IndexBuilder(const Store& store, const IndexInfo& index);
-  void Take(unsigned int number, std::string_view record);
-  /// Writes what was taken to the index's empty table, and describes it.
+  /// Takes a record for Write.
+  void Add(Store& store, unsigned int number, std::string_view record);
+  /// Writes what was added to the index's empty table, and describes it.
   void Write(Store& store);
+  /// Takes a record for Compare.
+  void Take(unsigned int number, std::string_view record);
   /// Compares what was taken with what is there. Throws a StoreFailure at the first difference.
   void Compare(Store& store);
 
@@ -60,6 +65,7 @@ class IndexBuilder {
   };
   using Keys = std::vector<Key>;
   std::string_view KeyOf(const Key& key) const { return std::string_view(keys_).substr(key.at, key.size); }
+  std::string TakeKey(unsigned int number, std::string_view record);
   void FetchAhead(Keys::iterator entry, Keys::iterator last) const;
   void Sort(Keys::iterator first, Keys::iterator last, unsigned long from);
 
@@ -74,8 +80,9 @@ class IndexBuilder {
 void BuildIndex(Store& store, unsigned long attribute, bool hash);
 /// Empties every index, and makes it anew.
 void RebuildIndexes(Store& store);
-/// Adds a record that was appended to every index of the store.
-void AddToIndexes(Store& store, unsigned int number, const std::vector<Field>& fields);
+/// Adds a record that was appended to every index of the store; its fields are given, too.
+void AddToIndexes(Store& store, unsigned int number, std::string_view record,
+                  const std::vector<Field>& fields);
 /// Takes records away, whose numbers ascend; those behind them get lower numbers.
 void RemoveRecords(Store& store, const std::vector<unsigned int>& numbers);
 /// Compares an index with the records. Throws a StoreFailure at the first difference.

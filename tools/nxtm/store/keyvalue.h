@@ -72,6 +72,9 @@ class KeyValue {
   virtual void Compact() = 0;
   /// Bytes that the store takes; of machines that many stores share, what one keeps of all.
   virtual unsigned long long Size() const = 0;
+  /// Whether a value read by its own key takes much longer than one more entry of a range, so
+  /// that it pays to keep it beside the entry that leads to it, too.
+  virtual bool IsFar() const { return false; }
   /// Requests that this object waited for, of an engine on other machines; else 0.
   virtual unsigned long RoundTrips() const { return 0; }
 };

@@ -187,11 +187,15 @@ void Store::SweepUnfinished() {
 // ---------------------------------------------------------------------------
 // Records
 
-unsigned int Store::Append(std::string_view record) {
-  const auto number = static_cast<unsigned int>(count_);
+void Store::TakeValue(unsigned int number, std::string_view record) {
   const unsigned int sum = SumOf(record, SeedOf(records_, number));
   value_.assign(reinterpret_cast<const char*>(&sum), kSumSize);
   value_ += record;
+}
+
+unsigned int Store::Append(std::string_view record) {
+  const auto number = static_cast<unsigned int>(count_);
+  TakeValue(number, record);
   engine_->Put(records_, NumberKey(number), value_);
   ++count_;
   return number;
@@ -222,15 +226,54 @@ void Store::ForEachOf(KeyValue::Table records, unsigned long count, const OnReco
                        " records are there");
 }
 
+std::string_view Store::CopyOf(unsigned int number, std::string_view record) {
+  constexpr unsigned long kLongestCopied = 256;
+  if (!engine_->IsFar() || record.size() > kLongestCopied) return {};
+  TakeValue(number, record);
+  return value_;
+}
+
+bool Store::IsCopy(unsigned int number, std::string_view value) const {
+  return IsSound(records_, number, value);
+}
+
+bool Store::KeepCopy(unsigned int number, std::string_view value) {
+  constexpr unsigned long kMostBytes = 32UL << 20;
+  constexpr unsigned long kBeside = 64;  // bytes that the map takes for an element
+  if (copiedBytes_ + value.size() + kBeside > kMostBytes) return false;
+  if (copies_.emplace(number, value).second) copiedBytes_ += value.size() + kBeside;
+  return true;
+}
+
 void Store::GetMany(const std::vector<unsigned int>& numbers, const OnRecord& onRecord) {
-  std::vector<std::string> keys;
-  keys.reserve(numbers.size());
-  for (unsigned int number : numbers) keys.push_back(NumberKey(number));
-  engine_->GetMany(records_, keys, [&](unsigned long place, const std::string_view* value) {
-    const unsigned int number = numbers[place];
-    if (!value) throw StoreFailure(path_ + ": record " + std::to_string(number) + " is missing");
-    return onRecord(number, CheckedRecord(records_, number, *value));
-  });
+  std::vector<std::string> keys;  // of the records that are not there as copies
+  std::vector<unsigned long> places;
+  for (unsigned long i = 0; i < numbers.size(); ++i) {
+    if (copies_.count(numbers[i]) != 0) continue;
+    keys.push_back(NumberKey(numbers[i]));
+    places.push_back(i);
+  }
+  unsigned long next = 0;
+  const auto pass = [&](std::string_view value) {
+    const unsigned int number = numbers[next++];
+    return onRecord(number, CheckedRecord(records_, number, value));
+  };
+  const auto passCopies = [&](unsigned long end) {
+    while (next < end)
+      if (!pass(copies_.at(numbers[next]))) return false;
+    return true;
+  };
+  bool goesOn = true;
+  if (!keys.empty())
+    engine_->GetMany(records_, keys, [&](unsigned long key, const std::string_view* value) {
+      goesOn = passCopies(places[key]);
+      if (!goesOn) return false;
+      if (!value) throw StoreFailure(path_ + ": record " + std::to_string(numbers[next]) + " is missing");
+      return goesOn = pass(*value);
+    });
+  if (goesOn) passCopies(numbers.size());
+  copies_.clear();
+  copiedBytes_ = 0;
 }
 
 KeyValue::Table Store::BeginRecordsAnew() {

@@ -2,9 +2,10 @@
 ///
 ///   root            schema, versions, the record count and every index's description
 ///   records         number -> checksum, images of the attributes
-///   ordered index   sort key of an attribute, number -> nothing
-///   hash index      hash of an attribute's image, number -> nothing
+///   ordered index   sort key of an attribute, number -> copy
+///   hash index      hash of an attribute's image, number -> copy
 ///
+/// A copy is the value of a short record where the engine is far away, else nothing.
 /// Numbers and hashes are of 32 bits, the most significant byte first. The root tells which
 /// table of the engine holds what. It ends with its own checksum.
 #ifndef NXTM_STORE_H
@@ -14,6 +15,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "data/schema.h"
@@ -84,6 +86,15 @@ class Store {
   /// Every record in order of number. Throws a StoreFailure when a number is missing or a
   /// record is not what its checksum says.
   void ForEach(const OnRecord& onRecord);
+  /// The value of a record that an entry of an index has as a copy, if it has one. Valid until
+  /// the next call.
+  std::string_view CopyOf(unsigned int number, std::string_view record);
+  /// Whether a value is a copy of a record, by its checksum.
+  bool IsCopy(unsigned int number, std::string_view value) const;
+  /// Has GetMany take a record from a copy, as long as there is room for it; returns whether.
+  bool KeepCopy(unsigned int number, std::string_view value);
+  /// How many records are kept so.
+  unsigned long Copies() const { return copies_.size(); }
   /// The records of numbers, which ascend. Throws as ForEach does.
   void GetMany(const std::vector<unsigned int>& numbers, const OnRecord& onRecord);
   /// Empties the records, to append those that stay; the indexes are emptied, too. Returns
@@ -112,6 +123,7 @@ class Store {
   std::string RootText() const;
   IndexInfo* FindDescribed(unsigned long attribute, bool hash);
   std::string_view CheckedRecord(KeyValue::Table records, unsigned int number, std::string_view value) const;
+  void TakeValue(unsigned int number, std::string_view record);
   void SweepUnfinished();
 
   std::string path_;
@@ -122,7 +134,9 @@ class Store {
   KeyValue::Table records_ = 0;
   KeyValue::Table nextTable_ = 1;
   std::vector<IndexInfo> indexes_;
-  std::string value_;  // of the record that is appended
+  std::string value_;  // of the record that is appended, or copied
+  std::unordered_map<unsigned int, std::string> copies_;
+  unsigned long copiedBytes_ = 0;
 };
 
 /// A number as it stands in keys.
