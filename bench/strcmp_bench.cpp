@@ -34,15 +34,15 @@ constexpr std::size_t kPairs = 20'000;
 // ---------------------------------------------------------------------------
 // Words
 
-/// A word in every form that a candidate takes; the forms lie in arenas of their own,
-/// so that each candidate reads its texts one after another.
-struct Word {
-  const char* latin1;
-  const UChar* utf16;
-  int32_t units;
-  const char* utf8;
-  char* image;  // stored
-  unsigned long imageSize;
+/// Words in every form that a candidate takes. Each form has vectors and an arena of its own, so
+/// that a candidate reads nothing of the others', and its texts one after another.
+struct Words {
+  std::vector<const char*> latin1;
+  std::vector<const UChar*> utf16;
+  std::vector<int32_t> units;
+  std::vector<const char*> utf8;
+  std::vector<char*> images;  // stored
+  std::vector<unsigned long> imageSizes;
 };
 
 template <class Unit>
@@ -62,7 +62,7 @@ class Arena {
   std::deque<std::vector<Unit>> blocks_;
 };
 
-Word MakeWord(const std::string& latin1) {
+void Add(Words& words, const std::string& latin1) {
   static Arena<char> latin1Texts, utf8Texts, images;
   static Arena<char16_t> utf16Texts;
   const unsigned short n = static_cast<unsigned short>(latin1.size() + 4);
@@ -78,8 +78,12 @@ Word MakeWord(const std::string& latin1) {
       utf8 += {static_cast<char>(0xC0 | c >> 6), static_cast<char>(0x80 | (c & 0x3F))};
     }
   }
-  return {latin1Texts.Keep(latin1), utf16Texts.Keep(utf16), static_cast<int32_t>(utf16.size()),
-          utf8Texts.Keep(utf8),     images.Keep(image),     static_cast<unsigned long>(image.size())};
+  words.latin1.push_back(latin1Texts.Keep(latin1));
+  words.utf16.push_back(utf16Texts.Keep(utf16));
+  words.units.push_back(static_cast<int32_t>(utf16.size()));
+  words.utf8.push_back(utf8Texts.Keep(utf8));
+  words.images.push_back(images.Keep(image));
+  words.imageSizes.push_back(image.size());
 }
 
 int Compare(const std::string& a, const std::string& b) {
@@ -118,20 +122,18 @@ const std::vector<std::string>& French() {
   return words;
 }
 
-using Pairs = std::vector<std::pair<Word, Word>>;
+/// Pairs of words: those at 0 and 1, `step` and `step` + 1, and so on.
+struct Pairs {
+  Words words;
+  std::size_t step;
+};
 
 /// All of both lists.
 const Pairs& Neighbours() {
   static const Pairs pairs = [] {
-    Pairs made;
-    for (const auto* words : {&German(), &French()}) {
-      Word before = MakeWord(words->front());
-      for (std::size_t i = 1; i < words->size(); ++i) {
-        const Word word = MakeWord((*words)[i]);
-        made.emplace_back(before, word);
-        before = word;
-      }
-    }
+    Pairs made{{}, 1};
+    for (const auto* words : {&German(), &French()})
+      for (const std::string& word : *words) Add(made.words, word);
     return made;
   }();
   return pairs;
@@ -139,12 +141,10 @@ const Pairs& Neighbours() {
 
 const Pairs& RandomPairs() {
   static const Pairs pairs = [] {
-    Pairs made;
+    Pairs made{{}, 2};
     std::mt19937 random(1);
     for (const auto* words : {&German(), &French()})
-      for (std::size_t i = 0; i < kPairs / 2; ++i)
-        made.emplace_back(MakeWord((*words)[random() % words->size()]),
-                          MakeWord((*words)[random() % words->size()]));
+      for (std::size_t i = 0; i < kPairs; ++i) Add(made.words, (*words)[random() % words->size()]);
     return made;
   }();
   return pairs;
@@ -155,9 +155,9 @@ const Pairs& OneDifference() {
   static const Pairs pairs = [] {
     const std::string groups[] = {"a\xE0\xE1\xE2\xE4", "e\xE8\xE9\xEA\xEB", "i\xEC\xED\xEE\xEF",
                                   "o\xF2\xF3\xF4\xF6", "u\xF9\xFA\xFB\xFC"};
-    Pairs made;
+    Pairs made{{}, 2};
     std::mt19937 random(2);
-    while (made.size() < kPairs) {
+    while (made.words.latin1.size() < 2 * kPairs) {
       const auto& words = random() % 2 ? German() : French();
       const std::string& word = words[random() % words.size()];
       std::string other = word;
@@ -165,17 +165,19 @@ const Pairs& OneDifference() {
       for (const auto& group : groups)
         if (group.find(c) != std::string::npos) c = group[random() % group.size()];
       if (other == word && ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'))) c ^= 0x20;
-      if (other != word) made.emplace_back(MakeWord(word), MakeWord(other));
+      if (other == word) continue;
+      Add(made.words, word);
+      Add(made.words, other);
     }
     return made;
   }();
   return pairs;
 }
 
-const std::vector<Word>& GermanWords() {
-  static const std::vector<Word> words = [] {
-    std::vector<Word> made;
-    for (const auto& word : German()) made.push_back(MakeWord(word));
+const Words& GermanWords() {
+  static const Words words = [] {
+    Words made;
+    for (const auto& word : German()) Add(made, word);
     return made;
   }();
   return words;
@@ -199,17 +201,21 @@ UCollator* Collator(bool fourLevels) {
   return collator;
 }
 
-int IcuCompare(const UCollator* collator, const Word& a, const Word& b) {
-  return ucol_strcoll(collator, a.utf16, a.units, b.utf16, b.units);
-}
-
 // ---------------------------------------------------------------------------
 // Cases
 
-template <class Items, class Call>
-void Measure(benchmark::State& state, const Items& items, Call call) {
-  while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(items.size())))
-    for (const auto& item : items) benchmark::DoNotOptimize(call(item));
+template <class Call>
+void Measure(benchmark::State& state, const Pairs& pairs, Call call) {
+  const std::size_t size = pairs.words.latin1.size();
+  while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>((size + pairs.step - 2) / pairs.step)))
+    for (std::size_t i = 0; i + 1 < size; i += pairs.step)
+      benchmark::DoNotOptimize(call(pairs.words, i, i + 1));
+}
+template <class Call>
+void Measure(benchmark::State& state, const Words& words, Call call) {
+  const std::size_t size = words.latin1.size();
+  while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(size)))
+    for (std::size_t i = 0; i < size; ++i) benchmark::DoNotOptimize(call(words, i));
 }
 
 void RegisterPairs(const std::string& group, const Pairs& (*pairs)(), bool fourLevelsFirst) {
@@ -217,25 +223,27 @@ void RegisterPairs(const std::string& group, const Pairs& (*pairs)(), bool fourL
     benchmark::RegisterBenchmark((group + "/" + name).c_str(),
                                  [=](benchmark::State& state) { Measure(state, pairs(), call); });
   };
-  const UCollator* const plain = Collator(false);
-  const UCollator* const four = Collator(true);
-  const auto icu = [plain](const auto& p) { return IcuCompare(plain, p.first, p.second); };
-  const auto icu4 = [four](const auto& p) { return IcuCompare(four, p.first, p.second); };
-  if (fourLevelsFirst) add("IcuFourLevels", icu4);
-  add("Icu", icu);
-  if (!fourLevelsFirst) add("IcuFourLevels", icu4);
+  const auto icu = [](const UCollator* collator) {
+    return [collator](const Words& w, std::size_t a, std::size_t b) {
+      return ucol_strcoll(collator, w.utf16[a], w.units[a], w.utf16[b], w.units[b]);
+    };
+  };
+  if (fourLevelsFirst) add("IcuFourLevels", icu(Collator(true)));
+  add("Icu", icu(Collator(false)));
+  if (!fourLevelsFirst) add("IcuFourLevels", icu(Collator(true)));
   benchmark::RegisterBenchmark((group + "/strcoll").c_str(), [=](benchmark::State& state) {
     const Locale locale("ISO-8859-1");
-    Measure(state, pairs(), [](const auto& p) { return strcoll(p.first.latin1, p.second.latin1); });
+    Measure(state, pairs(),
+            [](const Words& w, std::size_t a, std::size_t b) { return strcoll(w.latin1[a], w.latin1[b]); });
   });
-  add("NxStrCmp", [](const auto& p) {
-    return NxStrCmp(kLatin1, kGerman, p.first.latin1, kLatin1, kGerman, p.second.latin1, 0, -1, 1, nullptr);
+  add("NxStrCmp", [](const Words& w, std::size_t a, std::size_t b) {
+    return NxStrCmp(kLatin1, kGerman, w.latin1[a], kLatin1, kGerman, w.latin1[b], 0, -1, 1, nullptr);
   });
   static NxTypeMgr manager(5);
-  add("Cmp", [all = &manager](const auto& p) {
+  add("Cmp", [all = &manager](const Words& w, std::size_t a, std::size_t b) {
     int error;
-    return all->Cmp(kStringTypeId, p.first.imageSize, p.first.image, p.second.imageSize, p.second.image, 0, 1,
-                    1, error);
+    return all->Cmp(kStringTypeId, w.imageSizes[a], w.images[a], w.imageSizes[b], w.images[b], 0, 1, 1,
+                    error);
   });
 }
 
@@ -246,17 +254,18 @@ void RegisterPattern(const std::string& group, const char* pattern) {
   };
   benchmark::RegisterBenchmark((group + "/fnmatchGerman").c_str(), [=](benchmark::State& state) {
     const Locale locale("UTF-8");
-    Measure(state, GermanWords(), [=](const Word& w) { return fnmatch(pattern, w.utf8, 0); });
+    Measure(state, GermanWords(),
+            [=](const Words& w, std::size_t i) { return fnmatch(pattern, w.utf8[i], 0); });
   });
-  add("fnmatchBytes", [=](const Word& w) { return fnmatch(pattern, w.latin1, 0); });
-  add("NxStrCmp", [=](const Word& w) {
-    return NxStrCmp(kLatin1, kGerman, w.latin1, kLatin1, kGerman, pattern, 0, -1, 1, nullptr);
+  add("fnmatchBytes", [=](const Words& w, std::size_t i) { return fnmatch(pattern, w.latin1[i], 0); });
+  add("NxStrCmp", [=](const Words& w, std::size_t i) {
+    return NxStrCmp(kLatin1, kGerman, w.latin1[i], kLatin1, kGerman, pattern, 0, -1, 1, nullptr);
   });
-  add("NxStrCmpNoCase", [=](const Word& w) {
-    return NxStrCmp(kLatin1, kGerman, w.latin1, kLatin1, kGerman, pattern, kIgnoreCase, -1, 1, nullptr);
+  add("NxStrCmpNoCase", [=](const Words& w, std::size_t i) {
+    return NxStrCmp(kLatin1, kGerman, w.latin1[i], kLatin1, kGerman, pattern, kIgnoreCase, -1, 1, nullptr);
   });
-  add("nxstrwild", [=](const Word& w) { return nxstrwild(pattern, w.latin1, 0); });
-  add("strwild", [=](const Word& w) { return strwild(pattern, w.latin1); });
+  add("nxstrwild", [=](const Words& w, std::size_t i) { return nxstrwild(pattern, w.latin1[i], 0); });
+  add("strwild", [=](const Words& w, std::size_t i) { return strwild(pattern, w.latin1[i]); });
 }
 
 unsigned HashBytes(const unsigned char* bytes, int32_t n) {
@@ -268,17 +277,17 @@ unsigned HashBytes(const unsigned char* bytes, int32_t n) {
 void RegisterHash() {
   benchmark::RegisterBenchmark("Hash/IcuSortKey", [](benchmark::State& state) {
     const UCollator* const collator = Collator(false);
-    Measure(state, GermanWords(), [=](const Word& w) {
+    Measure(state, GermanWords(), [=](const Words& w, std::size_t i) {
       unsigned char key[512];
-      const int32_t n = ucol_getSortKey(collator, w.utf16, w.units, key, sizeof key);
+      const int32_t n = ucol_getSortKey(collator, w.utf16[i], w.units[i], key, sizeof key);
       return HashBytes(key, std::min<int32_t>(n, sizeof key));
     });
   });
   benchmark::RegisterBenchmark("Hash/Hash", [](benchmark::State& state) {
     NxTypeMgr manager(5);
-    Measure(state, GermanWords(), [&](const Word& w) {
+    Measure(state, GermanWords(), [&](const Words& w, std::size_t i) {
       int error;
-      return manager.Hash(kStringTypeId, w.imageSize, w.image, 1, 1, error);
+      return manager.Hash(kStringTypeId, w.imageSizes[i], w.images[i], 1, 1, error);
     });
   });
 }
