@@ -54,6 +54,7 @@ void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
   entries[0] = {0, 0, 0, false};
   contracts = false;
   sortBytes[0] = {0, 0};
+  hashKeys[0] = kNeedsIterator;
   for (unsigned value = 1; value < 256; ++value) {
     const unsigned short text[2] = {static_cast<unsigned short>(value), 0};
     NxStringIterator it(reinterpret_cast<const char*>(text), codeSet, language, kFormatNative);
@@ -74,6 +75,7 @@ void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
     } else {
       entry.key |= kNotPlain;
     }
+    hashKeys[value] = entry.key & kNeedsIterator ? kNeedsIterator : entry.key & ~kNotPlain;
     sortBytes[value] = entry.key & kMarks ? SortBytes{0, 0} : NxSortBytesOf(order, selector);
   }
 }

@@ -62,6 +62,9 @@ class NxOrderTable {
   /// marks is that of their first order value; else null.
   const NxCharInfo* records[256];
 
+  /// What a hash takes in of a character; kNeedsIterator where the table cannot tell, and for 0.
+  unsigned hashKeys[256];
+
   /// What sort keys have of a plain digit or letter of the first selector. See nxtextkey.h.
   struct SortBytes {
     unsigned char letter;  // 0 for other characters

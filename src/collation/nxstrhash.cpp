@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "collation/nxordertable.h"
+#include "collation/nxplainhash.h"
 #include "nxstring.h"
 #include "ord2str.h"
 #include "strwild.h"
@@ -57,14 +58,12 @@ namespace {
 
 constexpr unsigned kNullHash = 0xFEFE7575;
 
-unsigned Mix(unsigned hash, unsigned value) { return hash * 9 + value; }
-
 /// The units of a text, masked, up to its zero.
 template <class Unit>
 unsigned HashUnits(const char* text, int mask) {
   unsigned hash = 0;
   for (; const Unit unit = NxUnitAt<Unit>(text); text += sizeof unit)
-    hash = Mix(hash, static_cast<unsigned>(unit & mask));
+    hash = NxMixHash(hash, static_cast<unsigned>(unit & mask));
   return hash;
 }
 
@@ -85,21 +84,21 @@ unsigned HashPlainBytes(const NxOrderTable& table, const char*& text) {
   for (;; ++text) {
     const unsigned key = table.EntryOf(*text).key;
     if (key == 0 || (key & NxOrderTable::kNeedsIterator)) return hash;
-    hash = Mix(hash, key & ~NxOrderTable::kNotPlain);
+    hash = NxMixHash(hash, key & ~NxOrderTable::kNotPlain);
   }
 }
 
 unsigned HashWholeText(unsigned char cs, unsigned char lang, const char* text, unsigned char byteOrder) {
   unsigned hash = 0;
   if (cs == kCodeSetNone) {
-    for (; *text; ++text) hash = Mix(hash, static_cast<unsigned char>(*text));
+    for (; *text; ++text) hash = NxMixHash(hash, static_cast<unsigned char>(*text));
     return hash;
   }
   const NxOrderTable* table = cs < NxOrderTable::kCodeSets ? NxOrderTable::FindBuilt(cs, lang) : nullptr;
   if (table) hash = HashPlainBytes(*table, text);
   if (table && *text == 0) return hash;
   NxOrderReader reader = ReaderOf(cs, lang, text, byteOrder);
-  while (reader.Next(1), reader.order != 0) hash = Mix(hash, reader.key);
+  while (reader.Next(1), reader.order != 0) hash = NxMixHash(hash, reader.key);
   return hash;
 }
 
@@ -112,13 +111,13 @@ unsigned long HashString(unsigned char cs, unsigned char lang, const char* text,
   if (len == -1) return HashWholeText(cs, lang, text, byteOrder);
   unsigned hash = 0;
   if (cs == kCodeSetNone) {
-    for (; len > 0 && *text; --len) hash = Mix(hash, static_cast<unsigned char>(*text++));
+    for (; len > 0 && *text; --len) hash = NxMixHash(hash, static_cast<unsigned char>(*text++));
   } else if (len > 0) {
     NxOrderReader reader = ReaderOf(cs, lang, text, byteOrder);
-    for (; len > 0 && (reader.Next(1), reader.order != 0); --len) hash = Mix(hash, reader.key);
+    for (; len > 0 && (reader.Next(1), reader.order != 0); --len) hash = NxMixHash(hash, reader.key);
   }
   // A text that ends before its stated length goes on with order values of 0.
-  for (; len > 0; --len) hash = Mix(hash, 0);
+  for (; len > 0; --len) hash = NxMixHash(hash, 0);
   return hash;
 }
 

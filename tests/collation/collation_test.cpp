@@ -5,10 +5,12 @@
 
 #include <random>
 
+#include "collation/nxordertable.h"
 #include "collation/nxstrcmp.h"
 #include "nxchar.h"
 #include "nxstritr.h"
 #include "nxtypcmp.h"
+#include "nxtyphash.h"
 #include "strwild.h"
 #include "support/block.h"
 #include "support/strings.h"
@@ -118,6 +120,33 @@ TEST(PlainWalk, LeavesWideCharactersAndByteOrdersToTheLevels) {
                            reinterpret_cast<const char*>(b.c_str()), 0, -1, 1, nullptr),
                   level);
       }
+}
+
+/// A stored text's hash from the reader of order values, which a length given takes.
+unsigned long HashByTheReader(const std::string& text, unsigned char codeSet, unsigned char language) {
+  short values = 0;
+  for (NxStringIterator it(text.c_str(), codeSet, language, 1); it.GetNextOrder(0) != 0;) ++values;
+  return HashString(codeSet, language, text.c_str(), values, 1) * 1103515245UL;
+}
+
+TEST(StringHash, OfAnyBytesIsTheReaders) {
+  std::mt19937 random(3);
+  for (const unsigned char codeSet : {1, 2, 3, 4})
+    for (const unsigned char language : {1, 2, 4, 8}) {
+      ASSERT_TRUE(NxOrderTable::Find(codeSet, language));
+      for (unsigned size = 0; size < 40; ++size)
+        for (int i = 0; i < 60; ++i) {
+          std::string text;
+          while (text.size() < size)
+            text += static_cast<char>(random() % 8 ? "abcdelnz"[random() % 8] : random() % 256);
+          const Block image = Exactly(StringImage(text, codeSet, language));
+          int error = 1;
+          EXPECT_EQ(StringHash(1, image.Size(), image.Data(), 1, error),
+                    HashByTheReader(text, codeSet, language))
+              << testing::PrintToString(text);
+          EXPECT_EQ(error, 0);
+        }
+    }
 }
 
 // ---------------------------------------------------------------------------

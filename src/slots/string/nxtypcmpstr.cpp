@@ -8,6 +8,7 @@
 #include "base/nxclosedcopy.h"
 #include "base/nxstored.h"
 #include "collation/nxplainbytes.h"
+#include "collation/nxplainhash.h"
 #include "collation/nxstrcmp.h"
 #include "collation/nxstrcmpkeys.h"
 #include "nxlang.h"
@@ -392,8 +393,22 @@ unsigned long StringHashCommon(unsigned char format, unsigned long len, void* va
   return hash * kHashMultiplier;
 }
 
-unsigned long StringHash(unsigned char format, unsigned long len, void* value, unsigned long count,
-                         int& error) {
+namespace {
+
+/// Hashes one whole image of a text that its table alone can tell. The format is the usual one.
+inline bool HashPlain(const char* image, unsigned long len, unsigned& hash) {
+  if (!IsWhole(image, len, kFormatNative)) return false;
+  const unsigned char codeSet = NxStoredString::CodeSetOf(image);
+  if (codeSet >= NxOrderTable::kCodeSets) return false;
+  const NxOrderTable* const table = NxOrderTable::FindBuilt(codeSet, NxStoredString::LanguageOf(image));
+  if (!table) return false;
+  const unsigned size = NxStoredString::LengthOf(image, kFormatNative) - NxStoredString::kEmptyLength;
+  return size != 0 && NxHashPlain(*table, NxStoredString::TextOf(image), size, hash);
+}
+
+/// StringHash of what HashPlain leaves over.
+[[gnu::noinline]] unsigned long HashOthers(unsigned char format, unsigned long len, void* value,
+                                           unsigned long count, int& error) {
   const char* const image = static_cast<const char*>(value);
   if (count == 1 && format != kFormatMemory && IsWhole(image, len, format) &&
       NxCharWidth(NxStoredString::CodeSetOf(image)) == 1) {
@@ -404,6 +419,18 @@ unsigned long StringHash(unsigned char format, unsigned long len, void* value, u
     return hash * kHashMultiplier;
   }
   return StringHashCommon(format, len, value, count, error, 0);
+}
+
+}  // namespace
+
+unsigned long StringHash(unsigned char format, unsigned long len, void* value, unsigned long count,
+                         int& error) {
+  unsigned hash;
+  if (format == kFormatNative && count == 1 && HashPlain(static_cast<const char*>(value), len, hash)) {
+    error = 0;
+    return hash * kHashMultiplier;
+  }
+  return HashOthers(format, len, value, count, error);
 }
 
 unsigned long StringOldHash(unsigned char format, unsigned long len, void* value, unsigned long count,
