@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 /// Marks what may read behind a text's end.
 #define NX_READS_BLOCKS __attribute__((no_sanitize("address", "thread")))
@@ -50,6 +51,13 @@ struct NxKnownEnds {
   }
 };
 
+/// A block of one byte, made without a look into memory.
+inline __m128i NxBlockOf(unsigned char byte) {
+  unsigned four = byte * 0x01010101U;
+  asm("" : "+r"(four));  // else it is a constant in memory, whose place has to be found first
+  return _mm_shuffle_epi32(_mm_cvtsi32_si128(static_cast<int>(four)), 0);
+}
+
 /// Eight to sixteen bytes, read as the first eight and the last eight of them.
 NX_READS_BLOCKS inline __m128i NxHalvesAt(const char* p, unsigned length) {
   const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p));
@@ -57,21 +65,31 @@ NX_READS_BLOCKS inline __m128i NxHalvesAt(const char* p, unsigned length) {
   return _mm_castpd_si128(_mm_loadh_pd(_mm_castsi128_pd(low), high));
 }
 
-/// A bit for each of the bytes at a and b that differ, are the end of both, or a usual
-/// wildcard in b.
-NX_READS_BLOCKS inline unsigned NxStopsAt(const char* a, const char* b, unsigned length) {
-  if (__builtin_expect(length < kHalfBlock, 0)) {
-    unsigned stops = 0;
-    for (unsigned i = length; i-- > 0;)
-      stops = stops << 1 | (a[i] != b[i] || a[i] == 0 || b[i] == '*' || b[i] == '?');
-    return stops;
-  }
-  const __m128i x = NxHalvesAt(a, length), y = NxHalvesAt(b, length);
+/// Four to eight bytes, read as the first four and the last four of them.
+inline __m128i NxQuartersAt(const char* p, unsigned length) {
+  int low, high;
+  std::memcpy(&low, p, sizeof low);
+  std::memcpy(&high, p + length - sizeof high, sizeof high);
+  return _mm_unpacklo_epi32(_mm_cvtsi32_si128(low), _mm_cvtsi32_si128(high));
+}
+
+/// A bit for each of the bytes of x and y that differ, are the end of both, or a usual wildcard
+/// in y.
+inline unsigned NxStopsOf(__m128i x, __m128i y) {
   const __m128i same = _mm_and_si128(x, _mm_cmpeq_epi8(x, y));
   const __m128i ends = _mm_cmpeq_epi8(same, _mm_setzero_si128());
   const __m128i wildcards =
-      _mm_or_si128(_mm_cmpeq_epi8(y, _mm_set1_epi8('*')), _mm_cmpeq_epi8(y, _mm_set1_epi8('?')));
-  const auto bits = static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(ends, wildcards)));
+      _mm_or_si128(_mm_cmpeq_epi8(y, NxBlockOf('*')), _mm_cmpeq_epi8(y, NxBlockOf('?')));
+  return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(ends, wildcards)));
+}
+
+/// NxStopsAt of less than half a block.
+[[gnu::regparm(3)]] unsigned NxStopsAtFew(const char* a, const char* b, unsigned length);
+
+/// The stops of the bytes at a and b, as NxStopsOf has them.
+NX_READS_BLOCKS inline unsigned NxStopsAt(const char* a, const char* b, unsigned length) {
+  if (__builtin_expect(length < kHalfBlock, 0)) return NxStopsAtFew(a, b, length);
+  const unsigned bits = NxStopsOf(NxHalvesAt(a, length), NxHalvesAt(b, length));
   return (bits & 0xFF) | bits >> kHalfBlock << (length - kHalfBlock);
 }
 

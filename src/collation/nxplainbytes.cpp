@@ -2,6 +2,18 @@
 
 #include "collation/nxplainbytes.h"
 
+unsigned NxStopsAtFew(const char* a, const char* b, unsigned length) {
+  constexpr unsigned kQuarter = kHalfBlock / 2;
+  if (length >= kQuarter) {
+    const unsigned bits = NxStopsOf(NxQuartersAt(a, length), NxQuartersAt(b, length));
+    return (bits & 0xF) | (bits >> kQuarter & 0xF) << (length - kQuarter);
+  }
+  unsigned stops = 0;
+  for (unsigned i = length; i-- > 0;)
+    stops = stops << 1 | (a[i] != b[i] || a[i] == 0 || b[i] == '*' || b[i] == '?');
+  return stops;
+}
+
 namespace {
 
 template <class Ends>

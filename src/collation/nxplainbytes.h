@@ -77,7 +77,10 @@ inline NxVerdict NxCompareAlike(const NxOrderTable& table, const char* a, const 
   const NxStops stops(NxFindStops(a, b, ends));
   const NxVerdict verdict = NxCompareBaseLetters(table, a, b, stops.First(), result);
   if (__builtin_expect(verdict != NxVerdict::kOpen, 1)) return verdict;
-  return NxCompareLesserLevels(table, a, b, ends, stops.Both(), op, result);
+  int lesser;  // of its own, so that `result` can be in a register
+  const NxVerdict last = NxCompareLesserLevels(table, a, b, ends, stops.Both(), op, lesser);
+  result = lesser;
+  return last;
 }
 
 #endif

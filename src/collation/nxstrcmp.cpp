@@ -97,7 +97,7 @@ bool CanWalk(const NxComparison& c, const NxTables& tables) {
 }
 
 /// Compares texts that are not for the road kPlainBytes.
-[[gnu::noinline]] int CompareUnlike(NxComparison c, bool general) {
+int CompareUnlike(NxComparison c, bool general) {
   NxRoad road = RoadWithoutTables(c);
   NxTables tables = {nullptr, nullptr};
   if (IsNull(c.first) && !c.first.text) c.first.text = zeroString;
@@ -121,10 +121,20 @@ bool CanWalk(const NxComparison& c, const NxTables& tables) {
   }
 }
 
+/// NxStrCmp of what the road kPlainBytes does not take.
+[[gnu::noinline]] int CompareOthers(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2,
+                                    unsigned char lang2, const char* s2, unsigned short op, short len,
+                                    unsigned char byteOrder, int* outPos) {
+  return CompareUnlike({{cs1, lang1, s1}, {cs2, lang2, s2}, op, len, byteOrder, outPos}, false);
+}
+
 }  // namespace
 
-int NxStrCmp(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2, unsigned char lang2,
-             const char* s2, unsigned short op, short len, unsigned char byteOrder, int* outPos) {
+[[gnu::optimize("no-optimize-sibling-calls")]] int NxStrCmp(unsigned char cs1, unsigned char lang1,
+                                                            const char* s1, unsigned char cs2,
+                                                            unsigned char lang2, const char* s2,
+                                                            unsigned short op, short len,
+                                                            unsigned char byteOrder, int* outPos) {
   if (len == kWholeText && s1 && s2) {
     if (const NxOrderTable* const table = NxTableOfBoth(cs1, lang1, cs2, lang2, op)) {
       NxNoteRoad(NxRoad::kPlainBytes);
@@ -133,7 +143,7 @@ int NxStrCmp(unsigned char cs1, unsigned char lang1, const char* s1, unsigned ch
       return NxWalkBytes(*table, cs1, lang1, s1, s2, op, byteOrder, outPos);
     }
   }
-  return CompareUnlike({{cs1, lang1, s1}, {cs2, lang2, s2}, op, len, byteOrder, outPos}, false);
+  return CompareOthers(cs1, lang1, s1, cs2, lang2, s2, op, len, byteOrder, outPos);
 }
 
 int NxStrCmpGeneral(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2,
