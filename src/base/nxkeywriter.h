@@ -12,11 +12,11 @@ class NxKeyWriter {
     if (length_ < room_) key_[length_] = static_cast<unsigned char>(byte ^ flip_);
     ++length_;
   }
-  /// Bytes that can be put at Place() by oneself; TakeUpTo then counts them in. None in a
+  /// Bytes that can be put at Place() by oneself; Take then counts them in. None in a
   /// descending key.
   unsigned long Room() const { return flip_ == 0 && length_ < room_ ? room_ - length_ : 0; }
   unsigned char* Place() const { return key_ + length_; }
-  void TakeUpTo(const unsigned char* end) { length_ = static_cast<unsigned long>(end - key_); }
+  void Take(unsigned long n) { length_ += n; }
   /// The low 16 bits, the high byte first.
   void Put16(unsigned value) {
     Put(value >> 8 & 0xFF);

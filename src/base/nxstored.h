@@ -48,6 +48,16 @@ struct NxStoredString {
   /// is read; with an n of 0 that is the second byte of the field.
   static bool EndsEarly(const void* image, unsigned long n) { return *At(image, kLengthSize + n - 1) == 0; }
 
+  /// Whether a buffer of `length` bytes, 0 for no limit, holds a whole image that ends as current
+  /// ones do, with 00 FF.
+  static bool IsWhole(const void* image, unsigned long length, unsigned char format) {
+    const unsigned long last = length - 1;  // without a limit: beyond every image
+    if (last < kLengthSize) return false;
+    const unsigned long n = LengthOf(image, format);
+    if (n < kEmptyLength || last <= n) return false;
+    return NxUnitAt<unsigned short>(At(image, n)) == kTrailer;
+  }
+
   static void PutHead(void* image, unsigned long n, unsigned char codeSet, unsigned char language,
                       unsigned char format) {
     auto* bytes = static_cast<unsigned char*>(image);

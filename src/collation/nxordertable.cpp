@@ -2,7 +2,7 @@
 
 #include "collation/nxordertable.h"
 
-#include "collation/nxtextkey.h"
+#include "collation/nxplainkey.h"
 #include "ord2str.h"
 #include "text/nxchartext.h"
 
@@ -53,7 +53,7 @@ void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
   NxString::GetQuestion();
   entries[0] = {0, 0, 0, false};
   contracts = false;
-  sortBytes[0] = {0, 0};
+  sortBytes[0] = 0;
   hashKeys[0] = kNeedsIterator;
   for (unsigned value = 1; value < 256; ++value) {
     const unsigned short text[2] = {static_cast<unsigned short>(value), 0};
@@ -76,7 +76,7 @@ void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
       entry.key |= kNotPlain;
     }
     hashKeys[value] = entry.key & kNeedsIterator ? kNeedsIterator : entry.key & ~kNotPlain;
-    sortBytes[value] = entry.key & kMarks ? SortBytes{0, 0} : NxSortBytesOf(order, selector);
+    sortBytes[value] = entry.key & kMarks ? 0 : NxSortBytesOf(order, selector);
   }
 }
 

@@ -65,12 +65,8 @@ class NxOrderTable {
   /// What a hash takes in of a character; kNeedsIterator where the table cannot tell, and for 0.
   unsigned hashKeys[256];
 
-  /// What sort keys have of a plain digit or letter of the first selector. See nxtextkey.h.
-  struct SortBytes {
-    unsigned char letter;  // 0 for other characters
-    unsigned char mark;    // accent and capital
-  };
-  SortBytes sortBytes[256];
+  /// What sort keys have of a plain digit or letter of the first selector. See nxplainkey.h.
+  unsigned short sortBytes[256];
 
   static constexpr unsigned kCodeSets = 8;  // 8-bit code sets that tables are kept for, a power of two
 

@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include "base/nxgrowlist.h"
+#include "collation/nxkeybytes.h"
 #include "collation/nxlevels.h"
 #include "collation/nxordertable.h"
+#include "collation/nxplainkey.h"
 #include "nxchar.h"
 #include "nxlang.h"
 #include "nxstring.h"
@@ -14,50 +16,7 @@
 
 namespace {
 
-// Bytes of a key. Do not change: indexes keep them.
-
-constexpr unsigned kNullKey = 0x00;  // the whole key of a null value
-
-// Behind the base letters, and behind the accents: what comes next.
-constexpr unsigned kLowCase = 0x01;     // case, first a letter lower than small
-constexpr unsigned kEnd = 0x02;         // nothing: the end of the key
-constexpr unsigned kIgnorables = 0x03;  // spaces and symbols
-constexpr unsigned kHighCase = 0x04;    // case, first a capital
-constexpr unsigned kAccents = 0x05;     // accents; behind the base letters only
-
-// Base letters. Each is of the selector that was named last, 1 in the beginning.
-constexpr unsigned kSelectorBelow = 0x06;  // and the selector
-constexpr unsigned kPlainBytes = 0x07;     // first byte of the key of a text without code set
-constexpr unsigned kFirstDigit = 0x08;     // two bytes for each value: plain, and with an expansion
-constexpr unsigned kFirstBase = 0x3C;      // letter and extension
-constexpr unsigned kOtherBase = 0xBC;      // and 16 bits
-constexpr unsigned kSelectorAbove = 0xBD;  // and the selector
-// In plain order (selectors from 20 on) a base letter is any 16 bits.
-constexpr unsigned kFirstPlain = 0x08;  // and the high byte; then the low byte
-constexpr unsigned kPlainInTwo = 0xB000;
-constexpr unsigned kHighPlain = 0xB8;  // and 16 bits
-
-// Distances between the entries of a level that is read from the right: the farther away the
-// next one, the lower the byte.
-constexpr unsigned kFarther = 0x06;
-constexpr unsigned long kDistances = 0xFF - kFarther;
-
-// Entries of case: the distance of a low one counts up, that of a high one down; between them
-// lies what follows the last entry.
-constexpr unsigned kFirstLow = 0x02;
-constexpr unsigned kLowFarther = 0x7F;
-constexpr unsigned kCaseEnd = 0x80;
-constexpr unsigned kCaseIgnorables = 0x81;
-constexpr unsigned kHighFarther = 0x82;
-constexpr unsigned long kCaseDistances = kLowFarther - kFirstLow;
-
-// Where spaces and symbols stand in a row: how often they end in the same one, and to which
-// side the one before those differs.
-constexpr unsigned kNoneBefore = 0x80;
-constexpr unsigned long kShortRow = 0x7D;
-
-constexpr unsigned char kHomeSelector = 1;
-constexpr unsigned kSmallCase = 1;  // of an order value; 0 is a capital, 2 and 3 are lower still
+using namespace NxKeyBytes;
 
 /// Writes base letters, naming the selector where it changes.
 class BaseLetterWriter {
@@ -238,85 +197,6 @@ void WritePlainBytes(const char* text, NxKeyWriter& key) {
   key.Put(kTextEnd);
 }
 
-/// The key of a short 8-bit text of plain letters and digits of the first selector, which
-/// most words are. It is what TextKey writes, put where it belongs.
-class PlainTextKey {
- public:
-  /// False, with the writer as it was, for another text or where the key might not fit.
-  static bool Write(const NxOrderTable& table, const char* text, NxKeyWriter& key) {
-    constexpr unsigned kAround = 4;  // three bytes between the levels, and a letter that is no longer read
-    const unsigned long room = key.Room();
-    if (room < kAround) return false;
-    PlainTextKey plain(table, text, key.Place());
-    if (!plain.ReadBaseLetters(std::min((room - kAround) / kBytesOfLetter, kLongest))) return false;
-    if (plain.marked_ == 0) {
-      *plain.end_++ = kEnd;
-    } else {
-      plain.WriteAccents();
-      plain.WriteCase();
-    }
-    key.TakeUpTo(plain.end_);
-    return true;
-  }
-
- private:
-  static constexpr unsigned long kBytesOfLetter = 4;  // itself, an accent of two bytes, case
-  static constexpr unsigned long kLongest = 100;      // no distance then needs more than its byte
-
-  PlainTextKey(const NxOrderTable& table, const char* text, unsigned char* key)
-      : sortBytes_(table.sortBytes), text_(text), end_(key) {}
-
-  bool ReadBaseLetters(unsigned long longest) {
-    const char* const text = text_;
-    const NxOrderTable::SortBytes* const sortBytes = sortBytes_;
-    unsigned char* const key = end_;
-    unsigned length = 0;
-    unsigned marked = 0;
-    for (;; ++length) {
-      const NxOrderTable::SortBytes sort = sortBytes[static_cast<unsigned char>(text[length])];
-      if (sort.letter == 0) break;
-      if (length == longest) return false;
-      key[length] = sort.letter;
-      places_[marked] = static_cast<unsigned char>(length);
-      marked += sort.mark != 0;
-    }
-    length_ = length;
-    marked_ = marked;
-    end_ = key + length;
-    return text[length] == 0;
-  }
-  unsigned MarkAt(unsigned place) const { return sortBytes_[static_cast<unsigned char>(text_[place])].mark; }
-
-  void WriteAccents() {
-    unsigned end = length_;
-    for (unsigned i = marked_; i-- > 0;) {
-      const unsigned accent = MarkAt(places_[i]) & kSortAccent;
-      if (accent == 0) continue;
-      if (end == length_) *end_++ = kAccents;
-      *end_++ = static_cast<unsigned char>(0xFF - (end - 1 - places_[i]));
-      *end_++ = static_cast<unsigned char>(accent);
-      end = places_[i];
-    }
-  }
-  void WriteCase() {
-    unsigned begin = 0;
-    for (unsigned i = 0; i < marked_; ++i) {
-      if (!(MarkAt(places_[i]) & kSortCapital)) continue;
-      if (begin == 0) *end_++ = kHighCase;
-      *end_++ = static_cast<unsigned char>(0xFF - (places_[i] - begin));
-      begin = places_[i] + 1U;
-    }
-    *end_++ = begin == 0 ? kEnd : kCaseEnd;
-  }
-
-  const NxOrderTable::SortBytes* const sortBytes_;
-  const char* const text_;
-  unsigned char* end_;
-  unsigned length_ = 0;
-  unsigned marked_ = 0;                 // letters with an accent, or capitals
-  unsigned char places_[kLongest + 1];  // of them
-};
-
 NxStringIterator Open(const NxKeyText& text) {
   return {text.text ? text.text : zeroString, text.codeSet, text.language, text.byteOrder};
 }
@@ -336,20 +216,8 @@ bool NxWriteTextKey(const NxKeyText& text, NxKeyWriter& key) {
   if (text.codeSet < NxOrderTable::kCodeSets &&
       !(table = NxOrderTable::FindBuilt(text.codeSet, text.language)))
     table = NxOrderTable::Find(text.codeSet, text.language);
-  if (table && text.text && PlainTextKey::Write(*table, text.text, key)) return true;
+  if (table && text.text && NxPutPlainKey(*table, text.text, key)) return true;
   return NxWriteTextKeyByLevels(text, key);
-}
-
-NxOrderTable::SortBytes NxSortBytesOf(unsigned short order, unsigned char selector) {
-  if (selector != kHomeSelector || order < kFirstDigitOrder || order >= kFirstHanOrder) return {0, 0};
-  if (order < kFirstLetterOrder) {
-    const unsigned digit = order - kFirstDigitOrder;
-    return {static_cast<unsigned char>(digit % 10 == 0 ? kFirstDigit + digit / 5 : 0), 0};
-  }
-  const unsigned letterCase = order >> 12 & 3;
-  if (letterCase > kSmallCase) return {0, 0};
-  return {static_cast<unsigned char>(kFirstBase + (order & 0x7F)),
-          static_cast<unsigned char>((order >> 7 & kSortAccent) | (letterCase == 0 ? kSortCapital : 0))};
 }
 
 bool NxWriteTextKeyByLevels(const NxKeyText& text, NxKeyWriter& key) {

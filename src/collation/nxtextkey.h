@@ -26,12 +26,6 @@ bool NxWriteTextKey(const NxKeyText& text, NxKeyWriter& key);
 /// set.
 bool NxWriteTextKeyByLevels(const NxKeyText& text, NxKeyWriter& key);
 
-/// What a key has of a character of one order value: the letter's byte, and in the mark the
-/// accent and kSortCapital. Both 0 for what takes more than that.
-NxOrderTable::SortBytes NxSortBytesOf(unsigned short order, unsigned char selector);
-inline constexpr unsigned char kSortAccent = 0x1F;
-inline constexpr unsigned char kSortCapital = 0x80;
-
 /// Writes the base letters that every text begins with that a term selects or is compared
 /// with: those of the term up to its first wildcard. Answers whether there is a wildcard.
 /// All keys with these base letters lie from what is written up to kAfterBaseLetters behind it.

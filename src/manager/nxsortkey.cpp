@@ -10,6 +10,7 @@
 #include "base/nxalloc.h"
 #include "base/nxkeywriter.h"
 #include "base/nxstored.h"
+#include "collation/nxplainkey.h"
 #include "collation/nxtextkey.h"
 #include "nxcistr.h"
 #include "nxistr.h"
@@ -233,6 +234,18 @@ class KeyText {
   char local_[512];
 };
 
+/// The key of a whole image of a text of plain letters, which most words are; 0 for others.
+unsigned long WritePlainKey(const void* image, unsigned long length, void* key, unsigned long room) {
+  if (!NxStoredString::IsWhole(image, length, kFormatNative)) return 0;
+  const unsigned char codeSet = NxStoredString::CodeSetOf(image);
+  if (codeSet >= NxOrderTable::kCodeSets) return 0;
+  const NxOrderTable* const table = NxOrderTable::FindBuilt(codeSet, NxStoredString::LanguageOf(image));
+  if (!table) return 0;
+  static_assert(kBeforePlainText <= NxStoredString::kHeadSize);
+  const unsigned size = NxStoredString::LengthOf(image, kFormatNative) - NxStoredString::kEmptyLength;
+  return NxWritePlainKey(*table, NxStoredString::TextOf(image), size, static_cast<unsigned char*>(key), room);
+}
+
 /// A text of an alphabetic string, with the form in which its bytes are.
 struct AlphaText {
   NxTextSpan span;
@@ -276,6 +289,9 @@ bool IsAlpha(char typeId) { return typeId == kIStringTypeId || typeId == kCaseIS
 
 unsigned long NxSortKey(char typeId, const void* value, unsigned char format, unsigned long length,
                         unsigned short options, void* key, unsigned long room) {
+  if (typeId == kStringTypeId && format == kFormatNative && !(options & kSortKeyDescending)) {
+    if (const unsigned long n = WritePlainKey(value, length, key, room)) return n;
+  }
   NxKeyWriter writer(key, room, (options & kSortKeyDescending) != 0);
   if (typeId == kStringTypeId) {
     KeyText text;

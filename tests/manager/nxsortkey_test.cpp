@@ -17,6 +17,7 @@
 #include "nxstring.h"
 #include "nxtypes.h"
 #include "strwild.h"
+#include "support/block.h"
 #include "support/strings.h"
 #include "support/terms.h"
 
@@ -87,6 +88,26 @@ TEST_F(Texts, LongRunsKeepTheirDistances) {
     b = a;
     if (!b.empty()) b[random() % b.size()] = hostile[random() % hostile.size()];
     Check(Make(a, 1, 4), Make(b, 1, 4));
+  }
+}
+
+TEST_F(Texts, PlainWordsHaveTheKeyThatTheLevelsGive) {
+  // Most are read eight letters at once, with what lies before a short one.
+  const std::string letters = "aeglnrstAZ09\xe4\xc5\xf1";
+  for (int round = 0; round < 20000; ++round) {
+    std::string text;
+    for (unsigned n = random() % 80; n > 0; --n)
+      text += random() % 400 == 0 ? hostile[random() % hostile.size()] : letters[random() % letters.size()];
+    const unsigned char language = random() % 2 ? 2 : 4;
+    const Block image = Exactly(StringImage(text, 1, language));
+    std::string levels(6 * text.size() + 8, '\0');
+    NxKeyWriter writer(levels.data(), levels.size());
+    ASSERT_TRUE(NxWriteTextKeyByLevels({1, language, text.c_str(), 1}, writer));
+    levels.resize(writer.Length());
+    Block key(random() % (levels.size() * 3));
+    ASSERT_EQ(NxSortKey(kStringTypeId, image.Data(), 1, image.Size(), 0, key.Data(), key.Size()),
+              levels.size());
+    ASSERT_EQ(Str(key, levels.size()), levels.substr(0, key.Size())) << text;
   }
 }
 

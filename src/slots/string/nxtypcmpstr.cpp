@@ -275,20 +275,13 @@ unsigned long StringComparison::LengthToWildcard(unsigned long position, bool on
 // One pair of whole texts: by far the most frequent call, which is to cost little more
 // than the comparison of the texts itself.
 
-/// Whether the buffer holds a whole image that ends as current ones do, with 00 FF.
-bool IsWhole(const char* image, unsigned long length, unsigned char format) {
-  const unsigned long last = length - 1;  // without a limit: beyond every image
-  if (last < kLengthSize) return false;
-  const unsigned n = NxStoredString::LengthOf(image, format);
-  if (n < NxStoredString::kEmptyLength || last <= n) return false;
-  return NxUnitAt<unsigned short>(image + n) == NxStoredString::kTrailer;
-}
-
 /// Compares two of them as far as plain texts go, of which most calls are: kDecided or kUnsuited.
 /// The format is the usual one.
 inline NxVerdict ComparePlain(const char* a, unsigned long length1, const char* b, unsigned long length2,
                               unsigned short options, int& result) {
-  if (!IsWhole(a, length1, kFormatNative) || !IsWhole(b, length2, kFormatNative)) return NxVerdict::kUnsuited;
+  if (!NxStoredString::IsWhole(a, length1, kFormatNative) ||
+      !NxStoredString::IsWhole(b, length2, kFormatNative))
+    return NxVerdict::kUnsuited;
   const NxOrderTable* const table =
       NxTableOfBoth(NxStoredString::CodeSetOf(a), NxStoredString::LanguageOf(a), NxStoredString::CodeSetOf(b),
                     NxStoredString::LanguageOf(b), options);
@@ -347,7 +340,8 @@ namespace {
     error = 0;
     return result;
   }
-  if (count == 1 && format != kFormatMemory && IsWhole(a, len1, format) && IsWhole(b, len2, format) &&
+  if (count == 1 && format != kFormatMemory && NxStoredString::IsWhole(a, len1, format) &&
+      NxStoredString::IsWhole(b, len2, format) &&
       CompareWhole(a, b, options, format, result, error) == NxVerdict::kDecided)
     return result;
   return StringCompareCommon(format, len1, value1, len2, value2, options, count, error, 0);
@@ -397,7 +391,7 @@ namespace {
 
 /// Hashes one whole image of a text that its table alone can tell. The format is the usual one.
 inline bool HashPlain(const char* image, unsigned long len, unsigned& hash) {
-  if (!IsWhole(image, len, kFormatNative)) return false;
+  if (!NxStoredString::IsWhole(image, len, kFormatNative)) return false;
   const unsigned char codeSet = NxStoredString::CodeSetOf(image);
   if (codeSet >= NxOrderTable::kCodeSets) return false;
   const NxOrderTable* const table = NxOrderTable::FindBuilt(codeSet, NxStoredString::LanguageOf(image));
@@ -410,7 +404,7 @@ inline bool HashPlain(const char* image, unsigned long len, unsigned& hash) {
 [[gnu::noinline]] unsigned long HashOthers(unsigned char format, unsigned long len, void* value,
                                            unsigned long count, int& error) {
   const char* const image = static_cast<const char*>(value);
-  if (count == 1 && format != kFormatMemory && IsWhole(image, len, format) &&
+  if (count == 1 && format != kFormatMemory && NxStoredString::IsWhole(image, len, format) &&
       NxCharWidth(NxStoredString::CodeSetOf(image)) == 1) {
     error = 0;
     const unsigned long hash =

@@ -1,0 +1,23 @@
+// The sort key of a short 8-bit text of plain letters and digits of the first selector, which
+// most words are. It is what NxWriteTextKeyByLevels writes, put where it belongs.
+#ifndef NXPLAINKEY_H
+#define NXPLAINKEY_H
+
+#include "base/nxkeywriter.h"
+#include "collation/nxordertable.h"
+
+/// What a key has of a character of one order value: the letter's byte, and above it the mark,
+/// which is its accent and whether it is a capital. 0 for what takes more than that.
+unsigned short NxSortBytesOf(unsigned short order, unsigned char selector);
+
+/// Writes the key of a text of `size` bytes, before which there are kBeforePlainText more that can
+/// be read, in `room` bytes. Answers the bytes of the key; 0, whatever has been written into the
+/// room, for another text or where the key might not fit.
+unsigned NxWritePlainKey(const NxOrderTable& table, const char* text, unsigned size, unsigned char* key,
+                         unsigned long room);
+inline constexpr unsigned kBeforePlainText = 4;
+
+/// The same of a text up to its zero character, put into a writer; false for 0.
+bool NxPutPlainKey(const NxOrderTable& table, const char* text, NxKeyWriter& key);
+
+#endif
