@@ -8,15 +8,14 @@
 #include "collation/nxlevels.h"
 #include "collation/nxordertable.h"
 
-/// The table of two texts that this road serves; null when they are others. Their limit
-/// is not asked about: this road compares whole texts.
-inline const NxOrderTable* NxTableOfBoth(unsigned char codeSet0, unsigned char language0,
-                                         unsigned char codeSet1, unsigned char language1, unsigned short op) {
-  constexpr unsigned kWithoutTable = 0xFF & ~(NxOrderTable::kCodeSets - 1);
-  const unsigned unlike =
-      (codeSet0 ^ codeSet1) | (language0 ^ language1) | (codeSet0 & kWithoutTable) | (op & kOrderValuesOnly);
-  if (unlike != 0) return nullptr;
-  const NxOrderTable* const table = NxOrderTable::FindBuilt(codeSet0, language0);
+/// The table of two texts that this road serves, from the code set and language of one; null when
+/// they are others, or `differing`, the bits in which those of the other text differ, is not 0. The
+/// texts' limit is not asked about: this road compares whole texts.
+inline const NxOrderTable* NxTableOfBoth(unsigned char codeSet, unsigned char language, int differing,
+                                         unsigned short op) {
+  constexpr unsigned char kWithoutTable = 0xFF & ~(NxOrderTable::kCodeSets - 1);
+  if ((differing | (codeSet & kWithoutTable) | (op & kOrderValuesOnly)) != 0) return nullptr;
+  const NxOrderTable* const table = NxOrderTable::FindBuilt(codeSet, language);
   return table && table->WildcardsAreUsual() ? table : nullptr;
 }
 

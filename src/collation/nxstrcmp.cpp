@@ -130,13 +130,10 @@ int CompareUnlike(NxComparison c, bool general) {
 
 }  // namespace
 
-[[gnu::optimize("no-optimize-sibling-calls")]] int NxStrCmp(unsigned char cs1, unsigned char lang1,
-                                                            const char* s1, unsigned char cs2,
-                                                            unsigned char lang2, const char* s2,
-                                                            unsigned short op, short len,
-                                                            unsigned char byteOrder, int* outPos) {
+int NxStrCmp(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2, unsigned char lang2,
+             const char* s2, unsigned short op, short len, unsigned char byteOrder, int* outPos) {
   if (len == kWholeText && s1 && s2) {
-    if (const NxOrderTable* const table = NxTableOfBoth(cs1, lang1, cs2, lang2, op)) {
+    if (const NxOrderTable* const table = NxTableOfBoth(cs1, lang1, (cs1 ^ cs2) | (lang1 ^ lang2), op)) {
       NxNoteRoad(NxRoad::kPlainBytes);
       int result;
       if (NxCompareAlike(*table, s1, s2, NxZeroEnds(), op, result) == NxVerdict::kDecided) return result;

@@ -283,8 +283,8 @@ inline NxVerdict ComparePlain(const char* a, unsigned long length1, const char* 
       !NxStoredString::IsWhole(b, length2, kFormatNative))
     return NxVerdict::kUnsuited;
   const NxOrderTable* const table =
-      NxTableOfBoth(NxStoredString::CodeSetOf(a), NxStoredString::LanguageOf(a), NxStoredString::CodeSetOf(b),
-                    NxStoredString::LanguageOf(b), options);
+      NxTableOfBoth(NxStoredString::CodeSetOf(a), NxStoredString::LanguageOf(a),
+                    NxStoredString::KindOf(a) ^ NxStoredString::KindOf(b), options);
   if (!table) return NxVerdict::kUnsuited;
   const unsigned bytes =
       std::min(NxStoredString::LengthOf(a, kFormatNative), NxStoredString::LengthOf(b, kFormatNative));
