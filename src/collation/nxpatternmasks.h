@@ -85,6 +85,7 @@ class NxPatternMasks {
       if (toEnd) difference_ = NxEndBefore(entry.key, *part == '?');
       if (n == room) return NxMatch::kDiffers;
       begins &= (*part == '?' ? places_.Inside() : places_.Of(*part)) >> n;
+      if (n > 0 && begins == 0) return NxMatch::kDiffers;  // as most texts do by two letters
     }
     if (begins == 0) return NxMatch::kDiffers;
     from = static_cast<unsigned>(__builtin_ctz(begins)) + n;
