@@ -66,7 +66,7 @@ NX_READS_BLOCKS inline __m128i NxHalvesAt(const char* p, unsigned length) {
 }
 
 /// Four to eight bytes, read as the first four and the last four of them.
-inline __m128i NxQuartersAt(const char* p, unsigned length) {
+NX_READS_BLOCKS inline __m128i NxQuartersAt(const char* p, unsigned length) {
   int low, high;
   std::memcpy(&low, p, sizeof low);
   std::memcpy(&high, p + length - sizeof high, sizeof high);

@@ -2,7 +2,7 @@
 
 #include "collation/nxplainbytes.h"
 
-unsigned NxStopsAtFew(const char* a, const char* b, unsigned length) {
+NX_READS_BLOCKS unsigned NxStopsAtFew(const char* a, const char* b, unsigned length) {
   constexpr unsigned kQuarter = kHalfBlock / 2;
   if (length >= kQuarter) {
     const unsigned bits = NxStopsOf(NxQuartersAt(a, length), NxQuartersAt(b, length));
