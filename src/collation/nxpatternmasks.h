@@ -19,26 +19,29 @@ class NxBytePlaces {
     const auto* const block = reinterpret_cast<const __m128i*>(text - before_);
     first_ = _mm_load_si128(block);
     const unsigned zeros = Bits(_mm_cmpeq_epi8(first_, _mm_setzero_si128())) >> before_;
-    second_ = _mm_load_si128(zeros != 0 ? block : block + 1);
-    const unsigned ends = zeros | Bits(_mm_cmpeq_epi8(second_, _mm_setzero_si128()))
-                                      << (kBlockBytes - before_);
+    // Where the text ends in the first block that one again, without a branch.
+    second_ = _mm_load_si128(block + static_cast<int>(zeros == 0));
+    const unsigned ends =
+        Joined(_mm_cmpeq_epi8(first_, _mm_setzero_si128()), _mm_cmpeq_epi8(second_, _mm_setzero_si128()));
     inside_ = (ends & -ends) - 1;
     return ends != 0;
   }
   /// A bit for each byte of the text.
   unsigned Inside() const { return inside_; }
   unsigned Length() const { return static_cast<unsigned>(__builtin_ctz(~inside_)); }
-  unsigned Of(char c) const {
-    const __m128i wanted = _mm_set1_epi8(c);
-    return Joined(_mm_cmpeq_epi8(first_, wanted), _mm_cmpeq_epi8(second_, wanted));
+  /// Those that a literal of a pattern stands for.
+  unsigned Of(char literal) const {
+    if (literal == '?') return inside_;
+    const __m128i wanted = NxBlockOf(static_cast<unsigned char>(literal));
+    return Joined(_mm_cmpeq_epi8(first_, wanted), _mm_cmpeq_epi8(second_, wanted)) & inside_;
   }
   /// Those above ASCII.
-  unsigned High() const { return Joined(first_, second_); }
+  unsigned High() const { return Joined(first_, second_) & inside_; }
 
  private:
   static unsigned Bits(__m128i bytes) { return static_cast<unsigned>(_mm_movemask_epi8(bytes)); }
   unsigned Joined(__m128i first, __m128i second) const {
-    return (Bits(first) >> before_ | Bits(second) << (kBlockBytes - before_)) & inside_;
+    return (Bits(first) | Bits(second) << kBlockBytes) >> before_;
   }
 
   __m128i first_, second_;
@@ -67,25 +70,28 @@ class NxPatternMasks {
     }
   }
 
-  int Difference() const { return difference_; }
+  /// Of a text that differs.
+  int Difference() const { return NxEndBefore(table_.EntryOf(*ending_).key, *ending_ == '?'); }
 
  private:
   /// Takes `part` and `from` behind a part and where it first occurs from there on.
   NxMatch FindPart(const char*& part, unsigned& from) {
-    const unsigned room = places_.Length() - from;
-    unsigned begins = places_.Inside() >> from << from;  // from where the part matches so far
-    unsigned n = 0;
-    for (; *part != '*'; ++n, ++part) {
-      const NxOrderTable::Entry& entry = table_.EntryOf(*part);
-      if (entry.key & NxOrderTable::kNeedsIterator) return NxMatch::kUnsuited;
+    if (table_.EntryOf(*part).key & NxOrderTable::kNeedsIterator) return NxMatch::kUnsuited;
+    ending_ = part;
+    const unsigned length = places_.Length();
+    if (from == length) return NxMatch::kDiffers;
+    unsigned begins = places_.Of(*part) >> from << from;  // from where the part matches so far
+    unsigned n = 1;
+    while (*++part != '*') {
+      const unsigned key = table_.EntryOf(*part).key;
+      if (key & NxOrderTable::kNeedsIterator) return NxMatch::kUnsuited;
       // The text may end behind what the part begins with. The earliest place where it does
       // is the last one found.
-      const bool toEnd = n == 0 || (begins >> (places_.Length() - n) & 1) != 0;
-      if (entry.key == 0) return toEnd ? NxMatch::kMatches : NxMatch::kDiffers;
-      if (toEnd) difference_ = NxEndBefore(entry.key, *part == '?');
-      if (n == room) return NxMatch::kDiffers;
-      begins &= (*part == '?' ? places_.Inside() : places_.Of(*part)) >> n;
-      if (n > 0 && begins == 0) return NxMatch::kDiffers;  // as most texts do by two letters
+      const bool toEnd = (begins >> (length - n) & 1) != 0;
+      if (key == 0) return toEnd ? NxMatch::kMatches : NxMatch::kDiffers;
+      if (toEnd) ending_ = part;
+      begins &= places_.Of(*part) >> n++;
+      if (begins == 0) return NxMatch::kDiffers;  // as most texts do by two letters
     }
     if (begins == 0) return NxMatch::kDiffers;
     from = static_cast<unsigned>(__builtin_ctz(begins)) + n;
@@ -94,14 +100,15 @@ class NxPatternMasks {
 
   const NxOrderTable& table_;
   NxBytePlaces places_;
-  int difference_ = 0;
+  const char* ending_ = nullptr;  // where the pattern stands when the text ends
 };
 
-[[gnu::noinline]] inline NxMatch NxMatchByMasks(const NxOrderTable& table, const char* text,
-                                                const char* pattern, int& difference) {
+/// NxPatternMasks::Run with its difference.
+[[gnu::noinline, gnu::regparm(3)]] inline NxMatch NxMatchByMasks(const NxOrderTable& table, const char* text,
+                                                                 const char* pattern, int& difference) {
   NxPatternMasks masks(table);
   const NxMatch match = masks.Run(text, pattern);
-  difference = masks.Difference();
+  if (match == NxMatch::kDiffers) difference = masks.Difference();
   return match;
 }
 
