@@ -52,7 +52,7 @@ struct NxStoredString {
   /// ones do, with 00 FF.
   static bool IsWhole(const void* image, unsigned long length, unsigned char format) {
     const unsigned long last = length - 1;  // without a limit: beyond every image
-    if (last < kLengthSize) return false;
+    if (last < kEmptySize - 1) return false;
     const unsigned long n = LengthOf(image, format);
     if (n < kEmptyLength || last <= n) return false;
     return NxUnitAt<unsigned short>(At(image, n)) == kTrailer;

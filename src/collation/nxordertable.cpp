@@ -48,7 +48,9 @@ const NxOrderTable* NxOrderTable::Find(unsigned char codeSet, unsigned char lang
   return &table;
 }
 
-void NxOrderTable::Build(unsigned char codeSet, unsigned char language) {
+void NxOrderTable::Build(unsigned char ofCodeSet, unsigned char ofLanguage) {
+  codeSet = ofCodeSet;
+  language = ofLanguage;
   NxString::GetAsterisk();  // from now on they are known
   NxString::GetQuestion();
   entries[0] = {0, 0, 0, false};

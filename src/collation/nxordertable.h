@@ -57,6 +57,7 @@ class NxOrderTable {
 
   /// Whether any character may, or one of ASCII needs the iterator.
   bool contracts;
+  unsigned char codeSet, language;
   Entry entries[256];
   /// The records of the characters that are marked kNeedsIterator and whose key without
   /// marks is that of their first order value; else null.
@@ -74,7 +75,7 @@ class NxOrderTable {
   static constexpr unsigned kRows = kCodeSets + 1;  // the last is Unicode
   static constexpr unsigned kLanguages = 16;        // that tables are kept for
 
-  void Build(unsigned char codeSet, unsigned char language);
+  void Build(unsigned char ofCodeSet, unsigned char ofLanguage);
 
   static NxOrderTable tables_[kLanguages][kRows];
   static std::atomic<bool> taken_[kLanguages][kRows];  // being built, or built

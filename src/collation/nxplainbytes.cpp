@@ -25,49 +25,31 @@ template <class Ends>
 }
 
 template <class Ends>
-NX_READS_BLOCKS inline unsigned long long FindStops(const char* a, const char* b, Ends ends) {
-  if (const unsigned bits = NxStopsAt(a, b, ends.Ahead(a, b))) return NxStops(0, bits).Both();
-  return FindStopsFrom(a, b, ends, kBlockBytes);
-}
-
-template <class Ends>
-inline NxVerdict CompareLesserLevels(const NxOrderTable& table, const char* a, const char* b, Ends ends,
-                                     unsigned long long stops, unsigned short op, int& result) {
+inline int CompareFrom(const NxOrderTable& table, const char* a, const char* b, Ends ends, unsigned stops,
+                       unsigned short op) {
   NxLevels levels;
-  unsigned begin = NxStops(stops).Begin();
-  for (unsigned bits = NxStops(stops).Bits();;) {
-    for (; bits != 0; bits &= bits - 1) {
-      const unsigned i = begin + static_cast<unsigned>(__builtin_ctz(bits));
-      const unsigned key0 = table.EntryOf(a[i]).key;
-      const unsigned key1 = table.EntryOf(b[i]).key;
-      if (((key0 | key1) & NxOrderTable::kNotPlain) || NxMayContract(table, a, i))
-        return NxVerdict::kUnsuited;
-      result = NxLevels::OfBaseLetters(key0, key1);
-      if (result == 0 && key0 == 0) result = levels.OfLetters(op);  // both texts end
-      if (result != 0 || key0 == 0) return NxVerdict::kDecided;
-      levels.TakePair(key0, key1);
+  for (unsigned begin = 0;;) {
+    for (; stops != 0; stops &= stops - 1) {
+      const unsigned i = begin + static_cast<unsigned>(__builtin_ctz(stops));
+      if (const int result = NxCompareBaseLetters(table, a, b, i)) return result;
+      if (a[i] == 0) return levels.OfLetters(op);  // both texts end
+      levels.TakePair(table.EntryOf(a[i]).key, table.EntryOf(b[i]).key);
     }
     const NxStops next(FindStopsFrom(a, b, ends, begin + kBlockBytes));
     begin = next.Begin();
-    bits = next.Bits();
+    stops = next.Bits();
   }
 }
 
 }  // namespace
 
-[[gnu::noinline]] NX_READS_BLOCKS unsigned long long NxFindStops(const char* a, const char* b,
-                                                                 NxZeroEnds ends) {
-  return FindStops(a, b, ends);
-}
-[[gnu::noinline]] unsigned long long NxFindStops(const char* a, const char* b, NxKnownEnds ends) {
-  return FindStops(a, b, ends);
-}
+unsigned long long NxFindStops(const char* a, const char* b) { return FindStopsFrom(a, b, NxZeroEnds(), 0); }
 
-NxVerdict NxCompareLesserLevels(const NxOrderTable& table, const char* a, const char* b, NxZeroEnds ends,
-                                unsigned long long stops, unsigned short op, int& result) {
-  return CompareLesserLevels(table, a, b, ends, stops, op, result);
+[[gnu::noinline]] int NxCompareFrom(const NxOrderTable& table, const char* a, const char* b, NxZeroEnds ends,
+                                    unsigned stops, unsigned short op) {
+  return CompareFrom(table, a, b, ends, stops, op);
 }
-NxVerdict NxCompareLesserLevels(const NxOrderTable& table, const char* a, const char* b, NxKnownEnds ends,
-                                unsigned long long stops, unsigned short op, int& result) {
-  return CompareLesserLevels(table, a, b, ends, stops, op, result);
+[[gnu::noinline]] int NxCompareFrom(const NxOrderTable& table, const char* a, const char* b, NxKnownEnds ends,
+                                    unsigned stops, unsigned short op) {
+  return CompareFrom(table, a, b, ends, stops, op);
 }

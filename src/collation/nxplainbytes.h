@@ -4,17 +4,16 @@
 #ifndef NXPLAINBYTES_H
 #define NXPLAINBYTES_H
 
+#include <climits>
+
 #include "collation/nxblocks.h"
 #include "collation/nxlevels.h"
 #include "collation/nxordertable.h"
 
-/// The table of two texts that this road serves, from the code set and language of one; null when
-/// they are others, or `differing`, the bits in which those of the other text differ, is not 0. The
-/// texts' limit is not asked about: this road compares whole texts.
-inline const NxOrderTable* NxTableOfBoth(unsigned char codeSet, unsigned char language, int differing,
-                                         unsigned short op) {
-  constexpr unsigned char kWithoutTable = 0xFF & ~(NxOrderTable::kCodeSets - 1);
-  if ((differing | (codeSet & kWithoutTable) | (op & kOrderValuesOnly)) != 0) return nullptr;
+/// The table of two texts of one code set and language that this road serves; null when they are
+/// others. The texts' limit is not asked about: this road compares whole texts.
+inline const NxOrderTable* NxTableOfBoth(unsigned char codeSet, unsigned char language, unsigned short op) {
+  if (codeSet >= NxOrderTable::kCodeSets || (op & kOrderValuesOnly)) return nullptr;
   const NxOrderTable* const table = NxOrderTable::FindBuilt(codeSet, language);
   return table && table->WildcardsAreUsual() ? table : nullptr;
 }
@@ -36,50 +35,43 @@ class NxStops {
 };
 
 /// The first stops of two texts, as NxStops::Both.
-[[gnu::regparm(3)]] unsigned long long NxFindStops(const char* a, const char* b, NxZeroEnds ends);
-[[gnu::regparm(3)]] unsigned long long NxFindStops(const char* a, const char* b, NxKnownEnds ends);
+[[gnu::regparm(3)]] unsigned long long NxFindStops(const char* a, const char* b);
 
-/// What may stand before the pair at i that is not read alike on both sides.
-inline bool NxMayContract(const NxOrderTable& table, const char* a, unsigned i) {
-  return table.contracts && i > 0 && table.Contracts(a[i - 1]);
-}
+/// What a comparison answers that has no result. No difference of two keys is that great.
+inline constexpr int kNoResult = INT_MIN;
 
-/// Compares up to the first pair that differs. kOpen when it differs in accent or case alone.
-inline NxVerdict NxCompareBaseLetters(const NxOrderTable& table, const char* a, const char* b, unsigned i,
-                                      int& result) {
+/// The difference of the base letters at i. kNoResult where they are no digits or letters with one
+/// order value each.
+inline int NxCompareBaseLetters(const NxOrderTable& table, const char* a, const char* b, unsigned i) {
   const unsigned key0 = table.EntryOf(a[i]).key;
   const unsigned key1 = table.EntryOf(b[i]).key;
-  if (((key0 | key1) & NxOrderTable::kNotPlain) || NxMayContract(table, a, i)) return NxVerdict::kUnsuited;
-  result = NxLevels::OfBaseLetters(key0, key1);
-  if (__builtin_expect(result != 0, 1) || key0 == 0) return NxVerdict::kDecided;
-  return NxVerdict::kOpen;
+  if ((key0 | key1) & NxOrderTable::kNotPlain) return kNoResult;
+  // What stands before the pair may make a character with one side of it.
+  if (table.contracts && i > 0 && table.Contracts(a[i - 1])) return kNoResult;
+  return NxLevels::OfBaseLetters(key0, key1);
 }
 
-/// Goes on from there to the end of the texts. kDecided or kUnsuited.
-NxVerdict NxCompareLesserLevels(const NxOrderTable& table, const char* a, const char* b, NxZeroEnds ends,
-                                unsigned long long stops, unsigned short op, int& result);
-NxVerdict NxCompareLesserLevels(const NxOrderTable& table, const char* a, const char* b, NxKnownEnds ends,
-                                unsigned long long stops, unsigned short op, int& result);
+/// Compares two texts of the table by all levels, given the stops of their first block.
+[[gnu::regparm(3)]] int NxCompareFrom(const NxOrderTable& table, const char* a, const char* b,
+                                      NxZeroEnds ends, unsigned stops, unsigned short op);
+[[gnu::regparm(3)]] int NxCompareFrom(const NxOrderTable& table, const char* a, const char* b,
+                                      NxKnownEnds ends, unsigned stops, unsigned short op);
+
+/// Compares two whole texts whose NxTableOfBoth is the table. kNoResult where this road ends.
+template <class Ends>
+NX_READS_BLOCKS inline int NxCompareAlike(const NxOrderTable& table, const char* a, const char* b, Ends ends,
+                                          unsigned short op) {
+  if (a[0] != b[0])  // as in most steps of a search
+    if (const int result = NxCompareBaseLetters(table, a, b, 0)) return result;
+  const unsigned stops = NxStopsAt(a, b, ends.Ahead(a, b));
+  if (stops != 0)
+    if (const int result = NxCompareBaseLetters(table, a, b, static_cast<unsigned>(__builtin_ctz(stops))))
+      return result;
+  return NxCompareFrom(table, a, b, ends, stops, op);
+}
 
 /// The walk over two such texts, when NxCompareAlike does not decide.
-int NxWalkBytes(const NxOrderTable& table, unsigned char codeSet, unsigned char language, const char* a,
-                const char* b, unsigned short op, unsigned char byteOrder, int* outPos);
-
-/// Compares two whole texts whose NxTableOfBoth is the table. kDecided or kUnsuited.
-template <class Ends>
-inline NxVerdict NxCompareAlike(const NxOrderTable& table, const char* a, const char* b, Ends ends,
-                                unsigned short op, int& result) {
-  if (a[0] != b[0]) {  // as in most steps of a search
-    const NxVerdict verdict = NxCompareBaseLetters(table, a, b, 0, result);
-    if (__builtin_expect(verdict != NxVerdict::kOpen, 1)) return verdict;
-  }
-  const NxStops stops(NxFindStops(a, b, ends));
-  const NxVerdict verdict = NxCompareBaseLetters(table, a, b, stops.First(), result);
-  if (__builtin_expect(verdict != NxVerdict::kOpen, 1)) return verdict;
-  int lesser;  // of its own, so that `result` can be in a register
-  const NxVerdict last = NxCompareLesserLevels(table, a, b, ends, stops.Both(), op, lesser);
-  result = lesser;
-  return last;
-}
+[[gnu::regparm(3)]] int NxWalkBytes(const NxOrderTable& table, const char* a, const char* b,
+                                    unsigned short op, int* outPos);
 
 #endif

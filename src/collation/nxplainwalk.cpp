@@ -60,20 +60,34 @@ int NxCompareByWalk(const NxComparison& c, const NxTables& tables) {
                                            : WalkAndCompare<unsigned short>(c, tables, 0);
 }
 
-int NxWalkBytes(const NxOrderTable& table, unsigned char codeSet, unsigned char language, const char* a,
-                const char* b, unsigned short op, unsigned char byteOrder, int* outPos) {
-  unsigned same = a[0] == b[0] ? NxStops(NxFindStops(a, b, NxZeroEnds())).First() : 0;
+namespace {
+
+/// NxWalkBytes from the character on up to which the texts are the same.
+[[gnu::noinline]] int WalkFrom(const NxOrderTable& table, const char* a, const char* b, unsigned same,
+                               unsigned short op, int* outPos) {
+  // Spaces and symbols are compared as a row, a contraction as a whole.
+  while (same > 0 && !table.EntryOf(a[same - 1]).equalsItself) --same;
+  const NxComparison c = {{table.codeSet, table.language, a},
+                          {table.codeSet, table.language, b},
+                          op,
+                          kWholeText,
+                          kFormatNative,
+                          outPos};
+  return WalkAndCompare<unsigned char>(c, {&table, &table}, same);
+}
+
+}  // namespace
+
+int NxWalkBytes(const NxOrderTable& table, const char* a, const char* b, unsigned short op, int* outPos) {
+  const unsigned same = a[0] == b[0] ? NxStops(NxFindStops(a, b)).First() : 0;
 #ifdef NX_BLOCK_READS
   constexpr unsigned short kOthers =
       kWildcardsOff | kIgnoreCase | kIgnoreAccents | kSkipSpaces | kSkipSymbols;
   if (b[same] == '*' && !(op & kOthers)) {
-    int difference;
+    int difference = 0;
     const NxMatch match = NxMatchByMasks(table, a + same, b + same, difference);
-    if (match != NxMatch::kUnsuited) return match == NxMatch::kMatches ? 0 : difference;
+    if (match != NxMatch::kUnsuited) return difference;
   }
 #endif
-  // Spaces and symbols are compared as a row, a contraction as a whole.
-  while (same > 0 && !table.EntryOf(a[same - 1]).equalsItself) --same;
-  const NxComparison c = {{codeSet, language, a}, {codeSet, language, b}, op, kWholeText, byteOrder, outPos};
-  return WalkAndCompare<unsigned char>(c, {&table, &table}, same);
+  return WalkFrom(table, a, b, same, op, outPos);
 }

@@ -132,15 +132,14 @@ int CompareUnlike(NxComparison c, bool general) {
 
 int NxStrCmp(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2, unsigned char lang2,
              const char* s2, unsigned short op, short len, unsigned char byteOrder, int* outPos) {
-  if (len == kWholeText && s1 && s2) {
-    if (const NxOrderTable* const table = NxTableOfBoth(cs1, lang1, (cs1 ^ cs2) | (lang1 ^ lang2), op)) {
-      NxNoteRoad(NxRoad::kPlainBytes);
-      int result;
-      if (NxCompareAlike(*table, s1, s2, NxZeroEnds(), op, result) == NxVerdict::kDecided) return result;
-      return NxWalkBytes(*table, cs1, lang1, s1, s2, op, byteOrder, outPos);
-    }
-  }
-  return CompareOthers(cs1, lang1, s1, cs2, lang2, s2, op, len, byteOrder, outPos);
+  if (len != kWholeText || !s1 || !s2)
+    return CompareOthers(cs1, lang1, s1, cs2, lang2, s2, op, len, byteOrder, outPos);
+  const NxOrderTable* const table = cs1 == cs2 && lang1 == lang2 ? NxTableOfBoth(cs1, lang1, op) : nullptr;
+  if (!table) return CompareOthers(cs1, lang1, s1, cs2, lang2, s2, op, kWholeText, byteOrder, outPos);
+  NxNoteRoad(NxRoad::kPlainBytes);
+  const int result = NxCompareAlike(*table, s1, s2, NxZeroEnds(), op);
+  if (result == kNoResult) return NxWalkBytes(*table, s1, s2, op, outPos);
+  return result;
 }
 
 int NxStrCmpGeneral(unsigned char cs1, unsigned char lang1, const char* s1, unsigned char cs2,

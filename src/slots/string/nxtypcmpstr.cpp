@@ -275,22 +275,22 @@ unsigned long StringComparison::LengthToWildcard(unsigned long position, bool on
 // One pair of whole texts: by far the most frequent call, which is to cost little more
 // than the comparison of the texts itself.
 
-/// Compares two of them as far as plain texts go, of which most calls are: kDecided or kUnsuited.
-/// The format is the usual one.
-inline NxVerdict ComparePlain(const char* a, unsigned long length1, const char* b, unsigned long length2,
-                              unsigned short options, int& result) {
+/// Compares two of them as far as plain texts go, of which most calls are, else kNoResult. The
+/// format is the usual one.
+inline int ComparePlain(const char* a, unsigned long length1, const char* b, unsigned long length2,
+                        unsigned short options) {
   if (!NxStoredString::IsWhole(a, length1, kFormatNative) ||
       !NxStoredString::IsWhole(b, length2, kFormatNative))
-    return NxVerdict::kUnsuited;
+    return kNoResult;
+  if (NxStoredString::KindOf(a) != NxStoredString::KindOf(b)) return kNoResult;
   const NxOrderTable* const table =
-      NxTableOfBoth(NxStoredString::CodeSetOf(a), NxStoredString::LanguageOf(a),
-                    NxStoredString::KindOf(a) ^ NxStoredString::KindOf(b), options);
-  if (!table) return NxVerdict::kUnsuited;
+      NxTableOfBoth(NxStoredString::CodeSetOf(a), NxStoredString::LanguageOf(a), options);
+  if (!table) return kNoResult;
   const unsigned bytes =
       std::min(NxStoredString::LengthOf(a, kFormatNative), NxStoredString::LengthOf(b, kFormatNative));
   NxNoteRoad(NxRoad::kPlainBytes);
   return NxCompareAlike(*table, NxStoredString::TextOf(a), NxStoredString::TextOf(b),
-                        NxKnownEnds{a + bytes + 1}, options, result);
+                        NxKnownEnds{a + bytes + 1}, options);
 }
 
 /// Compares two of them; kUnsuited for texts that must be taken out first.
@@ -351,14 +351,13 @@ namespace {
 
 long StringCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2, void* value2,
                    unsigned short options, unsigned long count, int& error) {
-  int result;
-  if (format == kFormatNative && count == 1 &&
-      ComparePlain(static_cast<const char*>(value1), len1, static_cast<const char*>(value2), len2, options,
-                   result) == NxVerdict::kDecided) {
-    error = 0;
-    return result;
-  }
-  return CompareOthers(format, len1, value1, len2, value2, options, count, error);
+  if (format != kFormatNative || count != 1)
+    return CompareOthers(format, len1, value1, len2, value2, options, count, error);
+  const int result =
+      ComparePlain(static_cast<const char*>(value1), len1, static_cast<const char*>(value2), len2, options);
+  if (result == kNoResult) return CompareOthers(kFormatNative, len1, value1, len2, value2, options, 1, error);
+  error = 0;
+  return result;
 }
 
 long StringOldCompare(unsigned char format, unsigned long len1, void* value1, unsigned long len2,
