@@ -2,6 +2,7 @@
 
 #include "collation/nxordertable.h"
 
+#include "collation/nxkeybytes.h"
 #include "collation/nxplainkey.h"
 #include "ord2str.h"
 #include "text/nxchartext.h"
@@ -23,6 +24,23 @@ bool OnlyLetters(unsigned short order, const NxWCharList* expansion) {
   for (short i = 0; i < expansion->Count(); ++i)
     if (expansion->At(i) < kFirstDigitOrder) return false;
   return true;
+}
+
+constexpr unsigned short kUnsuited = kSortUnsuited << 8;
+
+/// The sort bytes of an order value.
+unsigned short SortBytesOf(unsigned short order, unsigned char selector) {
+  using namespace NxKeyBytes;
+  if (selector != kHomeSelector || order < kFirstDigitOrder || order >= kFirstHanOrder) return kUnsuited;
+  if (order < kFirstLetterOrder) {
+    const unsigned digit = order - kFirstDigitOrder;
+    return static_cast<unsigned short>(digit % 10 == 0 ? kFirstDigit + digit / 5 : kUnsuited);
+  }
+  const unsigned letterCase = order >> 12 & 3;
+  if (letterCase > kSmallCase) return kUnsuited;
+  const unsigned accent = order >> 7 & kSortAccent;
+  const unsigned marks = accent | (accent ? kSortAccented : 0) | (letterCase == 0 ? kSortCapital : 0);
+  return static_cast<unsigned short>(marks << 8 | (kFirstBase + (order & 0x7F)));
 }
 
 }  // namespace
@@ -55,7 +73,7 @@ void NxOrderTable::Build(unsigned char ofCodeSet, unsigned char ofLanguage) {
   NxString::GetQuestion();
   entries[0] = {0, 0, 0, false};
   contracts = false;
-  sortBytes[0] = 0;
+  sortBytes[0] = kUnsuited;
   hashKeys[0] = kNeedsIterator;
   for (unsigned value = 1; value < 256; ++value) {
     const unsigned short text[2] = {static_cast<unsigned short>(value), 0};
@@ -78,7 +96,7 @@ void NxOrderTable::Build(unsigned char ofCodeSet, unsigned char ofLanguage) {
       entry.key |= kNotPlain;
     }
     hashKeys[value] = entry.key & kNeedsIterator ? kNeedsIterator : entry.key & ~kNotPlain;
-    sortBytes[value] = entry.key & kMarks ? 0 : NxSortBytesOf(order, selector);
+    sortBytes[value] = entry.key & kMarks ? kUnsuited : SortBytesOf(order, selector);
   }
 }
 

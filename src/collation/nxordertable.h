@@ -6,6 +6,7 @@
 #include <atomic>
 
 #include "base/nxbytes.h"
+#include "base/nxstored.h"
 #include "base/nxthreads.h"
 #include "nxchar.h"
 #include "nxlang.h"
@@ -66,7 +67,7 @@ class NxOrderTable {
   /// What a hash takes in of a character; kNeedsIterator where the table cannot tell, and for 0.
   unsigned hashKeys[256];
 
-  /// What sort keys have of a plain digit or letter of the first selector. See nxplainkey.h.
+  /// What sort keys have of a character; see nxplainkey.h.
   unsigned short sortBytes[256];
 
   static constexpr unsigned kCodeSets = 8;  // 8-bit code sets that tables are kept for, a power of two
@@ -82,6 +83,16 @@ class NxOrderTable {
   static NxPublished<NxOrderTable> built_[256][kCodeSets];
   static NxPublished<NxOrderTable> builtUnicode_[kLanguages];
 };
+
+/// The table of a whole image of an 8-bit text in the usual format, with the bytes of the text; null
+/// for another value, or while there is no table.
+inline const NxOrderTable* NxTableOfStored(const void* image, unsigned long length, unsigned& size) {
+  if (!NxStoredString::IsWhole(image, length, kFormatNative)) return nullptr;
+  const unsigned char codeSet = NxStoredString::CodeSetOf(image);
+  if (codeSet >= NxOrderTable::kCodeSets) return nullptr;
+  size = NxStoredString::LengthOf(image, kFormatNative) - NxStoredString::kEmptyLength;
+  return NxOrderTable::FindBuilt(codeSet, NxStoredString::LanguageOf(image));
+}
 
 /// The entry of the character at p of a text of Units (bytes or 16-bit units); a marked
 /// one for characters that the table does not hold.

@@ -234,18 +234,6 @@ class KeyText {
   char local_[512];
 };
 
-/// The key of a whole image of a text of plain letters, which most words are; 0 for others.
-unsigned long WritePlainKey(const void* image, unsigned long length, void* key, unsigned long room) {
-  if (!NxStoredString::IsWhole(image, length, kFormatNative)) return 0;
-  const unsigned char codeSet = NxStoredString::CodeSetOf(image);
-  if (codeSet >= NxOrderTable::kCodeSets) return 0;
-  const NxOrderTable* const table = NxOrderTable::FindBuilt(codeSet, NxStoredString::LanguageOf(image));
-  if (!table) return 0;
-  static_assert(kBeforePlainText <= NxStoredString::kHeadSize);
-  const unsigned size = NxStoredString::LengthOf(image, kFormatNative) - NxStoredString::kEmptyLength;
-  return NxWritePlainKey(*table, NxStoredString::TextOf(image), size, static_cast<unsigned char*>(key), room);
-}
-
 /// A text of an alphabetic string, with the form in which its bytes are.
 struct AlphaText {
   NxTextSpan span;
@@ -287,11 +275,12 @@ bool IsAlpha(char typeId) { return typeId == kIStringTypeId || typeId == kCaseIS
 
 }  // namespace
 
-unsigned long NxSortKey(char typeId, const void* value, unsigned char format, unsigned long length,
-                        unsigned short options, void* key, unsigned long room) {
-  if (typeId == kStringTypeId && format == kFormatNative && !(options & kSortKeyDescending)) {
-    if (const unsigned long n = WritePlainKey(value, length, key, room)) return n;
-  }
+namespace {
+
+/// NxSortKey of what it does not write itself.
+[[gnu::noinline]] unsigned long WriteOthers(char typeId, const void* value, unsigned char format,
+                                            unsigned long length, unsigned short options, void* key,
+                                            unsigned long room) {
   NxKeyWriter writer(key, room, (options & kSortKeyDescending) != 0);
   if (typeId == kStringTypeId) {
     KeyText text;
@@ -306,6 +295,21 @@ unsigned long NxSortKey(char typeId, const void* value, unsigned char format, un
     WriteFields(*order, image, writer);
   }
   return writer.Length();
+}
+
+}  // namespace
+
+unsigned long NxSortKey(char typeId, const void* value, unsigned char format, unsigned long length,
+                        unsigned short options, void* key, unsigned long room) {
+  if (typeId == kStringTypeId && format == kFormatNative && !(options & kSortKeyDescending)) {
+    static_assert(kBeforePlainText <= NxStoredString::kHeadSize);
+    unsigned size;
+    if (const NxOrderTable* const table = NxTableOfStored(value, length, size))
+      if (const unsigned n = NxWritePlainKey(*table, NxStoredString::TextOf(value), size,
+                                             static_cast<unsigned char*>(key), room))
+        return n;
+  }
+  return WriteOthers(typeId, value, format, length, options, key, room);
 }
 
 // ---------------------------------------------------------------------------

@@ -390,13 +390,9 @@ namespace {
 
 /// Hashes one whole image of a text that its table alone can tell. The format is the usual one.
 inline bool HashPlain(const char* image, unsigned long len, unsigned& hash) {
-  if (!NxStoredString::IsWhole(image, len, kFormatNative)) return false;
-  const unsigned char codeSet = NxStoredString::CodeSetOf(image);
-  if (codeSet >= NxOrderTable::kCodeSets) return false;
-  const NxOrderTable* const table = NxOrderTable::FindBuilt(codeSet, NxStoredString::LanguageOf(image));
-  if (!table) return false;
-  const unsigned size = NxStoredString::LengthOf(image, kFormatNative) - NxStoredString::kEmptyLength;
-  return size != 0 && NxHashPlain(*table, NxStoredString::TextOf(image), size, hash);
+  unsigned size;
+  const NxOrderTable* const table = NxTableOfStored(image, len, size);
+  return table && size != 0 && NxHashPlain(*table, NxStoredString::TextOf(image), size, hash);
 }
 
 /// StringHash of what HashPlain leaves over.
