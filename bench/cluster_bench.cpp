@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "query/query.h"
+#include "samplestore.h"
 #include "store/etcdclient.h"
 #include "store/store.h"
 
@@ -38,11 +39,6 @@ constexpr unsigned kRows = 100'000;
 // The tables of a store that has one index, of the numbers, or several of which it is the first.
 constexpr KeyValue::Table kRecords = 0, kNumbers = 1;
 
-[[noreturn]] void Stop(const std::string& reason) {
-  std::fprintf(stderr, "%s\n", reason.c_str());
-  std::exit(2);
-}
-
 std::string Shell(const std::string& command) {
   std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
   std::string output;
@@ -56,7 +52,7 @@ class Site {
  public:
   Site() : path_(fs::temp_directory_path() / ("nxcluster" + std::to_string(getpid()))) {
     fs::create_directory(path_);
-    std::ofstream(File("schema")) << "word NxString language=german\nnumber long\nreal double\nday NxDate\n";
+    WriteSchema(File("schema"));
     WriteRows("none", 1);
     WriteRows("rows", kRows);
     cluster_ = Shell(NX_SOURCE_DIR "/scripts/cluster start " + File("cluster"));
@@ -84,16 +80,12 @@ class Site {
  private:
   /// Days come in order, numbers do not.
   void WriteRows(const char* file, unsigned count) const {
-    std::vector<std::string> words;
-    std::ifstream list("/usr/share/dict/ngerman");
-    for (std::string word; std::getline(list, word);) words.push_back(word);
-    if (words.empty()) Stop("The package wngerman is missing.");
     std::mt19937 random(5);
-    std::unique_ptr<FILE, int (*)(FILE*)> out(std::fopen(File(file).c_str(), "w"), std::fclose);
-    for (unsigned i = 0; i < count; ++i)
-      std::fprintf(out.get(), "%s,%u,%.6f,%04u-%02u-%02u\n", words[random() % words.size()].c_str(),
+    ::WriteRows(File(file), count, [&](FILE* out, const std::vector<std::string>& words, unsigned i) {
+      std::fprintf(out, "%s,%u,%.6f,%04u-%02u-%02u\n", words[random() % words.size()].c_str(),
                    static_cast<unsigned>(random() % 1'000'000), random() / 4096.0, 1900 + i / 1000,
                    1 + i / 84 % 12, 1 + i / 3 % 28);
+    });
   }
 
   fs::path path_;
@@ -108,10 +100,6 @@ const Site& TheSite() {
 // ---------------------------------------------------------------------------
 // The store
 
-/// Runs nxtm; its output goes nowhere.
-void Run(const std::string& arguments) {
-  if (std::system((NXTM " " + arguments + " >/dev/null").c_str()) != 0) Stop("failed: nxtm " + arguments);
-}
 void Import(const std::string& store, const char* rows) {
   Run("import " + TheSite().File("schema") + " " + TheSite().File(rows) + " " + store);
 }

@@ -24,6 +24,8 @@
 #include <utility>
 #include <vector>
 
+#include "samplestore.h"
+
 namespace {
 
 using State = benchmark::State;
@@ -31,11 +33,6 @@ namespace fs = std::filesystem;
 
 constexpr unsigned kRows = 1'000'000;
 constexpr long kAbove = 2'000'000'000;  // a number that about 3 of 100 rows are above
-
-[[noreturn]] void Stop(const std::string& reason) {
-  std::fprintf(stderr, "%s\n", reason.c_str());
-  std::exit(2);
-}
 
 // ---------------------------------------------------------------------------
 // Files
@@ -45,7 +42,7 @@ class Files {
  public:
   Files() : path_(fs::temp_directory_path() / ("nxcommand" + std::to_string(getpid()))) {
     fs::create_directory(path_);
-    std::ofstream(Name("schema")) << "word NxString language=german\nnumber long\nreal double\nday NxDate\n";
+    WriteSchema(Name("schema"));
     WriteRows();
   }
   Files(const Files&) = delete;
@@ -60,19 +57,14 @@ class Files {
 
  private:
   void WriteRows() const {
-    std::vector<std::string> words;
-    std::ifstream list("/usr/share/dict/ngerman");
-    for (std::string word; std::getline(list, word);) words.push_back(word);
-    if (words.empty()) Stop("The package wngerman is missing.");
     std::mt19937 random(5);
-    std::unique_ptr<FILE, int (*)(FILE*)> out(std::fopen(Name("rows").c_str(), "w"), std::fclose);
-    for (unsigned i = 0; i < kRows; ++i) {
+    ::WriteRows(Name("rows"), kRows, [&](FILE* out, const std::vector<std::string>& words, unsigned) {
       const std::string& word = words[random() % words.size()];
       const long number = static_cast<long>(random());
       const double real = random() / 4096.0;
       const unsigned year = 1900 + random() % 120, month = 1 + random() % 12, day = 1 + random() % 28;
-      std::fprintf(out.get(), "%s,%ld,%.6f,%04u-%02u-%02u\n", word.c_str(), number, real, year, month, day);
-    }
+      std::fprintf(out, "%s,%ld,%.6f,%04u-%02u-%02u\n", word.c_str(), number, real, year, month, day);
+    });
   }
 
   fs::path path_;
@@ -85,11 +77,6 @@ const Files& TheFiles() {
 
 // ---------------------------------------------------------------------------
 // The workbench
-
-/// Runs nxtm; its output goes nowhere.
-void Run(const std::string& arguments) {
-  if (std::system((NXTM " " + arguments + " >/dev/null").c_str()) != 0) Stop("failed: nxtm " + arguments);
-}
 
 void Import(const char* store) {
   Run("import " + TheFiles().Name("schema") + " " + TheFiles().Name("rows") + " " + TheFiles().Name(store));
