@@ -25,6 +25,7 @@
 #include "nxstring.h"
 #include "nxtypcmp.h"
 #include "nxtypmgr.h"
+#include "store/keyorder.h"
 
 namespace {
 
@@ -106,25 +107,6 @@ int CompareByIcu(const MDB_val* a, const MDB_val* b) {
 int CompareBytes(const MDB_val* a, const MDB_val* b) {
   const int order = std::memcmp(a->mv_data, b->mv_data, std::min(a->mv_size, b->mv_size));
   return order != 0 ? order : static_cast<int>(a->mv_size) - static_cast<int>(b->mv_size);
-}
-
-unsigned FourBytes(const unsigned char* bytes) {
-  unsigned value;
-  std::memcpy(&value, bytes, sizeof value);
-  return __builtin_bswap32(value);
-}
-
-/// The order of CompareBytes, without a call.
-int CompareInPlace(const MDB_val* a, const MDB_val* b) {
-  const auto* x = static_cast<const unsigned char*>(a->mv_data);
-  const auto* y = static_cast<const unsigned char*>(b->mv_data);
-  const std::size_t n = std::min(a->mv_size, b->mv_size);
-  std::size_t i = 0;
-  for (; i + 4 <= n; i += 4)
-    if (const unsigned v = FourBytes(x + i), w = FourBytes(y + i); v != w) return v < w ? -1 : 1;
-  for (; i < n; ++i)
-    if (x[i] != y[i]) return x[i] - y[i];
-  return static_cast<int>(a->mv_size) - static_cast<int>(b->mv_size);
 }
 
 // ---------------------------------------------------------------------------
@@ -278,7 +260,7 @@ void RegisterKeys(const std::string& group, bool neighbours) {
                   });
   };
   sortKeys("/sort keys, memcmp", CompareBytes);
-  sortKeys("/sort keys, in place", CompareInPlace);
+  sortKeys("/sort keys, in place", nxtm::CompareKeys);
 }
 
 }  // namespace
@@ -289,7 +271,7 @@ int main(int argc, char** argv) {
   RegisterLookUp("LookUp/memcmp of the words", nullptr, &Word::utf8);
   RegisterLookUp("LookUp/Cmp", CompareKeys, &Word::key);
   RegisterLookUp("LookUp/sort keys, memcmp", nullptr, &Word::sortKey);
-  RegisterLookUp("LookUp/sort keys, in place", CompareInPlace, &Word::sortKey);
+  RegisterLookUp("LookUp/sort keys, in place", nxtm::CompareKeys, &Word::sortKey);
   RegisterKeys("NeighbourKeys", true);
   RegisterKeys("RandomKeys", false);
   benchmark::RunSpecifiedBenchmarks();

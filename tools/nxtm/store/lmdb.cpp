@@ -21,6 +21,7 @@
 #include <utility>
 
 #include "data/failure.h"
+#include "store/keyorder.h"
 #include "store/pages.h"
 
 namespace nxtm {
@@ -58,25 +59,6 @@ void ExpectDamage(const std::string& path) {
 
 std::string_view View(const MDB_val& v) { return {static_cast<const char*>(v.mv_data), v.mv_size}; }
 MDB_val Val(std::string_view bytes) { return {bytes.size(), const_cast<char*>(bytes.data())}; }
-
-/// The order of keys as bytes, a word at a time. It is the order of LMDB itself, which calls
-/// memcmp: that costs more than most keys take.
-int CompareKeys(const MDB_val* a, const MDB_val* b) {
-  using Word = std::uint32_t;
-  const auto* const first = static_cast<const unsigned char*>(a->mv_data);
-  const auto* const second = static_cast<const unsigned char*>(b->mv_data);
-  const unsigned long n = std::min(a->mv_size, b->mv_size);
-  unsigned long i = 0;
-  for (; i + sizeof(Word) <= n; i += sizeof(Word)) {
-    Word x, y;
-    std::memcpy(&x, first + i, sizeof x);
-    std::memcpy(&y, second + i, sizeof y);
-    if (x != y) return __builtin_bswap32(x) < __builtin_bswap32(y) ? -1 : 1;
-  }
-  for (; i < n; ++i)
-    if (first[i] != second[i]) return first[i] < second[i] ? -1 : 1;
-  return a->mv_size < b->mv_size ? -1 : a->mv_size > b->mv_size;
-}
 
 bool Precedes(std::string_view a, std::string_view b) {
   const MDB_val first = Val(a), second = Val(b);
