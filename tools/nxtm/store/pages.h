@@ -72,6 +72,7 @@ class MappedLeaf {
         count_((At<PageHead>(0).lower - sizeof(PageHead)) / sizeof(std::uint16_t)) {
     if (At<PageHead>(0).flags != kLeafPage || count_ > (size_ - sizeof(PageHead)) / sizeof(std::uint16_t))
       count_ = 0;
+    ExpectNextPage();
   }
 
   /// Which of the page's keys it is; where it is none of them, there is none behind it.
@@ -98,6 +99,15 @@ class MappedLeaf {
  private:
   static constexpr std::uint16_t kLeafPage = 2;
   static constexpr unsigned long kAhead = 8;  // entries that the memory is told of
+  static constexpr unsigned long kLine = 64;
+
+  /// Tells the memory of the page behind this one, which is the next in order where a table was
+  /// filled in one go: its head, and its first entries, which lie at its end.
+  void ExpectNextPage() const {
+    const char* const next = page_ + size_;
+    for (unsigned long i = 0; i < 2; ++i) __builtin_prefetch(next + i * kLine);
+    for (unsigned long i = 1; i <= kAhead; ++i) __builtin_prefetch(next + size_ - i * kLine);
+  }
 
   template <class T>
   T At(unsigned long offset) const {
