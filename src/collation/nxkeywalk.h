@@ -9,7 +9,7 @@
 #include "nxstring.h"
 
 /// A key's order values, from some place on.
-struct NxKeyText {
+struct NxKeyUnits {
   const char* units;
   unsigned count;
 };
@@ -23,7 +23,7 @@ unsigned NxKeyUnitAt(const char* units, unsigned index) {
 template <bool kBigEndian>
 class NxKeyWalk {
  public:
-  NxKeyWalk(const NxKeyText& a, const NxKeyText& b, unsigned selector, unsigned short options)
+  NxKeyWalk(const NxKeyUnits& a, const NxKeyUnits& b, unsigned selector, unsigned short options)
       : a_{a.units, a.count},
         b_{b.units, b.count},
         selector_(static_cast<unsigned char>(selector)),

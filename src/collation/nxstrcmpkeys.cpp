@@ -9,7 +9,7 @@
 namespace {
 
 template <bool kBigEndian>
-NxKeyText TextOf(const char* image) {
+NxKeyUnits TextOf(const char* image) {
   const unsigned n = NxKeyUnitAt<kBigEndian>(image, 0);  // a key begins with its length
   return {NxStoredString::TextOf(image), (n - static_cast<unsigned>(NxStoredString::kEmptyLength)) / 2};
 }
