@@ -33,9 +33,9 @@ class NxOrderTable {
 
   /// The table of a code set and language, or null when none is kept for them.
   static const NxOrderTable* Find(unsigned char codeSet, unsigned char language);
-  /// The same of a code set below kCodeSets, if it has been built.
+  /// The same, if it has been built; null for code sets from kCodeSets on.
   static const NxOrderTable* FindBuilt(unsigned char codeSet, unsigned char language) {
-    return built_[language][codeSet].Get();
+    return codeSet < kCodeSets ? built_[language][codeSet].Get() : nullptr;
   }
   /// Whether neither wildcard is a digit or letter, so that plain characters are none.
   static bool WildcardsAreSymbols() {
@@ -88,10 +88,8 @@ class NxOrderTable {
 /// for another value, or while there is no table.
 inline const NxOrderTable* NxTableOfStored(const void* image, unsigned long length, unsigned& size) {
   if (!NxStoredString::IsWhole(image, length, kFormatNative)) return nullptr;
-  const unsigned char codeSet = NxStoredString::CodeSetOf(image);
-  if (codeSet >= NxOrderTable::kCodeSets) return nullptr;
   size = NxStoredString::LengthOf(image, kFormatNative) - NxStoredString::kEmptyLength;
-  return NxOrderTable::FindBuilt(codeSet, NxStoredString::LanguageOf(image));
+  return NxOrderTable::FindBuilt(NxStoredString::CodeSetOf(image), NxStoredString::LanguageOf(image));
 }
 
 /// The entry of the character at p of a text of Units (bytes or 16-bit units); a marked

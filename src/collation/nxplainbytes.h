@@ -13,7 +13,7 @@
 /// The table of two texts of one code set and language that this road serves; null when they are
 /// others. The texts' limit is not asked about: this road compares whole texts.
 inline const NxOrderTable* NxTableOfBoth(unsigned char codeSet, unsigned char language, unsigned short op) {
-  if (codeSet >= NxOrderTable::kCodeSets || (op & kOrderValuesOnly)) return nullptr;
+  if (op & kOrderValuesOnly) return nullptr;
   const NxOrderTable* const table = NxOrderTable::FindBuilt(codeSet, language);
   return table && table->WildcardsAreUsual() ? table : nullptr;
 }

@@ -94,7 +94,7 @@ unsigned HashWholeText(unsigned char cs, unsigned char lang, const char* text, u
     for (; *text; ++text) hash = NxMixHash(hash, static_cast<unsigned char>(*text));
     return hash;
   }
-  const NxOrderTable* table = cs < NxOrderTable::kCodeSets ? NxOrderTable::FindBuilt(cs, lang) : nullptr;
+  const NxOrderTable* const table = NxOrderTable::FindBuilt(cs, lang);
   if (table) hash = HashPlainBytes(*table, text);
   if (table && *text == 0) return hash;
   NxOrderReader reader = ReaderOf(cs, lang, text, byteOrder);

@@ -212,9 +212,8 @@ bool NxWriteTextKey(const NxKeyText& text, NxKeyWriter& key) {
     WritePlainBytes(text.text ? text.text : "", key);
     return true;
   }
-  const NxOrderTable* table = nullptr;
-  if (text.codeSet < NxOrderTable::kCodeSets &&
-      !(table = NxOrderTable::FindBuilt(text.codeSet, text.language)))
+  const NxOrderTable* table = NxOrderTable::FindBuilt(text.codeSet, text.language);
+  if (!table && text.codeSet < NxOrderTable::kCodeSets)
     table = NxOrderTable::Find(text.codeSet, text.language);
   if (table && text.text && NxPutPlainKey(*table, text.text, key)) return true;
   return NxWriteTextKeyByLevels(text, key);
