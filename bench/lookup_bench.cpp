@@ -91,7 +91,7 @@ const std::vector<Word>& Words() {
 // ---------------------------------------------------------------------------
 // Comparison
 
-int CompareKeys(const MDB_val* a, const MDB_val* b) {
+int CompareImages(const MDB_val* a, const MDB_val* b) {
   int error;
   const long order = Manager().Cmp(kStringTypeId, a->mv_size, a->mv_data, b->mv_size, b->mv_data,
                                    kWildcardsOff, 1, kFormatKey | kFormatNative, error);
@@ -218,7 +218,7 @@ Pairs<Text> MakePairs(bool neighbours, Text Word::*text) {
   for (const Word& word : Words()) words.push_back(&word);
   const auto less = [](const Word* a, const Word* b) {
     const MDB_val x = Val(a->key), y = Val(b->key);
-    return CompareKeys(&x, &y) < 0;
+    return CompareImages(&x, &y) < 0;
   };
   if (neighbours) std::sort(words.begin(), words.end(), less);
   Pairs<Text> made;
@@ -250,7 +250,7 @@ void RegisterKeys(const std::string& group, bool neighbours) {
   RegisterPairs(group + "/Cmp", neighbours, &Word::key,
                 [](const char* a, unsigned n, const char* b, unsigned m) {
                   const MDB_val x = {n, const_cast<char*>(a)}, y = {m, const_cast<char*>(b)};
-                  return CompareKeys(&x, &y);
+                  return CompareImages(&x, &y);
                 });
   const auto sortKeys = [&](const char* name, MDB_cmp_func* compare) {
     RegisterPairs(group + name, neighbours, &Word::sortKey,
@@ -269,7 +269,7 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   RegisterLookUp("LookUp/ucol_strcollUTF8", CompareByIcu, &Word::utf8);
   RegisterLookUp("LookUp/memcmp of the words", nullptr, &Word::utf8);
-  RegisterLookUp("LookUp/Cmp", CompareKeys, &Word::key);
+  RegisterLookUp("LookUp/Cmp", CompareImages, &Word::key);
   RegisterLookUp("LookUp/sort keys, memcmp", nullptr, &Word::sortKey);
   RegisterLookUp("LookUp/sort keys, in place", nxtm::CompareKeys, &Word::sortKey);
   RegisterKeys("NeighbourKeys", true);

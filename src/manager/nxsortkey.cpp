@@ -273,10 +273,6 @@ void WriteAlphaKey(char typeId, const AlphaText& text, unsigned long limit, NxKe
 
 bool IsAlpha(char typeId) { return typeId == kIStringTypeId || typeId == kCaseIStringTypeId; }
 
-}  // namespace
-
-namespace {
-
 /// NxSortKey of what it does not write itself.
 [[gnu::noinline]] unsigned long WriteOthers(char typeId, const void* value, unsigned char format,
                                             unsigned long length, unsigned short options, void* key,
